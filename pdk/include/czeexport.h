@@ -1,0 +1,8 @@
+#ifndef CZEEXPORT_H
+#define CZEEXPORT_H
+
+/// Marks what leaves a shared library. Everything is built with hidden visibility, so a class that
+/// the host, the framework and the library exchange carries this mark.
+#define CZE_EXPORT __attribute__((visibility("default")))
+
+#endif

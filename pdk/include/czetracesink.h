@@ -1,0 +1,106 @@
+#ifndef CZETRACESINK_H
+#define CZETRACESINK_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "pdk/include/czeexport.h"
+#include "pdk/include/czerefcount.h"
+#include "pdk/include/czesmartptr.h"
+
+namespace koze_pdk_4_4 {
+
+/// Where the lines of a trace log go, and up to which level.
+///
+/// A line is wanted when its level is not above the sink's: 1 the exception caught around a
+/// command, 2 warnings and failed commands, 3 informational lines, 6 entering and exiting lines
+/// and detailed progress. Not safe between threads, like the log that holds it.
+class CZE_EXPORT CZeTraceSink : public virtual CZeRefCount {
+public:
+    /// The level that wants every line.
+    static constexpr int everything = 6;
+
+    explicit CZeTraceSink(int level) : m_level(level) {}
+
+    bool wants(int level) const { return level <= m_level; }
+
+    /// Stores one line, given without its line end. `text` is valid during the call only.
+    virtual void write(int level, std::string_view text) = 0;
+
+    /// Counts a line that could not be stored.
+    void drop() { ++m_dropped; }
+
+    /// The number of lines that were wanted and could not be stored.
+    std::uint64_t dropped() const { return m_dropped; }
+
+private:
+    int m_level;
+    std::uint64_t m_dropped = 0;
+};
+
+using CZeTraceSinkHandle = CZeSmartPtr<CZeTraceSink, CZeNullAllocator<CZeTraceSink>>;
+
+/// Writes lines to an open descriptor, each with a single `write`, so that the lines of several
+/// processes do not mix:
+///
+///     2026-11-21T10:53:24.123+00:00 [4711] 6 Entering Function claim [24, dmp_claim_manager.cpp]
+///
+/// that is local time with its zone, process id, level, text. Control characters in the text
+/// become \xNN, so that a device name cannot forge a line. A line that cannot be written (disk
+/// full, descriptor closed, no reader) is dropped and counted; no signal is raised.
+class CZE_EXPORT CZeTraceDescriptorSink : public CZeTraceSink {
+public:
+    /// `descriptor` stays the caller's and must outlive the sink's last line.
+    CZeTraceDescriptorSink(int level, int descriptor)
+        : CZeTraceSink(level), m_descriptor(descriptor)
+    {}
+    void write(int level, std::string_view text) override;
+
+private:
+    int m_descriptor;
+    bool m_midLine = false;
+};
+
+/// Writes lines to standard error.
+class CZE_EXPORT CZeTraceStderrSink : public CZeTraceDescriptorSink {
+public:
+    explicit CZeTraceStderrSink(int level) : CZeTraceDescriptorSink(level, 2) {}
+};
+
+/// Appends lines to a file.
+class CZE_EXPORT CZeTraceFileSink : public CZeTraceDescriptorSink {
+public:
+    /// Opens `path` for appending and creates it when it is missing. Throws std::system_error
+    /// when that fails. The descriptor is closed on exec and never one of the standard three.
+    CZeTraceFileSink(int level, const std::string& path);
+    ~CZeTraceFileSink() override;
+    CZeTraceFileSink(const CZeTraceFileSink&) = delete;
+    CZeTraceFileSink& operator=(const CZeTraceFileSink&) = delete;
+
+private:
+    CZeTraceFileSink(int level, int descriptor);
+
+    int m_owned;
+};
+
+/// Hands lines to the host, unaltered.
+class CZE_EXPORT CZeTraceCallbackSink : public CZeTraceSink {
+public:
+    using Callback = std::function<void(int level, std::string_view text)>;
+
+    /// What `callback` throws reaches the operation that traces.
+    CZeTraceCallbackSink(int level, Callback callback)
+        : CZeTraceSink(level), m_callback(std::move(callback))
+    {}
+    void write(int level, std::string_view text) override { m_callback(level, text); }
+
+private:
+    Callback m_callback;
+};
+
+} // namespace koze_pdk_4_4
+
+#endif
