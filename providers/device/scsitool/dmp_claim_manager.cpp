@@ -1,0 +1,100 @@
+#include "dmp_claim_manager.h"
+
+#include <iterator>
+#include <utility>
+
+#include "dmp_linux_device_mapper_claim.h"
+#include "dmp_nativepath_claim.h"
+#include "dmp_powerpath_claim.h"
+
+// The list holds plain pointers: when a module cannot be made here, those made already are left
+// alone, as the host's framework expects of a constructor that throws.
+CDmpClaimManager::CDmpClaimManager()
+{
+    CZE_TRACE_FUNCTION();
+    m_modules.push_back(new CNativePathClaim);
+    m_modules.push_back(new CDmpPowerPathClaim);
+    m_modules.push_back(new CDmpDeviceMapperClaim);
+}
+
+CDmpClaimManager::~CDmpClaimManager()
+{
+    for (CDmpDeviceClaimBase* module : m_modules)
+        delete module;
+}
+
+void CDmpClaimManager::registerClaimModule(CDmpDeviceClaimBase* module)
+{
+    CZE_TRACE_FUNCTION();
+    if (module == nullptr)
+        return;
+    module->registerTraceLog(m_traceLog);
+    m_modules.push_back(module);
+}
+
+void CDmpClaimManager::registerTraceLog(koze_pdk_4_4::CZeTraceLogHandle& log)
+{
+    CZE_TRACE_FUNCTION();
+    m_traceLog = log;
+    for (CDmpDeviceClaimBase* module : m_modules)
+        module->registerTraceLog(log);
+}
+
+std::vector<std::string> CDmpClaimManager::getDeviceClaimStrings()
+{
+    CZE_TRACE_FUNCTION();
+    std::vector<std::string> merged;
+    for (CDmpDeviceClaimBase* module : m_modules) {
+        std::vector<std::string> strings = module->getDeviceClaimStrings();
+        merged.insert(merged.begin(), std::make_move_iterator(strings.begin()),
+                      std::make_move_iterator(strings.end()));
+    }
+    return merged;
+}
+
+std::uint32_t CDmpClaimManager::claim(std::string device)
+{
+    CZE_TRACE_FUNCTION();
+    CDmpDeviceClaimBase* module = nullptr;
+    return getClaimModule(module, std::move(device));
+}
+
+bool CDmpClaimManager::isPartition(std::string device)
+{
+    CZE_TRACE_FUNCTION();
+    CDmpDeviceClaimBase* module = nullptr;
+    getClaimModule(module, device);
+    return module != nullptr && module->isPartition(std::move(device));
+}
+
+std::string CDmpClaimManager::appendPartitionSuffix(std::string device, unsigned int partnum)
+{
+    CZE_TRACE_FUNCTION();
+    CDmpDeviceClaimBase* module = nullptr;
+    getClaimModule(module, device);
+    return module == nullptr ? std::string()
+                             : module->appendPartitionSuffix(std::move(device), partnum);
+}
+
+std::string CDmpClaimManager::removePartitionSuffix(std::string device, unsigned int& partnum)
+{
+    CZE_TRACE_FUNCTION();
+    CDmpDeviceClaimBase* module = nullptr;
+    getClaimModule(module, device);
+    return module == nullptr ? std::string()
+                             : module->removePartitionSuffix(std::move(device), partnum);
+}
+
+std::uint32_t CDmpClaimManager::getClaimModule(CDmpDeviceClaimBase*& module, std::string device)
+{
+    CZE_TRACE_FUNCTION();
+    std::uint32_t strongest = CLAIM_NONE;
+    for (CDmpDeviceClaimBase* candidate : m_modules) {
+        const std::uint32_t result = candidate->claim(device);
+        if (result > strongest) {
+            strongest = result;
+            module = candidate;
+        }
+    }
+    return strongest;
+}

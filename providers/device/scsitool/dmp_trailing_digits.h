@@ -1,0 +1,32 @@
+#ifndef DMP_TRAILING_DIGITS_H
+#define DMP_TRAILING_DIGITS_H
+
+#include <cstddef>
+#include <cstdlib>
+#include <string>
+
+// Partition numbers stand at the end of a device name: name digit*. Only '0' to '9' are digits,
+// whatever the host's locale says.
+
+inline bool isDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
+/// Returns where the run of digits that ends `device` begins; its size when it ends in none.
+inline std::size_t trailingDigits(const std::string& device)
+{
+    std::size_t begin = device.size();
+    while (begin > 0 && isDigit(device[begin - 1]))
+        --begin;
+    return begin;
+}
+
+/// Returns the number that the digits from `begin` on spell: the low 32 bits of a long, which
+/// saturates.
+inline unsigned int numberAt(const std::string& device, std::size_t begin)
+{
+    return static_cast<unsigned int>(std::strtol(device.c_str() + begin, nullptr, 10));
+}
+
+#endif
