@@ -1,6 +1,7 @@
 #ifndef DMP_TRAILING_DIGITS_H
 #define DMP_TRAILING_DIGITS_H
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <string>
@@ -23,10 +24,13 @@ inline std::size_t trailingDigits(const std::string& device)
 }
 
 /// Returns the number that the digits from `begin` on spell: the low 32 bits of a long, which
-/// saturates.
+/// saturates. The host's errno stays as it was.
 inline unsigned int numberAt(const std::string& device, std::size_t begin)
 {
-    return static_cast<unsigned int>(std::strtol(device.c_str() + begin, nullptr, 10));
+    const int hostErrno = errno;
+    const long number = std::strtol(device.c_str() + begin, nullptr, 10);
+    errno = hostErrno;
+    return static_cast<unsigned int>(number);
 }
 
 #endif
