@@ -32,6 +32,7 @@ public:
 
     /// Gives the module the manager's log and appends it to the list; null is ignored. The manager
     /// owns the module from then on: made with `new`, registered once, never deleted by the host.
+    /// When memory for the list runs out, the module stays the host's.
     virtual void registerClaimModule(CDmpDeviceClaimBase* module);
 
     /// Shares `log` and passes it to every listed module. The entering and exiting line of this
