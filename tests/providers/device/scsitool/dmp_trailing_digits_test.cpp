@@ -1,0 +1,54 @@
+#include "providers/device/scsitool/dmp_trailing_digits.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <clocale>
+
+namespace {
+
+TEST(TrailingDigits, OnlyTheTenAsciiDigitsAreDigitsInAnyLocale)
+{
+    for (const char* locale : {"C", "C.UTF-8", "ar_SA.UTF-8", "fa_IR.UTF-8", "th_TH.TIS-620"}) {
+        SCOPED_TRACE(locale);
+        // Locales that are not installed leave the one before in place.
+        std::setlocale(LC_ALL, locale);
+        for (int byte = 0; byte < 256; ++byte) {
+            const bool expected = byte >= 0x30 && byte <= 0x39;
+            EXPECT_EQ(isDigit(static_cast<char>(byte)), expected) << byte;
+        }
+    }
+    std::setlocale(LC_ALL, "C");
+}
+
+TEST(TrailingDigits, BeginBehindTheLastCharacterThatIsNone)
+{
+    EXPECT_EQ(trailingDigits(""), 0U);
+    EXPECT_EQ(trailingDigits("a"), 1U);
+    EXPECT_EQ(trailingDigits("7"), 0U);
+    EXPECT_EQ(trailingDigits("123"), 0U);
+    EXPECT_EQ(trailingDigits("a123"), 1U);
+    EXPECT_EQ(trailingDigits("a1b23"), 3U);
+    EXPECT_EQ(trailingDigits("123a"), 4U);
+    EXPECT_EQ(trailingDigits(std::string("1\0002", 3)), 2U);
+}
+
+TEST(TrailingDigits, SpellTheLow32BitsOfALongThatSaturates)
+{
+    EXPECT_EQ(numberAt("sda12", 3), 12U);
+    EXPECT_EQ(numberAt("sda012", 3), 12U);
+    EXPECT_EQ(numberAt("sda", 3), 0U);
+    EXPECT_EQ(numberAt("4294967295", 0), 4294967295U);
+    EXPECT_EQ(numberAt("4294967296", 0), 0U);
+    EXPECT_EQ(numberAt("9223372036854775807", 0), 4294967295U);
+    EXPECT_EQ(numberAt("99999999999999999999", 0), 4294967295U);
+}
+
+TEST(TrailingDigits, ASaturatedNumberLeavesTheHostsErrnoAlone)
+{
+    errno = EXDEV;
+    EXPECT_EQ(numberAt("99999999999999999999", 0), 4294967295U);
+    EXPECT_EQ(errno, EXDEV);
+}
+
+} // namespace

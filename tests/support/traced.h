@@ -1,0 +1,33 @@
+#ifndef TRACED_H
+#define TRACED_H
+
+#include <string>
+#include <vector>
+
+#include "tests/support/recording_log.h"
+
+/// Lines to come in this order.
+using TraceLines = std::vector<testing::Matcher<const Line&>>;
+
+inline void append(TraceLines& lines, const Line& line)
+{
+    lines.emplace_back(line);
+}
+
+inline void append(TraceLines& lines, const TraceLines& more)
+{
+    lines.insert(lines.end(), more.begin(), more.end());
+}
+
+/// The lines of an operation: `inside`, single lines or those of other operations, between the
+/// entering and the exiting line of `function` in `file`.
+template <class... Inside>
+TraceLines Traced(const std::string& function, const std::string& file, const Inside&... inside)
+{
+    TraceLines lines{Entering(function, file)};
+    (append(lines, inside), ...);
+    lines.emplace_back(Exiting(function, file));
+    return lines;
+}
+
+#endif
