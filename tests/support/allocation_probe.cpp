@@ -1,0 +1,120 @@
+#include "tests/support/allocation_probe.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// Operator new may be called before any constructor has run, so all of this starts out as zeros.
+bool watching = false;
+std::size_t allocations = 0;
+std::size_t failingAllocation = 0;
+std::array<void*, 4096> blocks = {};
+std::size_t blockCount = 0;
+
+void* allocate(std::size_t size)
+{
+    void* block = std::malloc(size == 0 ? 1 : size);
+    if (block == nullptr)
+        throw std::bad_alloc();
+    return block;
+}
+
+} // namespace
+
+// The forms that the library's objects use; the others are replaced as well, because a sanitizer's
+// own ones would not match operator delete below.
+void* operator new(std::size_t size)
+{
+    if (!watching)
+        return allocate(size);
+    if (++allocations == failingAllocation)
+        throw std::bad_alloc();
+    void* block = allocate(size);
+    blocks.at(blockCount++) = block;
+    return block;
+}
+
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
+{
+    return std::malloc(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept
+{
+    return std::malloc(size);
+}
+
+void operator delete(void* block) noexcept
+{
+    // Blocks are forgotten whether watched or not, as their addresses come back.
+    auto* const end = blocks.begin() + blockCount;
+    auto* const found = std::find(blocks.begin(), end, block);
+    if (block != nullptr && found != end) {
+        *found = *(end - 1);
+        --blockCount;
+    }
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t /*size*/) noexcept
+{
+    operator delete(block);
+}
+
+void operator delete[](void* block) noexcept
+{
+    operator delete(block);
+}
+
+void operator delete[](void* block, std::size_t /*size*/) noexcept
+{
+    operator delete(block);
+}
+
+AllocationProbe::AllocationProbe(std::size_t failing)
+{
+    allocations = 0;
+    failingAllocation = failing;
+    blockCount = 0;
+    watching = true;
+}
+
+AllocationProbe::~AllocationProbe()
+{
+    watching = false;
+    blockCount = 0;
+}
+
+std::size_t AllocationProbe::made() const
+{
+    return allocations;
+}
+
+bool AllocationProbe::failed() const
+{
+    return failingAllocation != 0 && allocations >= failingAllocation;
+}
+
+std::vector<void*> AllocationProbe::living() const
+{
+    const Pause pause;
+    return std::vector<void*>(blocks.begin(), blocks.begin() + blockCount);
+}
+
+AllocationProbe::Pause::Pause() : m_wasWatching(watching)
+{
+    watching = false;
+}
+
+AllocationProbe::Pause::~Pause()
+{
+    watching = m_wasWatching;
+}

@@ -1,0 +1,41 @@
+#ifndef ALLOCATION_PROBE_H
+#define ALLOCATION_PROBE_H
+
+#include <cstddef>
+#include <vector>
+
+/// Watches operator new and operator delete of the whole test program, the libraries that it
+/// loads included, while the probe lives. One probe at a time, one thread.
+///
+/// A test program that links allocation_probe replaces both operators.
+class AllocationProbe {
+public:
+    /// The allocation number `failing`, counted from 1, throws std::bad_alloc; with 0 none does.
+    explicit AllocationProbe(std::size_t failing = 0);
+    ~AllocationProbe();
+    AllocationProbe(const AllocationProbe&) = delete;
+    AllocationProbe& operator=(const AllocationProbe&) = delete;
+
+    /// The number of allocations so far, the failed one included.
+    std::size_t made() const;
+
+    /// Whether the allocation that was to fail did.
+    bool failed() const;
+
+    /// What was allocated since the probe began and is not freed yet.
+    std::vector<void*> living() const;
+
+    /// Allocations are not watched while it lives: for what the test does amid an operation.
+    class Pause {
+    public:
+        Pause();
+        ~Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+    private:
+        bool m_wasWatching;
+    };
+};
+
+#endif
