@@ -44,7 +44,8 @@ public:
 
     /// Gives the reference up and empties the handle. Returns the count that is left, or -1 when
     /// the handle was empty already. The last reference destroys the object, with its count back
-    /// at 1, so that a handle used during the destruction cannot reach 0 a second time.
+    /// at 1, so that a handle made during the destruction cannot reach 0 a second time. This handle
+    /// is emptied last: the object's destructor may copy it, but not release or assign it.
     std::int32_t release()
     {
         if (m_pointee == nullptr)

@@ -29,7 +29,8 @@ public:
 
     /// Formats and stores one line when the sink wants its level; nothing is formatted otherwise.
     /// `format` and its arguments are those of printf. A line that cannot be formatted is dropped
-    /// and counted by the sink.
+    /// and counted by the sink. Leaves errno alone and is no cancellation point. Throws only what
+    /// the sink throws.
     void trace(int level, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
 protected:
@@ -49,9 +50,16 @@ class CZE_EXPORT CZeTraceable {
 public:
     virtual ~CZeTraceable() = default;
 
+// g++ warns here of a derived class whose operation of this name is another one on purpose.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Woverloaded-virtual"
     /// Shares `log` from now on and releases the log held before; an empty handle makes the object
     /// silent. Writes no line.
-    virtual void registerTraceLog(const CZeTraceLogHandle& log) { m_traceLog = log; }
+    virtual void registerTraceLog(const CZeTraceLogHandle& log)
+    {
+        m_traceLog = log;
+    }
+#pragma GCC diagnostic pop
 
 protected:
     CZeTraceLogHandle m_traceLog;

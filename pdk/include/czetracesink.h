@@ -27,7 +27,8 @@ public:
 
     bool wants(int level) const { return level <= m_level; }
 
-    /// Stores one line, given without its line end. `text` is valid during the call only.
+    /// Stores one line that is wanted, given without its line end. `text` is valid during the call
+    /// only. What this throws reaches the operation that traces.
     virtual void write(int level, std::string_view text) = 0;
 
     /// Counts a line that could not be stored.
@@ -49,8 +50,10 @@ using CZeTraceSinkHandle = CZeSmartPtr<CZeTraceSink, CZeNullAllocator<CZeTraceSi
 ///     2026-11-21T10:53:24.123+00:00 [4711] 6 Entering Function claim [24, dmp_claim_manager.cpp]
 ///
 /// that is local time with its zone, process id, level, text. Control characters in the text
-/// become \xNN, so that a device name cannot forge a line. A line that cannot be written (disk
-/// full, descriptor closed, no reader) is dropped and counted; no signal is raised.
+/// become \xNN, so that a device name cannot forge a line. A line that cannot be written at once
+/// and whole (disk full, descriptor closed, no reader, a full pipe that does not block) is dropped
+/// and counted; no signal reaches the host. What a cut line left behind is ended before the next
+/// one.
 class CZE_EXPORT CZeTraceDescriptorSink : public CZeTraceSink {
 public:
     /// `descriptor` stays the caller's and must outlive the sink's last line.
@@ -58,6 +61,9 @@ public:
         : CZeTraceSink(level), m_descriptor(descriptor)
     {}
     void write(int level, std::string_view text) override;
+
+protected:
+    int descriptor() const { return m_descriptor; }
 
 private:
     int m_descriptor;
@@ -73,25 +79,19 @@ public:
 /// Appends lines to a file.
 class CZE_EXPORT CZeTraceFileSink : public CZeTraceDescriptorSink {
 public:
-    /// Opens `path` for appending and creates it when it is missing. Throws std::system_error
-    /// when that fails. The descriptor is closed on exec and never one of the standard three.
+    /// Opens `path` for appending and creates it when it is missing, readable and writable as far
+    /// as the umask allows. Throws std::system_error with the path when that fails. The descriptor
+    /// is closed on exec and never one of the standard three.
     CZeTraceFileSink(int level, const std::string& path);
     ~CZeTraceFileSink() override;
-    CZeTraceFileSink(const CZeTraceFileSink&) = delete;
-    CZeTraceFileSink& operator=(const CZeTraceFileSink&) = delete;
-
-private:
-    CZeTraceFileSink(int level, int descriptor);
-
-    int m_owned;
 };
 
-/// Hands lines to the host, unaltered.
+/// Hands lines to the host, unaltered. The callback may replace the log's sink and register another
+/// log.
 class CZE_EXPORT CZeTraceCallbackSink : public CZeTraceSink {
 public:
     using Callback = std::function<void(int level, std::string_view text)>;
 
-    /// What `callback` throws reaches the operation that traces.
     CZeTraceCallbackSink(int level, Callback callback)
         : CZeTraceSink(level), m_callback(std::move(callback))
     {}

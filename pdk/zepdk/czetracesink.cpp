@@ -1,57 +1,29 @@
 #include "pdk/include/czetracesink.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
-#include <cstdio>
+#include <cstdlib>
 #include <ctime>
+#include <iterator>
+#include <limits>
 #include <new>
 #include <system_error>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
+
+#include "hoststate.h"
 
 namespace {
 
-/// Keeps errno as the host left it.
-class ErrnoKeeper {
-public:
-    ErrnoKeeper() = default;
-    ErrnoKeeper(const ErrnoKeeper&) = delete;
-    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
-    ~ErrnoKeeper() { errno = m_errno; }
-
-private:
-    int m_errno = errno;
-};
-
-/// Holds SIGPIPE back on this thread, and takes away the one that a write may have raised.
-class SigpipeBlock {
-public:
-    SigpipeBlock()
-    {
-        sigset_t pending;
-        sigpending(&pending);
-        m_wasPending = sigismember(&pending, SIGPIPE) == 1;
-        sigemptyset(&m_sigpipe);
-        sigaddset(&m_sigpipe, SIGPIPE);
-        pthread_sigmask(SIG_BLOCK, &m_sigpipe, &m_mask);
-    }
-    SigpipeBlock(const SigpipeBlock&) = delete;
-    SigpipeBlock& operator=(const SigpipeBlock&) = delete;
-    ~SigpipeBlock()
-    {
-        const timespec noWait{};
-        if (!m_wasPending)
-            sigtimedwait(&m_sigpipe, nullptr, &noWait);
-        pthread_sigmask(SIG_SETMASK, &m_mask, nullptr);
-    }
-
-private:
-    sigset_t m_sigpipe{};
-    sigset_t m_mask{};
-    bool m_wasPending;
-};
+bool isPending(int signal)
+{
+    sigset_t pending;
+    sigpending(&pending);
+    return sigismember(&pending, signal) == 1;
+}
 
 ssize_t writeOnce(int descriptor, std::string_view bytes)
 {
@@ -62,33 +34,70 @@ ssize_t writeOnce(int descriptor, std::string_view bytes)
     }
 }
 
-/// `write`, without the signal when nobody reads the pipe or socket any more.
+/// `write`, without the signals that come with its failures: SIGPIPE when nobody reads, SIGXFSZ
+/// at the limit of a file's size. What was pending before stays pending.
 ssize_t writeQuietly(int descriptor, std::string_view bytes)
 {
-    struct stat status {};
-    if (fstat(descriptor, &status) != 0)
-        return -1;
-    if (!S_ISFIFO(status.st_mode) && !S_ISSOCK(status.st_mode))
-        return writeOnce(descriptor, bytes);
-    const SigpipeBlock block;
-    return writeOnce(descriptor, bytes);
+    sigset_t raised;
+    sigset_t mask;
+    sigemptyset(&raised);
+    sigaddset(&raised, SIGPIPE);
+    sigaddset(&raised, SIGXFSZ);
+    pthread_sigmask(SIG_BLOCK, &raised, &mask);
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        if (sigismember(&mask, signal) == 1 && isPending(signal))
+            sigdelset(&raised, signal);
+    }
+    const ssize_t written = writeOnce(descriptor, bytes);
+    const timespec noWait{};
+    if (written < 0)
+        sigtimedwait(&raised, nullptr, &noWait);
+    pthread_sigmask(SIG_SETMASK, &mask, nullptr);
+    return written;
 }
 
-/// Time stamp with milliseconds and zone, process id and level, as every line begins.
-std::string linePrefix(int level)
+/// A number of a line's prefix, with the text before it.
+struct Field {
+    std::string_view before;
+    long number;
+    std::size_t width;
+};
+
+/// Appends the field, its number filled up with zeros to its width.
+void appendField(std::string& line, const Field& field)
+{
+    char digits[std::numeric_limits<long>::digits10 + 2];
+    const char* end = std::to_chars(digits, std::end(digits), field.number).ptr;
+    const auto count = static_cast<std::size_t>(end - digits);
+    line += field.before;
+    line.append(std::max(field.width, count) - count, '0').append(digits, count);
+}
+
+/// Appends the time stamp with milliseconds and zone, the process id and the level, as every line
+/// begins.
+void appendPrefix(std::string& line, int level)
 {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     tm local{};
     localtime_r(&now.tv_sec, &local);
-    const char sign = local.tm_gmtoff < 0 ? '-' : '+';
     const long offset = std::labs(local.tm_gmtoff) / 60;
-    char text[96];
-    const int length = std::snprintf(
-        text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%03ld%c%02ld:%02ld [%d] %d ",
-        local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
-        local.tm_sec, now.tv_nsec / 1000000, sign, offset / 60, offset % 60, getpid(), level);
-    return {text, static_cast<std::size_t>(length)};
+    const Field fields[] = {
+        {"", local.tm_year + 1900, 4},
+        {"-", local.tm_mon + 1, 2},
+        {"-", local.tm_mday, 2},
+        {"T", local.tm_hour, 2},
+        {":", local.tm_min, 2},
+        {":", local.tm_sec, 2},
+        {".", now.tv_nsec / 1000000, 3},
+        {local.tm_gmtoff < 0 ? "-" : "+", offset / 60, 2},
+        {":", offset % 60, 2},
+        {" [", getpid(), 1},
+        {"] ", level, 1},
+    };
+    for (const Field& field : fields)
+        appendField(line, field);
+    line += ' ';
 }
 
 /// Appends `text` with its control characters as \xNN.
@@ -110,9 +119,9 @@ int openForAppending(const std::string& path)
         open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666);
     if (opened < 0)
         throw std::system_error(errno, std::generic_category(), path);
-    if (opened > 2)
+    if (opened > STDERR_FILENO)
         return opened;
-    const int moved = fcntl(opened, F_DUPFD_CLOEXEC, 3);
+    const int moved = fcntl(opened, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const int reason = errno;
     close(opened);
     if (moved < 0)
@@ -126,12 +135,12 @@ namespace koze_pdk_4_4 {
 
 void CZeTraceDescriptorSink::write(int level, std::string_view text)
 {
-    const ErrnoKeeper keeper;
     std::string line;
     try {
+        line.reserve(text.size() + 64);
         if (m_midLine)
             line += '\n';
-        line += linePrefix(level);
+        appendPrefix(line, level);
         appendEscaped(line, text);
         line += '\n';
     } catch (const std::bad_alloc&) {
@@ -144,20 +153,17 @@ void CZeTraceDescriptorSink::write(int level, std::string_view text)
         return;
     }
     drop();
-    m_midLine = m_midLine ? written != 1 : written > 0;
+    m_midLine = m_midLine || written > 0;
 }
 
 CZeTraceFileSink::CZeTraceFileSink(int level, const std::string& path)
-    : CZeTraceFileSink(level, openForAppending(path))
-{}
-
-CZeTraceFileSink::CZeTraceFileSink(int level, int descriptor)
-    : CZeTraceDescriptorSink(level, descriptor), m_owned(descriptor)
+    : CZeTraceDescriptorSink(level, openForAppending(path))
 {}
 
 CZeTraceFileSink::~CZeTraceFileSink()
 {
-    close(m_owned);
+    const HostState kept;
+    close(descriptor());
 }
 
 } // namespace koze_pdk_4_4

@@ -15,9 +15,9 @@ bool contains(std::string_view line, std::string_view text, bool ignoreCase)
 {
     if (!ignoreCase)
         return line.find(text) != std::string_view::npos;
-    return std::search(line.begin(), line.end(), text.begin(), text.end(),
-                       [](char a, char b) { return foldCase(a) == foldCase(b); }) != line.end() ||
-           text.empty();
+    return text.empty() ||
+           std::search(line.begin(), line.end(), text.begin(), text.end(),
+                       [](char a, char b) { return foldCase(a) == foldCase(b); }) != line.end();
 }
 
 } // namespace
@@ -45,12 +45,16 @@ std::string CZeStringTool::trim(const std::string& text, const std::string& char
 std::vector<std::string> CZeStringTool::tokenize(const std::string& text,
                                                  const std::string& delimiters)
 {
+    bool delimits[256] = {};
+    for (const unsigned char byte : delimiters)
+        delimits[byte] = true;
+    const auto isDelimiter = [&](unsigned char byte) { return delimits[byte]; };
     std::vector<std::string> pieces;
-    std::size_t first = text.find_first_not_of(delimiters);
-    while (first != std::string::npos) {
-        const std::size_t end = text.find_first_of(delimiters, first);
-        pieces.emplace_back(text, first, end - first);
-        first = text.find_first_not_of(delimiters, end);
+    auto first = std::find_if_not(text.begin(), text.end(), isDelimiter);
+    while (first != text.end()) {
+        const auto end = std::find_if(first, text.end(), isDelimiter);
+        pieces.emplace_back(first, end);
+        first = std::find_if_not(end, text.end(), isDelimiter);
     }
     return pieces;
 }

@@ -1,16 +1,363 @@
+// The sinks against real files, descriptors and processes.
 #include "pdk/include/czetracesink.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <cerrno>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "pdk/include/czetracelog.h"
+#include "tests/support/child.h"
+#include "tests/support/temporary_folder.h"
+
+using koze_pdk_4_4::CZeTraceCallbackSink;
+using koze_pdk_4_4::CZeTraceDescriptorSink;
+using koze_pdk_4_4::CZeTraceFileSink;
+using koze_pdk_4_4::CZeTraceLog;
+using koze_pdk_4_4::CZeTraceLogHandle;
+using koze_pdk_4_4::CZeTraceSink;
 using koze_pdk_4_4::CZeTraceStderrSink;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
 
 namespace {
 
-TEST(TraceSink, WantsItsOwnLevelAndNoneAbove)
+/// The whole of a line of this process with this level and text.
+std::string lineOf(int level, const std::string& text, pid_t process = getpid())
+{
+    return "[0-9]{4}-[01][0-9]-[0-3][0-9]T[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9]{3}"
+           "[+-][0-9]{2}:[0-9]{2} \\[" +
+           std::to_string(process) + "\\] " + std::to_string(level) + " " + text;
+}
+
+/// The descriptors of this process that lead to `path`.
+std::vector<int> descriptorsOf(const std::string& path)
+{
+    std::vector<int> found;
+    struct stat file {};
+    struct stat open {};
+    if (stat(path.c_str(), &file) != 0)
+        return found;
+    for (int descriptor = 0; descriptor < 256; ++descriptor) {
+        if (fstat(descriptor, &open) == 0 && open.st_dev == file.st_dev &&
+            open.st_ino == file.st_ino)
+            found.push_back(descriptor);
+    }
+    return found;
+}
+
+TEST(TraceSink, WantsItsOwnLevelAndThoseBelow)
 {
     const CZeTraceStderrSink sink(3);
+    EXPECT_TRUE(sink.wants(1));
     EXPECT_TRUE(sink.wants(3));
-    EXPECT_FALSE(sink.wants(6));
+    EXPECT_FALSE(sink.wants(4));
+}
+
+TEST(TraceSink, EverythingIncludesTheEnteringAndExitingLines)
+{
+    const CZeTraceStderrSink sink(CZeTraceSink::everything);
+    EXPECT_TRUE(sink.wants(6));
+}
+
+TEST(TraceSink, CountsWhatItDrops)
+{
+    CZeTraceStderrSink sink(3);
+    EXPECT_EQ(sink.dropped(), 0U);
+    sink.drop();
+    sink.drop();
+    EXPECT_EQ(sink.dropped(), 2U);
+}
+
+TEST(TraceCallbackSink, HandsOverLevelAndTextUnaltered)
+{
+    int seenLevel = 0;
+    std::string seenText;
+    CZeTraceCallbackSink sink(6, [&](int level, std::string_view text) {
+        seenLevel = level;
+        seenText = text;
+    });
+    const std::string text("tab\tline\nend\0\x7f\x80", 15);
+    sink.write(2, text);
+    EXPECT_EQ(seenLevel, 2);
+    EXPECT_EQ(seenText, text);
+    EXPECT_TRUE(sink.wants(6));
+    EXPECT_FALSE(sink.wants(7));
+}
+
+TEST(TraceStderrSink, WritesToStandardError)
+{
+    testing::internal::CaptureStderr();
+    CZeTraceStderrSink sink(6);
+    sink.write(2, "to the screen");
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), MatchesRegex(lineOf(2, "to the screen\n")));
+    EXPECT_EQ(sink.dropped(), 0U);
+}
+
+TEST(TraceStderrSink, FollowsStandardErrorToWhereItLeads)
+{
+    CZeTraceStderrSink sink(6);
+    testing::internal::CaptureStderr();
+    sink.write(2, "elsewhere");
+    testing::internal::GetCapturedStderr();
+    testing::internal::CaptureStderr();
+    sink.write(2, "here");
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), MatchesRegex(lineOf(2, "here\n")));
+}
+
+class TraceFileSink : public testing::Test {
+protected:
+    TemporaryFolder folder;
+    std::string path = folder.file("trace.log");
+};
+
+TEST_F(TraceFileSink, StoresTheLinesOfALog)
+{
+    const CZeTraceLogHandle log = new CZeTraceLog;
+    log->setSink(new CZeTraceFileSink(3, path));
+    log->trace(2, "first %d", 1);
+    log->trace(6, "unwanted");
+    log->trace(3, "second");
+    EXPECT_THAT(linesOf(path),
+                ElementsAre(MatchesRegex(lineOf(2, "first 1")), MatchesRegex(lineOf(3, "second"))));
+}
+
+TEST_F(TraceFileSink, AppendsToWhatIsThere)
+{
+    std::ofstream(path) << "before\n";
+    CZeTraceFileSink(6, path).write(2, "after");
+    EXPECT_THAT(linesOf(path), ElementsAre("before", MatchesRegex(lineOf(2, "after"))));
+}
+
+TEST_F(TraceFileSink, AppendsBehindWhatOthersAppendMeanwhile)
+{
+    CZeTraceFileSink first(6, path);
+    CZeTraceFileSink second(6, path);
+    first.write(2, "1");
+    second.write(2, "2");
+    first.write(2, "3");
+    EXPECT_THAT(linesOf(path),
+                ElementsAre(MatchesRegex(lineOf(2, "1")), MatchesRegex(lineOf(2, "2")),
+                            MatchesRegex(lineOf(2, "3"))));
+}
+
+TEST_F(TraceFileSink, ControlCharactersCannotForgeALine)
+{
+    const std::vector<std::pair<std::string, std::string>> texts = {
+        {"sd\n2026 [1] 2 forged", "sd\\\\x0a2026 \\[1\\] 2 forged"},
+        {"a\rb\tc", "a\\\\x0db\\\\x09c"},
+        {std::string("\0\x01", 2), "\\\\x00\\\\x01"},
+        {"\x1b[2K\x1f", "\\\\x1b\\[2K\\\\x1f"},
+        {"\x7f", "\\\\x7f"},
+    };
+    for (const auto& [text, escaped] : texts) {
+        CZeTraceFileSink(6, path).write(2, text);
+        EXPECT_THAT(linesOf(path), ElementsAre(MatchesRegex(lineOf(2, escaped))));
+        std::filesystem::remove(path);
+    }
+}
+
+TEST_F(TraceFileSink, PrintableCharactersAndBytesAbove127StayAsTheyAre)
+{
+    std::string printable;
+    for (int byte = 0x20; byte <= 0xff; ++byte) {
+        if (byte != 0x7f)
+            printable += static_cast<char>(byte);
+    }
+    CZeTraceFileSink(6, path).write(2, printable);
+    EXPECT_THAT(textOf(path), testing::EndsWith("] 2 " + printable + "\n"));
+}
+
+TEST_F(TraceFileSink, AChildWritesItsOwnProcessId)
+{
+    const CZeTraceLogHandle log = new CZeTraceLog;
+    log->setSink(new CZeTraceFileSink(6, path));
+    log->trace(2, "parent");
+    EXPECT_TRUE(holdsInChild([&] {
+        log->trace(2, "%d", getpid());
+        return true;
+    }));
+    const std::vector<std::string> lines = linesOf(path);
+    ASSERT_EQ(lines.size(), 2U);
+    const pid_t child = std::stoi(lines[1].substr(lines[1].rfind(' ')));
+    EXPECT_NE(child, getpid());
+    EXPECT_THAT(lines[1], MatchesRegex(lineOf(2, std::to_string(child), child)));
+}
+
+TEST_F(TraceFileSink, TheLinesOfSeveralProcessesDoNotMix)
+{
+    constexpr int processes = 4;
+    constexpr int linesEach = 400;
+    for (int process = 0; process < processes; ++process) {
+        if (fork() == 0) {
+            CZeTraceFileSink sink(6, path);
+            for (int number = 1; number <= linesEach; ++number)
+                sink.write(6, "<" + std::string(static_cast<std::size_t>(number * 7), 'x') + ">");
+            _exit(sink.dropped() == 0 ? 0 : 1);
+        }
+    }
+    for (int process = 0; process < processes; ++process) {
+        int status = -1;
+        wait(&status);
+        EXPECT_EQ(status, 0);
+    }
+    const std::vector<std::string> lines = linesOf(path);
+    EXPECT_EQ(lines.size(), static_cast<std::size_t>(processes * linesEach));
+    for (const std::string& line : lines)
+        ASSERT_THAT(line, MatchesRegex("[^ ]* \\[[0-9]+\\] 6 <x+>"));
+}
+
+TEST_F(TraceFileSink, CreatesTheFileAsTheUmaskAllows)
+{
+    for (const mode_t mask : {0000, 0027, 0077}) {
+        const mode_t before = umask(mask);
+        const CZeTraceFileSink sink(6, path);
+        umask(before);
+        EXPECT_EQ(std::filesystem::status(path).permissions(),
+                  static_cast<std::filesystem::perms>(0666 & ~mask));
+        std::filesystem::remove(path);
+    }
+}
+
+/// The error of opening `path`, which must name the path.
+std::error_code errorOfOpening(const std::string& path)
+{
+    try {
+        const CZeTraceFileSink sink(6, path);
+    } catch (const std::system_error& error) {
+        EXPECT_THAT(error.what(), HasSubstr(path));
+        return error.code();
+    }
+    return {};
+}
+
+TEST_F(TraceFileSink, SaysWhatCannotBeOpened)
+{
+    EXPECT_EQ(errorOfOpening(folder.file("none/trace.log")), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(errorOfOpening(folder.file("")), std::errc::is_a_directory);
+    EXPECT_EQ(errorOfOpening(folder.file(std::string(300, 'x'))), std::errc::filename_too_long);
+    EXPECT_EQ(errorOfOpening(""), std::errc::no_such_file_or_directory);
+}
+
+TEST_F(TraceFileSink, ItsDescriptorIsClosedOnExecAndWithTheSink)
+{
+    {
+        const CZeTraceFileSink sink(6, path);
+        const std::vector<int> descriptors = descriptorsOf(path);
+        ASSERT_EQ(descriptors.size(), 1U);
+        EXPECT_EQ(fcntl(descriptors[0], F_GETFD), FD_CLOEXEC);
+        EXPECT_NE(fcntl(descriptors[0], F_GETFL) & O_APPEND, 0);
+    }
+    EXPECT_THAT(descriptorsOf(path), IsEmpty());
+}
+
+TEST_F(TraceFileSink, TakesNoStandardDescriptorOfAHostThatClosedThem)
+{
+    for (const int closed : {0, 1, 2}) {
+        EXPECT_TRUE(holdsInChild([&] {
+            for (int descriptor = closed; descriptor <= 2; ++descriptor)
+                close(descriptor);
+            CZeTraceFileSink sink(6, path);
+            const std::vector<int> descriptors = descriptorsOf(path);
+            sink.write(2, "kept");
+            return descriptors.size() == 1 && descriptors[0] > 2 &&
+                   fcntl(descriptors[0], F_GETFD) == FD_CLOEXEC && sink.dropped() == 0;
+        })) << closed;
+    }
+    EXPECT_THAT(linesOf(path), testing::SizeIs(3));
+}
+
+TEST_F(TraceFileSink, TakesTheFirstDescriptorAboveTheStandardThree)
+{
+    EXPECT_TRUE(holdsInChild([&] {
+        close(0);
+        for (int descriptor = 3; descriptor < 256; ++descriptor)
+            close(descriptor);
+        const CZeTraceFileSink sink(6, path);
+        return descriptorsOf(path) == std::vector<int>{3};
+    }));
+}
+
+TEST_F(TraceFileSink, ATerminalDoesNotBecomeTheHostsOwn)
+{
+    const int controller = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(controller, 0);
+    ASSERT_EQ(grantpt(controller), 0);
+    ASSERT_EQ(unlockpt(controller), 0);
+    char terminal[64];
+    ASSERT_EQ(ptsname_r(controller, terminal, sizeof terminal), 0);
+    EXPECT_TRUE(holdsInChild([&] {
+        setsid();
+        CZeTraceFileSink sink(6, terminal);
+        sink.write(2, "line");
+        return sink.dropped() == 0 && open("/dev/tty", O_RDWR) < 0;
+    }));
+    close(controller);
+}
+
+/// An open descriptor, closed at the end.
+class Descriptor {
+public:
+    Descriptor(const char* path, int flags) : m_number(open(path, flags | O_CLOEXEC)) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() { close(m_number); }
+    int number() const { return m_number; }
+
+private:
+    int m_number;
+};
+
+TEST(TraceDescriptorSink, AFullDiskDropsTheLine)
+{
+    const Descriptor full("/dev/full", O_WRONLY);
+    CZeTraceDescriptorSink sink(6, full.number());
+    sink.write(2, "lost");
+    sink.write(2, "lost");
+    EXPECT_EQ(sink.dropped(), 2U);
+}
+
+TEST(TraceDescriptorSink, AReadOnlyDescriptorDropsTheLine)
+{
+    const Descriptor readOnly("/dev/null", O_RDONLY);
+    CZeTraceDescriptorSink sink(6, readOnly.number());
+    sink.write(2, "lost");
+    EXPECT_EQ(sink.dropped(), 1U);
+}
+
+TEST(TraceDescriptorSink, AClosedDescriptorDropsTheLine)
+{
+    CZeTraceDescriptorSink sink(6, -1);
+    sink.write(2, "lost");
+    EXPECT_EQ(sink.dropped(), 1U);
+}
+
+TEST(TraceDescriptorSink, StaysTheCallers)
+{
+    const Descriptor null("/dev/null", O_WRONLY);
+    {
+        CZeTraceDescriptorSink sink(6, null.number());
+        sink.write(2, "line");
+        EXPECT_EQ(sink.dropped(), 0U);
+    }
+    EXPECT_GE(fcntl(null.number(), F_GETFD), 0);
+}
+
+TEST(TraceDescriptorSink, AFailureDisturbsNoOperation)
+{
+    const CZeTraceLogHandle log = new CZeTraceLog;
+    log->setSink(new CZeTraceDescriptorSink(6, -1));
+    errno = EXDEV;
+    log->trace(2, "lost");
+    EXPECT_EQ(errno, EXDEV);
 }
 
 } // namespace

@@ -1,0 +1,247 @@
+// What the sinks ask of the system, and what they make of its answers.
+#include "pdk/include/czetracesink.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <deque>
+#include <new>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "tests/support/child.h"
+#include "tests/support/temporary_folder.h"
+
+using koze_pdk_4_4::CZeTraceDescriptorSink;
+using koze_pdk_4_4::CZeTraceFileSink;
+using koze_pdk_4_4::CZeTraceSinkHandle;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace {
+
+/// A descriptor that only the replaced `write` knows.
+constexpr int watched = 12345;
+
+/// How a write to the watched descriptor goes: an error number, or how many bytes it takes.
+struct Answer {
+    int error;
+    std::size_t taken;
+};
+
+std::deque<Answer> answers;
+std::vector<std::string> written;
+bool memoryIsOut = false;
+bool closeFails = false;
+
+} // namespace
+
+extern "C" ssize_t write(int fd, const void* buf, size_t n)
+{
+    if (fd != watched)
+        return syscall(SYS_write, fd, buf, n);
+    written.emplace_back(static_cast<const char*>(buf), n);
+    if (answers.empty())
+        return static_cast<ssize_t>(n);
+    const Answer answer = answers.front();
+    answers.pop_front();
+    errno = answer.error;
+    return answer.error != 0 ? -1 : static_cast<ssize_t>(answer.taken);
+}
+
+// The C library's ends a thread that is being cancelled, and may tell of an earlier write's error.
+extern "C" int close(int fd)
+{
+    pthread_testcancel();
+    const auto result = static_cast<int>(syscall(SYS_close, fd));
+    if (closeFails)
+        errno = EIO;
+    return result;
+}
+
+__attribute__((noinline)) void* operator new(std::size_t size)
+{
+    void* memory = memoryIsOut ? nullptr : std::malloc(size);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    return memory;
+}
+
+__attribute__((noinline)) void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    operator delete(memory);
+}
+
+namespace {
+
+class Write : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        answers.clear();
+        written.clear();
+    }
+
+    CZeTraceDescriptorSink sink{6, watched};
+};
+
+TEST_F(Write, IsAskedOnceALine)
+{
+    sink.write(2, "first");
+    sink.write(3, "second");
+    EXPECT_THAT(written, ElementsAre(EndsWith(" 2 first\n"), EndsWith(" 3 second\n")));
+    EXPECT_EQ(sink.dropped(), 0U);
+}
+
+TEST_F(Write, IsAskedOnceForALineOfAMebibyte)
+{
+    const std::string name(1 << 20, 'x');
+    sink.write(2, name);
+    EXPECT_THAT(written, ElementsAre(EndsWith(" 2 " + name + "\n")));
+}
+
+TEST_F(Write, IsAskedOnceForALineOfControlCharacters)
+{
+    sink.write(2, std::string(1 << 16, '\n'));
+    ASSERT_THAT(written, SizeIs(1));
+    EXPECT_THAT(written[0], EndsWith("\\x0a\\x0a\n"));
+}
+
+TEST_F(Write, IsAskedAgainWhenASignalInterruptsIt)
+{
+    answers = {{EINTR, 0}, {EINTR, 0}};
+    sink.write(2, "line");
+    ASSERT_THAT(written, SizeIs(3));
+    EXPECT_EQ(written[0], written[2]);
+    EXPECT_EQ(sink.dropped(), 0U);
+}
+
+TEST_F(Write, IsNotAskedAgainAfterAnyOtherError)
+{
+    for (const int error : {EAGAIN, ENOSPC, EBADF, EPIPE, EIO, EFBIG, EDQUOT}) {
+        written.clear();
+        answers = {{error, 0}};
+        sink.write(2, "lost");
+        EXPECT_THAT(written, SizeIs(1)) << error;
+    }
+    EXPECT_EQ(sink.dropped(), 7U);
+}
+
+TEST_F(Write, IsNotAskedForTheRestOfACutLine)
+{
+    answers = {{0, 10}};
+    sink.write(2, "cut");
+    EXPECT_THAT(written, SizeIs(1));
+    EXPECT_EQ(sink.dropped(), 1U);
+}
+
+TEST_F(Write, EndsACutLineBeforeTheNextOneAndOnlyThen)
+{
+    answers = {{0, 10}};
+    sink.write(2, "cut");
+    sink.write(2, "whole");
+    sink.write(2, "next");
+    EXPECT_THAT(written, ElementsAre(Not(StartsWith("\n")), MatchesRegex("\n2.* 2 whole\n"),
+                                     Not(StartsWith("\n"))));
+    EXPECT_EQ(sink.dropped(), 1U);
+}
+
+TEST_F(Write, EndsACutLineEvenWhenOthersAreLostInBetween)
+{
+    answers = {{0, 10}, {ENOSPC, 0}, {0, 20}, {0, 0}};
+    for (int number = 0; number < 5; ++number)
+        sink.write(2, "line");
+    EXPECT_THAT(written, ElementsAre(Not(StartsWith("\n")), StartsWith("\n"), StartsWith("\n"),
+                                     StartsWith("\n"), StartsWith("\n")));
+    EXPECT_EQ(sink.dropped(), 4U);
+}
+
+TEST_F(Write, ALineThatIsLostAsAWholeLeavesNothingToEnd)
+{
+    answers = {{ENOSPC, 0}, {0, 0}};
+    for (int number = 0; number < 3; ++number)
+        sink.write(2, "line");
+    EXPECT_THAT(written, SizeIs(3));
+    EXPECT_THAT(written, testing::Each(Not(StartsWith("\n"))));
+}
+
+TEST_F(Write, ALineWithoutMemoryIsDroppedAndCounted)
+{
+    const std::string text(1000, 'x');
+    memoryIsOut = true;
+    sink.write(2, text);
+    memoryIsOut = false;
+    EXPECT_THAT(written, SizeIs(0));
+    EXPECT_EQ(sink.dropped(), 1U);
+}
+
+/// Leaves descriptor 0 as the only one that is free.
+void occupyAllButZero()
+{
+    const rlimit limit{16, 16};
+    setrlimit(RLIMIT_NOFILE, &limit);
+    while (open("/", O_RDONLY) >= 0)
+        continue;
+    close(0);
+}
+
+TEST(Open, WithoutADescriptorAboveTheStandardThreeFailsAndKeepsNone)
+{
+    const TemporaryFolder folder;
+    EXPECT_TRUE(holdsInChild([&] {
+        occupyAllButZero();
+        closeFails = true;
+        try {
+            CZeTraceFileSink(6, folder.file("trace.log"));
+        } catch (const std::system_error& error) {
+            return error.code() == std::errc::too_many_files_open && fcntl(0, F_GETFD) < 0 &&
+                   std::string(error.what()).find(folder.file("trace.log")) == 0;
+        }
+        return false;
+    }));
+}
+
+TEST(Close, LeavesErrnoAlone)
+{
+    const TemporaryFolder folder;
+    CZeTraceSinkHandle sink = new CZeTraceFileSink(6, folder.file("trace.log"));
+    closeFails = true;
+    errno = EXDEV;
+    sink.release();
+    EXPECT_EQ(errno, EXDEV);
+    closeFails = false;
+}
+
+TEST(Close, EndsNoThreadThatIsCancelled)
+{
+    const TemporaryFolder folder;
+    bool reached = false;
+    std::thread([&] {
+        CZeTraceSinkHandle sink = new CZeTraceFileSink(6, folder.file("trace.log"));
+        pthread_cancel(pthread_self());
+        sink.release();
+        reached = true;
+    }).join();
+    EXPECT_TRUE(reached);
+}
+
+} // namespace

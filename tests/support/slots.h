@@ -1,0 +1,21 @@
+#ifndef SLOTS_H
+#define SLOTS_H
+
+#include <cstddef>
+
+/// The virtual operation in slot `number` of `object`, counted from 0, as a function that takes the
+/// object first. Slots are a contract: binaries that were built apart call each other through them.
+template <class Function>
+Function* slot(const void* object, std::size_t number)
+{
+    return (*static_cast<Function* const* const*>(object))[number];
+}
+
+/// The bytes of `object` from `offset` on as a value of type Field.
+template <class Field>
+Field fieldAt(const void* object, std::size_t offset)
+{
+    return *reinterpret_cast<const Field*>(static_cast<const char*>(object) + offset);
+}
+
+#endif
