@@ -8,7 +8,7 @@ file(RELATIVE_PATH relative_prefix
 
 set(installed_libraries dmpclaim)
 if(NOT DMPCLAIM_FRAMEWORK_DIR)
-    list(APPEND installed_libraries zepdk zeutil)
+    list(APPEND installed_libraries zepdk zecmn zeutil)
 endif()
 set_target_properties(${installed_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS ${installed_libraries} EXPORT dmpclaimTargets)
