@@ -85,6 +85,8 @@ private:
     std::deque<Reply> m_script;
 };
 
+// These definitions stand in a header because each test program has one source file.
+// NOLINTBEGIN(misc-definitions-in-headers)
 namespace koze_pdk_4_4 {
 
 CZeExecPipePosix::CZeExecPipePosix(int streams) : CZeExecPipeBase(streams)
@@ -100,21 +102,22 @@ CZeExecPipePosix::~CZeExecPipePosix()
 }
 
 int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& output,
-                          const std::string& first, unsigned long limit, const std::string& second,
-                          const std::string& third, const std::string& fourth)
+                          const std::string& directory, unsigned long timeLimitSeconds,
+                          const std::string& user, const std::string& environment,
+                          const std::string& input)
 {
     ScriptedTools& tools = *ScriptedTools::current();
     tools.runnerLog = m_traceLog.get();
-    tools.otherArguments = {first, std::to_string(limit), second, third, fourth};
+    tools.otherArguments = {directory, std::to_string(timeLimitSeconds), user, environment, input};
     return tools.run(command, output);
 }
 
 } // namespace koze_pdk_4_4
 
-extern "C" int access(const char* path, int mode) noexcept
+extern "C" int access(const char* name, int type) noexcept
 {
     ScriptedTools& tools = *ScriptedTools::current();
-    tools.events.push_back("access " + std::string(path) + " " + std::to_string(mode));
+    tools.events.push_back("access " + std::string(name) + " " + std::to_string(type));
     return tools.installed ? 0 : -1;
 }
 
@@ -124,5 +127,6 @@ extern "C" unsigned int sleep(unsigned int seconds)
     tools.events.push_back("sleep " + std::to_string(seconds));
     return std::exchange(tools.sleepLeavesOver, 0);
 }
+// NOLINTEND(misc-definitions-in-headers)
 
 #endif

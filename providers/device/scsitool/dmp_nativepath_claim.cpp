@@ -61,7 +61,7 @@ bool contains(const std::string& text, const char* part)
 void pauseSeconds(unsigned int seconds)
 {
     while (seconds > 0)
-        seconds = sleep(seconds);
+        seconds = sleep(seconds); // NOLINT(concurrency-mt-unsafe): safe in the C library used here
 }
 
 /// A row of a tool's table; columns that are missing are empty.

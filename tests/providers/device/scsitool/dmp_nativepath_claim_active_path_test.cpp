@@ -215,7 +215,7 @@ TEST_F(ActivePath, AToolThatCannotBeRunGivesTheArgument)
 TEST_F(ActivePath, OfAStrangeNameRunsTheToolAndNothingElse)
 {
     const std::string names[] = {
-        "sd;reboot", "sd c", "sd\nc", "sd'c\"", "%s%n", "$(reboot)", std::string(64 * 1024, 'x')};
+        "sd;reboot", "sd c", "sd\nc", "sd'c\"", "%s%n", "$(reboot)", std::string(65536, 'x')};
     for (const std::string& name : names) {
         m_tools.events.clear();
         const std::string query = "/usr/sbin/kodmpadm   getdmpnode  nodename=" + name;

@@ -342,7 +342,7 @@ TEST_F(KoDmpMapping, AnEmptyNameIsAskedForLikeAnyOther)
 
 TEST_F(KoDmpMapping, ANameGoesIntoTheCommandLineAsItIs)
 {
-    const std::string name = "sd c;$(x)'\"%s\n" + std::string(64 * 1024, 'y');
+    const std::string name = "sd c;$(x)'\"%s\n" + std::string(65536, 'y');
     m_tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=" + name, 1);
     EXPECT_EQ(m_support.getKoVMDiskForOSDiskHandler(name, m_name), 1);
 }

@@ -19,6 +19,8 @@ constexpr char lookup[] = "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc";
 constexpr char rescanDisk[] = "/usr/sbin/kodisk   scandisks  device=sdc";
 constexpr char rescanAll[] = "/usr/sbin/kodisk   scandisks ";
 constexpr char removal[] = "/usr/sbin/kodisk   rm arr0_17";
+constexpr char removing[] =
+    "6 We will remove dmp node from kovm and rescan to regenerate dmp node for disk [sdc].";
 
 class KoDmpRetry : public testing::Test {
 protected:
@@ -219,15 +221,12 @@ TEST_F(KoDmpRetry, TheRefreshingLookupRemovesTheNodeAndRescansEveryDisk)
     EXPECT_EQ(refreshed(), 0);
     EXPECT_EQ(m_node, "arr0_18");
     EXPECT_THAT(m_tools.events, ElementsAre(lookup, removal, rescanAll, lookup));
-    EXPECT_THAT(
-        trace(),
-        ElementsAre("> getKoVMDiskForOSDiskHandler_Refreshed",
-                    "6 We will remove dmp node from kovm and rescan to regenerate dmp node for "
-                    "disk [sdc].",
-                    "> getKoVMDiskForOSDiskHandler", "6 Obtained dmp nodes is [arr0_17].",
-                    "> removeDisksFromKoVM", "> kovmScanDisks", "> getKoVMDiskForOSDiskHandler",
-                    "6 After refresh, obtained dmp nodes is [arr0_18].",
-                    "< getKoVMDiskForOSDiskHandler_Refreshed"));
+    EXPECT_THAT(trace(), ElementsAre("> getKoVMDiskForOSDiskHandler_Refreshed", removing,
+                                     "> getKoVMDiskForOSDiskHandler",
+                                     "6 Obtained dmp nodes is [arr0_17].", "> removeDisksFromKoVM",
+                                     "> kovmScanDisks", "> getKoVMDiskForOSDiskHandler",
+                                     "6 After refresh, obtained dmp nodes is [arr0_18].",
+                                     "< getKoVMDiskForOSDiskHandler_Refreshed"));
 }
 
 TEST_F(KoDmpRetry, TheRefreshingLookupRemovesNothingWhenItsFirstLookupFails)
@@ -238,9 +237,7 @@ TEST_F(KoDmpRetry, TheRefreshingLookupRemovesNothingWhenItsFirstLookupFails)
     EXPECT_EQ(refreshed(), 0);
     EXPECT_EQ(m_node, "arr0_17");
     EXPECT_THAT(m_tools.events, ElementsAre(lookup, rescanAll, lookup));
-    EXPECT_THAT(trace(), ElementsAre("> getKoVMDiskForOSDiskHandler_Refreshed",
-                                     "6 We will remove dmp node from kovm and rescan to regenerate "
-                                     "dmp node for disk [sdc].",
+    EXPECT_THAT(trace(), ElementsAre("> getKoVMDiskForOSDiskHandler_Refreshed", removing,
                                      "> getKoVMDiskForOSDiskHandler", "> kovmScanDisks",
                                      "> getKoVMDiskForOSDiskHandler",
                                      "6 After refresh, obtained dmp nodes is [arr0_17].",
@@ -255,9 +252,7 @@ TEST_F(KoDmpRetry, TheRefreshingLookupRemovesEvenANodeWithoutAName)
     m_tools.answer(lookup, 0, {"NAME", "===="});
     EXPECT_EQ(refreshed(), 0);
     EXPECT_EQ(m_node, "");
-    EXPECT_THAT(trace(), ElementsAre("> getKoVMDiskForOSDiskHandler_Refreshed",
-                                     "6 We will remove dmp node from kovm and rescan to regenerate "
-                                     "dmp node for disk [sdc].",
+    EXPECT_THAT(trace(), ElementsAre("> getKoVMDiskForOSDiskHandler_Refreshed", removing,
                                      "> getKoVMDiskForOSDiskHandler", "6 Obtained dmp nodes is [].",
                                      "> removeDisksFromKoVM", "> kovmScanDisks",
                                      "> getKoVMDiskForOSDiskHandler",
@@ -277,9 +272,7 @@ TEST_F(KoDmpRetry, TheRefreshingLookupGoesOnAfterAFailedRemoval)
 TEST_F(KoDmpRetry, TheRefreshingLookupRescansBeforeAndWaitsAfterEachAttempt)
 {
     Lines events{lookup, removal};
-    Lines lines{"> getKoVMDiskForOSDiskHandler_Refreshed",
-                "6 We will remove dmp node from kovm and rescan to regenerate dmp node for disk "
-                "[sdc].",
+    Lines lines{"> getKoVMDiskForOSDiskHandler_Refreshed", removing,
                 "> getKoVMDiskForOSDiskHandler", "6 Obtained dmp nodes is [arr0_17].",
                 "> removeDisksFromKoVM"};
     lookupFinds("arr0_17");
