@@ -1,11 +1,108 @@
 #include "dmp_nativepath_claim.h"
 
+#include <numeric>
+#include <utility>
+
+#include <unistd.h>
+
 #include "dmp_trailing_digits.h"
+#include "pdk/include/czeexecpipe.h"
+#include "pdk/include/czestringtool.h"
 #include "vstring/Y_strings.h"
+
+using koze_pdk_4_4::CZeExecPipePosix;
+using koze_pdk_4_4::CZeStringTool;
+using koze_pdk_4_4::EZeExecPipe;
 
 namespace {
 
+using AceString = ACE_String_Base<char>;
+
 constexpr char deviceMarker[] = "/dev/sd";
+
+// The pieces of a command line carry their own spaces, and the tools get them all.
+constexpr char toolDirectory[] = "/usr/sbin/";
+constexpr char adminTool[] = "kodmpadm  ";
+constexpr char diskTool[] = "kodisk  ";
+constexpr unsigned long commandLimitSeconds = 600;
+constexpr int lookupAttempts = 4;
+
+AceString toolCommand(const char* tool, const char* subcommand)
+{
+    AceString command(toolDirectory);
+    command += tool;
+    command += subcommand;
+    return command;
+}
+
+std::string joined(const std::vector<std::string>& lines)
+{
+    return std::accumulate(lines.begin(), lines.end(), std::string());
+}
+
+/// The names with commas between them.
+std::string commaList(const std::vector<std::string>& names)
+{
+    std::string list;
+    const char* separator = "";
+    for (const std::string& name : names) {
+        (list += separator) += name;
+        separator = ",";
+    }
+    return list;
+}
+
+bool contains(const std::string& text, const char* part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+/// Waits the full time, also in a host whose signals end a sleep early.
+void pauseSeconds(unsigned int seconds)
+{
+    while (seconds > 0)
+        seconds = sleep(seconds); // NOLINT(concurrency-mt-unsafe): safe in the C library used here
+}
+
+/// A row of a tool's table; columns that are missing are empty.
+///
+///     row = name [state [path-type column*]]     sdc     ENABLED(A)    PRIMARY      c2
+struct Row {
+    std::string name;
+    std::string state;
+    std::string pathType;
+};
+
+Row parseRow(const std::string& line)
+{
+    std::vector<std::string> columns = CZeStringTool::tokenize(line, " \n\t");
+    columns.resize(3);
+    return {std::move(columns[0]), std::move(columns[1]), std::move(columns[2])};
+}
+
+// A table is a header that names its columns, a rule that nobody reads, and the rows.
+constexpr char headerText[] = "NAME";
+constexpr std::size_t firstRow = 2;
+
+/// The path to use among a table's rows: the first that is enabled and active, else the first that
+/// is enabled, else the first primary one, whatever its state. Empty when there is none.
+std::string bestPath(const std::vector<std::string>& lines)
+{
+    std::string firstEnabled;
+    std::string firstPrimary;
+    for (std::size_t number = firstRow; number < lines.size(); ++number) {
+        Row row = parseRow(lines[number]);
+        if (contains(row.state, "ENABLED(A)"))
+            return std::move(row.name);
+        if (contains(row.state, "ENABLED")) {
+            if (firstEnabled.empty())
+                firstEnabled = std::move(row.name);
+        } else if (contains(row.pathType, "PRIMARY") && firstPrimary.empty()) {
+            firstPrimary = std::move(row.name);
+        }
+    }
+    return firstEnabled.empty() ? firstPrimary : firstEnabled;
+}
 
 } // namespace
 
@@ -57,4 +154,205 @@ std::string CNativePathClaim::removePartitionSuffix(std::string device, unsigned
     }
     CZE_TRACE(6, "devicename aftering removing partition suffix [%s].", device.c_str());
     return device;
+}
+
+std::string CNativePathClaim::getActivePath(std::string device, bool wait)
+{
+    CZE_TRACE_FUNCTION();
+    const std::string name = removeDevPrefix(device);
+    CKoDMPSupport support;
+    support.registerTraceLog(m_traceLog);
+    if (!support.isKoDMPInstalled())
+        return device;
+    std::string node;
+    const int found = wait ? support.getKoVMDiskForOSDiskHandler_Waited(name, node)
+                           : support.getKoVMDiskForOSDiskHandler_Refreshed(name, node);
+    if (found != 0)
+        return device;
+    std::string activeName;
+    if (support.getOSDiskHandleForKoVMDisk(node, activeName) != 0 || activeName.empty())
+        return device;
+    // Derived modules see every successful lookup here; the active path stands under /dev/ always.
+    isRawDevice(device);
+    std::string activePath = "/dev/" + activeName;
+    CZE_TRACE(6, "Got active path [%s].", activePath.c_str());
+    return activePath;
+}
+
+bool CKoDMPSupport::isCommandAvailable(AceString directory, AceString command)
+{
+    CZE_TRACE_FUNCTION();
+    directory += command;
+    const std::string path = CZeStringTool::trim(CZeStringTool::tstr2str(directory), " \n\t\r");
+    return access(path.c_str(), X_OK) == 0;
+}
+
+bool CKoDMPSupport::isKoDMPInstalled()
+{
+    CZE_TRACE_FUNCTION();
+    return isCommandAvailable(toolDirectory, adminTool);
+}
+
+int CKoDMPSupport::executeCommand(const char* command, std::vector<std::string>& output)
+{
+    CZE_TRACE_FUNCTION();
+    CZeExecPipePosix runner(1);
+    runner.registerTraceLog(m_traceLog);
+    output.clear();
+    CZE_TRACE(3, "ExecuteCommand command: %s", command);
+    int result = 1;
+    try {
+        result = runner.Exec(command, output, "", commandLimitSeconds, "", "", "");
+    } catch (const EZeExecPipe&) {
+        CZE_TRACE(1, "ExecuteCommand - exception thrown in command execution.");
+        return result;
+    }
+    if (result != 0)
+        CZE_TRACE(2, "Warning - failed with message='%s' and error no '%d'.",
+                  joined(output).c_str(), result);
+    else if (!output.empty())
+        CZE_TRACE(6, "ExecuteCommand passed with output '%s'", joined(output).c_str());
+    return result;
+}
+
+void CKoDMPSupport::traceFailure(const char* operation, const AceString& command,
+                                 const std::vector<std::string>& lines)
+{
+    CZE_TRACE(2, "CKoDMPSupport::%s : Command [%s] failed with error [%s]", operation,
+              command.c_str(), joined(lines).c_str());
+}
+
+CKoDMPSupport::Answer CKoDMPSupport::query(const char* operation, const AceString& command,
+                                           std::vector<std::string>& lines)
+{
+    if (executeCommand(command.c_str(), lines) != 0) {
+        traceFailure(operation, command, lines);
+        return Answer::failed;
+    }
+    if (lines.size() < firstRow) {
+        CZE_TRACE(2, "Warning - no output of command.");
+        return Answer::failed;
+    }
+    constexpr auto notFound = static_cast<unsigned long>(-1);
+    unsigned long header = 0;
+    if (CZeStringTool::find(lines, headerText, header, false) == notFound)
+        return Answer::noTable;
+    if (header != 0) {
+        CZE_TRACE(2, "Warning - no valid output of command.");
+        return Answer::failed;
+    }
+    return Answer::table;
+}
+
+int CKoDMPSupport::getKoVMDiskForOSDiskHandler(std::string osDiskName, std::string& dmpNodeName)
+{
+    CZE_TRACE_FUNCTION();
+    dmpNodeName.clear();
+    AceString command = toolCommand(adminTool, " getdmpnode ");
+    command += " nodename=";
+    command += osDiskName.c_str();
+    std::vector<std::string> lines;
+    const Answer answer = query(__func__, command, lines);
+    if (answer != Answer::table)
+        return answer == Answer::failed ? 1 : 0;
+    for (std::size_t number = firstRow; number < lines.size(); ++number) {
+        Row row = parseRow(lines[number]);
+        if (!row.name.empty()) {
+            dmpNodeName = std::move(row.name);
+            break;
+        }
+    }
+    return 0;
+}
+
+int CKoDMPSupport::getOSDiskHandleForKoVMDisk(std::string dmpNodeName, std::string& osDiskName)
+{
+    CZE_TRACE_FUNCTION();
+    osDiskName.clear();
+    AceString command = toolCommand(adminTool, " getsubpaths ");
+    command += " dmpnodename=";
+    command += dmpNodeName.c_str();
+    std::vector<std::string> lines;
+    const Answer answer = query(__func__, command, lines);
+    if (answer != Answer::table)
+        return answer == Answer::failed ? 1 : 0;
+    osDiskName = bestPath(lines);
+    if (!osDiskName.empty())
+        return 0;
+    CZE_TRACE(2, "Unable to get enabled disk path for dmp node '%s'", dmpNodeName.c_str());
+    return 1;
+}
+
+int CKoDMPSupport::removeDisksFromKoVM(std::string diskName)
+{
+    CZE_TRACE_FUNCTION();
+    AceString command = toolCommand(diskTool, " rm ");
+    command += diskName.c_str();
+    std::vector<std::string> lines;
+    if (executeCommand(command.c_str(), lines) != 0)
+        CZE_TRACE(2, "Warning - removing disk from kovm db is failed.");
+    return 0;
+}
+
+int CKoDMPSupport::kovmScanDisks(const std::vector<std::string>& diskNames)
+{
+    CZE_TRACE_FUNCTION();
+    AceString command = toolCommand(diskTool, " scandisks ");
+    const std::string list = commaList(diskNames);
+    if (!list.empty()) {
+        command += " device=";
+        command += CZeStringTool::str2tstr(list);
+    }
+    std::vector<std::string> lines;
+    if (executeCommand(command.c_str(), lines) == 0)
+        return 0;
+    traceFailure(__func__, command, lines);
+    return 1;
+}
+
+int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Waited(std::string osDiskName,
+                                                      std::string& dmpNodeName)
+{
+    CZE_TRACE_FUNCTION();
+    const std::vector<std::string> disk{osDiskName};
+    int result = 0;
+    for (int attempt = 0; attempt < lookupAttempts; ++attempt) {
+        result = getKoVMDiskForOSDiskHandler(osDiskName, dmpNodeName);
+        if (result == 0)
+            return 0;
+        CZE_TRACE(6, "Obtaining dmp nodes failed. need to retry.");
+        pauseSeconds(5);
+        kovmScanDisks(disk);
+    }
+    CZE_TRACE(2, "Warning - obtaining dmp nodes failed even after multiple retries.");
+    return result;
+}
+
+int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Refreshed(std::string osDiskName,
+                                                         std::string& dmpNodeName)
+{
+    CZE_TRACE_FUNCTION();
+    const std::vector<std::string> everyDisk;
+    CZE_TRACE(6,
+              "We will remove dmp node from kovm and rescan to regenerate dmp node for disk [%s].",
+              osDiskName.c_str());
+    int result = getKoVMDiskForOSDiskHandler(osDiskName, dmpNodeName);
+    if (result == 0) {
+        CZE_TRACE(6, "Obtained dmp nodes is [%s].", dmpNodeName.c_str());
+        removeDisksFromKoVM(dmpNodeName);
+    }
+    dmpNodeName.clear();
+    for (int attempt = 0; attempt < lookupAttempts; ++attempt) {
+        kovmScanDisks(everyDisk);
+        result = getKoVMDiskForOSDiskHandler(osDiskName, dmpNodeName);
+        if (result == 0)
+            break;
+        CZE_TRACE(6, "Obtaining dmp nodes failed. need to retry.");
+        pauseSeconds(10);
+    }
+    if (result != 0)
+        CZE_TRACE(2, "Warning - obtaining dmp nodes failed even after multiple retries.");
+    if (!dmpNodeName.empty())
+        CZE_TRACE(6, "After refresh, obtained dmp nodes is [%s].", dmpNodeName.c_str());
+    return result;
 }

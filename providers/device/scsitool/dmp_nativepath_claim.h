@@ -1,6 +1,8 @@
 #ifndef DMP_NATIVEPATH_CLAIM_H
 #define DMP_NATIVEPATH_CLAIM_H
 
+#include <ace/SString.h>
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -35,6 +37,72 @@ public:
     /// `partnum`: the low 32 bits of a long, which saturates. A path without the marker or without
     /// digits comes back unchanged and `partnum` is left alone.
     std::string removePartitionSuffix(std::string device, unsigned int& partnum) override;
+
+    /// Returns the path that the KoVM volume manager's multipathing layer (KoDMP) uses now for the
+    /// disk of `device`; `device` itself, character for character, when KoDMP is not installed or
+    /// does not know.
+    ///
+    /// The disk's node is found with CKoDMPSupport's waiting lookup when `wait` is true, else with
+    /// its refreshing lookup, which removes the node from the volume manager each time. A partition
+    /// path is looked up as it is. Blocks while the tools run and the lookups pause.
+    std::string getActivePath(std::string device, bool wait) override;
+};
+
+/// Bridge to KoDMP: runs the volume manager's tools under /usr/sbin and reads their tables.
+///
+/// Works on bare names, without "/dev/": an operating-system disk name such as sdc, or the name of
+/// a KoDMP node. Names go into the command lines as they are. Results are 0 for success; names come
+/// back through references that are emptied first. Operations run on the caller's thread and block
+/// while their tools run, 600 seconds each at most. Objects have no state besides the trace log
+/// handle; one object serves one thread. What the runner throws besides EZeExecPipe passes through.
+class CZE_EXPORT CKoDMPSupport : public koze_pdk_4_4::CZeTraceable {
+public:
+    /// Returns whether the file `directory` + `command`, without the white space around it, can be
+    /// executed by the process.
+    bool isCommandAvailable(ACE_String_Base<char> directory, ACE_String_Base<char> command);
+
+    /// Returns whether KoDMP's administration tool is installed. Asks the file system each time.
+    bool isKoDMPInstalled();
+
+    /// Runs one command line (program path and arguments between spaces) and stores its output
+    /// lines in `output`, which is emptied first. Returns 0 on success; the runner's number when
+    /// the command failed, with the lines collected so far; 1 when it could not be run at all.
+    int executeCommand(const char* command, std::vector<std::string>& output);
+
+    /// Finds the KoDMP node that holds an operating-system disk. Returns 0 with the node's name,
+    /// which is empty when the tool printed no table or no row; 1 on failure.
+    int getKoVMDiskForOSDiskHandler(std::string osDiskName, std::string& dmpNodeName);
+
+    /// Finds the operating-system disk of a node's best path: the first one enabled and active,
+    /// else the first enabled one, else the first primary one. Returns 0 with its name, which is
+    /// empty when the tool printed no table; 1 on failure and when no path qualifies.
+    int getOSDiskHandleForKoVMDisk(std::string dmpNodeName, std::string& osDiskName);
+
+    /// Removes a disk from the volume manager's database. Returns 0 even when that fails.
+    int removeDisksFromKoVM(std::string diskName);
+
+    /// Makes the volume manager rescan the disks named, or every disk when no name is given (an
+    /// empty list, or one empty name). Returns 0, or 1 when the command failed.
+    int kovmScanDisks(const std::vector<std::string>& diskNames);
+
+    /// Looks the node of a disk up, up to four times; after each failure waits 5 seconds and
+    /// rescans that disk. Results are those of the last lookup.
+    int getKoVMDiskForOSDiskHandler_Waited(std::string osDiskName, std::string& dmpNodeName);
+
+    /// Looks the node of a disk up and removes it from the volume manager; then rescans every disk
+    /// and looks the node up again, up to four times, waiting 10 seconds after each failure.
+    /// Results are those of the last lookup.
+    int getKoVMDiskForOSDiskHandler_Refreshed(std::string osDiskName, std::string& dmpNodeName);
+
+private:
+    enum class Answer { failed, noTable, table };
+
+    /// Runs a query into `lines` and judges its output; traces what is wrong with it.
+    CZE_LOCAL Answer query(const char* operation, const ACE_String_Base<char>& command,
+                           std::vector<std::string>& lines);
+
+    CZE_LOCAL void traceFailure(const char* operation, const ACE_String_Base<char>& command,
+                                const std::vector<std::string>& lines);
 };
 
 #endif

@@ -1,0 +1,132 @@
+#ifndef SCRIPTED_TOOLS_H
+#define SCRIPTED_TOOLS_H
+
+// Replaces the framework's command runner, `access` and `sleep` of the whole process. Include it in
+// the one source file of a test program.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "pdk/include/czeexecpipe.h"
+
+/// What the volume manager's tools answer: a script of commands in their order. A command that is
+/// not the next one of the script fails the test, as does a command that was never run.
+class ScriptedTools {
+public:
+    struct Reply {
+        std::string command;
+        int status;
+        std::vector<std::string> lines;
+        /// Runs after the lines were delivered; may throw.
+        std::function<void()> last = [] {};
+    };
+
+    ScriptedTools() { current() = this; }
+    ScriptedTools(const ScriptedTools&) = delete;
+    ScriptedTools& operator=(const ScriptedTools&) = delete;
+    ~ScriptedTools()
+    {
+        EXPECT_TRUE(m_script.empty()) << "never run: " << m_script.front().command;
+        current() = nullptr;
+    }
+
+    ScriptedTools& answer(std::string command, int status, std::vector<std::string> lines = {})
+    {
+        m_script.push_back({std::move(command), status, std::move(lines)});
+        return *this;
+    }
+
+    ScriptedTools& answer(Reply reply)
+    {
+        m_script.push_back(std::move(reply));
+        return *this;
+    }
+
+    int run(const std::string& command, std::vector<std::string>& output)
+    {
+        if (m_script.empty() || m_script.front().command != command) {
+            ADD_FAILURE() << "unexpected command: [" << command << "]";
+            return 127;
+        }
+        const Reply reply = std::move(m_script.front());
+        m_script.pop_front();
+        events.push_back(command);
+        output.insert(output.end(), reply.lines.begin(), reply.lines.end());
+        reply.last();
+        return reply.status;
+    }
+
+    /// The tools under test; null outside a test.
+    static ScriptedTools*& current()
+    {
+        static ScriptedTools* tools = nullptr;
+        return tools;
+    }
+
+    /// What was asked for, in order: command lines, "access PATH MODE", "sleep SECONDS".
+    std::vector<std::string> events;
+    /// What `access` answers.
+    bool installed = true;
+    /// What a sleep leaves over, as when a signal interrupts it; the next ones leave nothing.
+    unsigned int sleepLeavesOver = 0;
+    int runners = 0;
+    int liveRunners = 0;
+    int runnerArgument = 0;
+    koze_pdk_4_4::CZeTraceLog* runnerLog = nullptr;
+    std::vector<std::string> otherArguments;
+
+private:
+    std::deque<Reply> m_script;
+};
+
+// These definitions stand in a header because each test program has one source file.
+// NOLINTBEGIN(misc-definitions-in-headers)
+namespace koze_pdk_4_4 {
+
+CZeExecPipePosix::CZeExecPipePosix(int streams) : CZeExecPipeBase(streams)
+{
+    ScriptedTools::current()->runnerArgument = streams;
+    ++ScriptedTools::current()->runners;
+    ++ScriptedTools::current()->liveRunners;
+}
+
+CZeExecPipePosix::~CZeExecPipePosix()
+{
+    --ScriptedTools::current()->liveRunners;
+}
+
+int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& output,
+                          const std::string& directory, unsigned long timeLimitSeconds,
+                          const std::string& user, const std::string& environment,
+                          const std::string& input)
+{
+    ScriptedTools& tools = *ScriptedTools::current();
+    tools.runnerLog = m_traceLog.get();
+    tools.otherArguments = {directory, std::to_string(timeLimitSeconds), user, environment, input};
+    return tools.run(command, output);
+}
+
+} // namespace koze_pdk_4_4
+
+extern "C" int access(const char* name, int type) noexcept
+{
+    ScriptedTools& tools = *ScriptedTools::current();
+    tools.events.push_back("access " + std::string(name) + " " + std::to_string(type));
+    return tools.installed ? 0 : -1;
+}
+
+extern "C" unsigned int sleep(unsigned int seconds)
+{
+    ScriptedTools& tools = *ScriptedTools::current();
+    tools.events.push_back("sleep " + std::to_string(seconds));
+    return std::exchange(tools.sleepLeavesOver, 0);
+}
+// NOLINTEND(misc-definitions-in-headers)
+
+#endif
