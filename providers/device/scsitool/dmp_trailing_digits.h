@@ -1,9 +1,11 @@
 #ifndef DMP_TRAILING_DIGITS_H
 #define DMP_TRAILING_DIGITS_H
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <limits>
 #include <string>
 
 // Partition numbers stand at the end of a device name: name digit*. Only '0' to '9' are digits,
@@ -27,8 +29,12 @@ inline std::size_t trailingDigits(const std::string& device)
 /// saturates. The host's errno stays as it was.
 inline unsigned int numberAt(const std::string& device, std::size_t begin)
 {
+    const std::size_t first = std::min(device.find_first_not_of('0', begin), device.size());
+    // More digits than the largest long has need no reading, and strtol would walk all of them.
+    if (device.size() - first > std::numeric_limits<long>::digits10 + 1)
+        return static_cast<unsigned int>(std::numeric_limits<long>::max());
     const int hostErrno = errno;
-    const long number = std::strtol(device.c_str() + begin, nullptr, 10);
+    const long number = std::strtol(device.c_str() + first, nullptr, 10);
     errno = hostErrno;
     return static_cast<unsigned int>(number);
 }

@@ -45,7 +45,7 @@ TEST(ClaimManagerInAHost, LeavesItsSurroundingsAlone)
         RecordingLog log;
         CDmpClaimManager manager;
         manager.registerTraceLog(log.handle());
-        for (const char* device : {"", "/dev/sda99999999999999999999", "/dev/mapper/mpathap1"}) {
+        for (const char* device : {"", "/dev/sda9999999999999999999", "/dev/mapper/mpathap1"}) {
             for (const Operation& operation : operationsOf(manager, device))
                 operation.call();
         }
@@ -58,7 +58,7 @@ TEST(ClaimManagerInAHost, LeavesItsSurroundingsAlone)
 TEST(ClaimManagerInAHost, LeavesErrnoAlone)
 {
     CDmpClaimManager manager;
-    for (const char* device : {"/dev/sda99999999999999999999", "/dev/emcpowera99999999999999999999",
+    for (const char* device : {"/dev/sda9999999999999999999", "/dev/emcpowera9999999999999999999",
                                "/dev/mapper/mpathap1", "/dev/vda"}) {
         for (const Operation& operation : operationsOf(manager, device)) {
             errno = EXDEV;

@@ -38,17 +38,25 @@ TEST(TrailingDigits, SpellTheLow32BitsOfALongThatSaturates)
     EXPECT_EQ(numberAt("sda12", 3), 12U);
     EXPECT_EQ(numberAt("sda012", 3), 12U);
     EXPECT_EQ(numberAt("sda", 3), 0U);
+    EXPECT_EQ(numberAt("sda0", 3), 0U);
+    EXPECT_EQ(numberAt("sda" + std::string(100, '0'), 3), 0U);
+    EXPECT_EQ(numberAt("sda" + std::string(100, '0') + "9223372036854775806", 3), 4294967294U);
     EXPECT_EQ(numberAt("4294967295", 0), 4294967295U);
     EXPECT_EQ(numberAt("4294967296", 0), 0U);
+    EXPECT_EQ(numberAt("9223372036854775806", 0), 4294967294U);
     EXPECT_EQ(numberAt("9223372036854775807", 0), 4294967295U);
+    EXPECT_EQ(numberAt("9223372036854775808", 0), 4294967295U);
+    EXPECT_EQ(numberAt("10000000000000000000", 0), 4294967295U);
     EXPECT_EQ(numberAt("99999999999999999999", 0), 4294967295U);
 }
 
 TEST(TrailingDigits, ASaturatedNumberLeavesTheHostsErrnoAlone)
 {
-    errno = EXDEV;
-    EXPECT_EQ(numberAt("99999999999999999999", 0), 4294967295U);
-    EXPECT_EQ(errno, EXDEV);
+    for (const char* digits : {"9223372036854775808", "99999999999999999999"}) {
+        errno = EXDEV;
+        EXPECT_EQ(numberAt(digits, 0), 4294967295U);
+        EXPECT_EQ(errno, EXDEV);
+    }
 }
 
 } // namespace
