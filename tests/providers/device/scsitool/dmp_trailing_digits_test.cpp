@@ -27,6 +27,7 @@ TEST(TrailingDigits, BeginBehindTheLastCharacterThatIsNone)
     EXPECT_EQ(trailingDigits("a"), 1U);
     EXPECT_EQ(trailingDigits("7"), 0U);
     EXPECT_EQ(trailingDigits("123"), 0U);
+    EXPECT_EQ(trailingDigits(std::string(100, '1')), 0U);
     EXPECT_EQ(trailingDigits("a123"), 1U);
     EXPECT_EQ(trailingDigits("a1b23"), 3U);
     EXPECT_EQ(trailingDigits("123a"), 4U);
