@@ -1,0 +1,57 @@
+#include "call_log.h"
+
+#include "error.h"
+
+#include <cstdio>
+#include <ctime>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace simulator {
+
+namespace {
+
+std::string timeStamp()
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    tm utc{};
+    gmtime_r(&now.tv_sec, &utc);
+    char seconds[32];
+    const std::size_t length = std::strftime(seconds, sizeof seconds, "%Y-%m-%dT%H:%M:%S", &utc);
+    const std::string milliseconds = std::to_string(1000 + now.tv_nsec / 1'000'000);
+    return std::string(seconds, length) + "." + milliseconds.substr(1) + "Z";
+}
+
+std::string quoted(const std::string& argument)
+{
+    static constexpr char digits[] = "0123456789abcdef";
+    std::string text = "\"";
+    for (const char character : argument) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x20 || byte == 0x7f)
+            (text += "\\x").append({digits[byte >> 4], digits[byte & 0xf]});
+        else if (character == '"' || character == '\\')
+            text.append({'\\', character});
+        else
+            text += character;
+    }
+    return text + "\"";
+}
+
+} // namespace
+
+void logCall(const std::string& path, const Command& command)
+{
+    std::string line = timeStamp() + " [" + std::to_string(getpid()) + "] " + command.program;
+    for (const std::string& argument : command.arguments)
+        line += " " + quoted(argument);
+    line += '\n';
+    const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    if (file < 0 || write(file, line.data(), line.size()) != static_cast<ssize_t>(line.size()))
+        failWithErrno("cannot write", path);
+    close(file);
+}
+
+} // namespace simulator

@@ -1,0 +1,29 @@
+#ifndef SIMULATOR_COMMAND_H
+#define SIMULATOR_COMMAND_H
+
+#include <string>
+#include <vector>
+
+namespace simulator {
+
+/// What was called: the tool's name without its folder, and the arguments.
+struct Command {
+    std::string program;
+    std::vector<std::string> arguments;
+
+    bool operator==(const Command& other) const
+    {
+        return program == other.program && arguments == other.arguments;
+    }
+};
+
+/// What a call answers.
+struct Answer {
+    int result = 0; ///< see endingOf
+    std::vector<std::string> lines;
+    std::string message; ///< for standard error, without its line end
+};
+
+} // namespace simulator
+
+#endif

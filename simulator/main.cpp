@@ -1,0 +1,110 @@
+// The tools of a simulated KoVM volume manager, for machines that have none: `kodmpadm` and
+// `kodisk`, one program that goes by the name it is called by. Everything that it knows stands in
+// one state file, described in README.md: KOVM_SIMULATOR_STATE names it, else it is
+// /run/kovm-simulator/state.json. Beside it stand its lock, .lock, and the log of all calls, .log.
+//
+// Exit status: 0 the call succeeded, 1 it failed as a real tool would fail, 2 its arguments are
+// wrong, 70 it is not among the recorded calls, 78 the simulator cannot do its own work.
+#include "call_log.h"
+#include "commands.h"
+#include "endings.h"
+#include "error.h"
+#include "shaping.h"
+#include "state_file.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include <unistd.h>
+
+namespace simulator {
+
+namespace {
+
+constexpr char defaultState[] = "/run/kovm-simulator/state.json";
+constexpr int cannotWork = 78;
+
+/// Throws an Error when the reader of the descriptor is out of order.
+void print(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0)
+            failWithErrno("cannot write to descriptor", std::to_string(descriptor));
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void flood(unsigned mebibytes, const std::string& line)
+{
+    std::string block;
+    while (block.size() < 1024UL * 1024)
+        block += line + "\n";
+    block.resize(1024UL * 1024);
+    for (unsigned i = 0; i < mebibytes; ++i)
+        print(STDOUT_FILENO, block);
+}
+
+void printAnswer(const Command& command, const Answer& answer, const Shape& shape)
+{
+    if (!answer.message.empty())
+        print(STDERR_FILENO, command.program + ": " + answer.message + "\n");
+    print(STDOUT_FILENO, shapedText(answer.lines, shape));
+    flood(shape.floodMib, answer.lines.empty() ? "" : answer.lines.back());
+}
+
+/// Counts the call and finds out what goes wrong in it.
+Fault takeCall(State& state, const Command& command)
+{
+    if (command.arguments.empty() || !isSubcommand(command.arguments[0]))
+        return {};
+    const std::string& subcommand = command.arguments[0];
+    return findFault(state.faults, subcommand, ++state.calls[subcommand]);
+}
+
+Answer answerCall(State& state, const Command& command)
+{
+    return state.replay ? replay(*state.replay, state.replayed, command) : perform(state, command);
+}
+
+int run(const Command& command)
+{
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread.
+    const char* named = std::getenv("KOVM_SIMULATOR_STATE");
+    const std::string path = named != nullptr ? named : defaultState;
+    logCall(path + ".log", command);
+    const StateFile file(path);
+    const Fault fault = file.change([&](State& state) { return takeCall(state, command); });
+    if (!fault.standardError.empty())
+        print(STDERR_FILENO, fault.standardError + "\n");
+    std::this_thread::sleep_for(std::chrono::milliseconds(fault.delayMilliseconds));
+    if (!fault.late)
+        end(fault.ending);
+    const Answer answer = file.change([&](State& state) { return answerCall(state, command); });
+    printAnswer(command, answer, fault.shape);
+    end(fault.ending);
+    end(endingOf(answer.result));
+    return cannotWork;
+}
+
+} // namespace
+
+} // namespace simulator
+
+int main(int argc, char** argv)
+{
+    const std::string_view called = argc > 0 ? argv[0] : "";
+    simulator::Command command{std::string(called.substr(called.rfind('/') + 1)), {}};
+    if (argc > 1)
+        command.arguments.assign(argv + 1, argv + argc);
+    try {
+        return simulator::run(command);
+    } catch (const simulator::Error& error) {
+        std::cerr << command.program << ": simulator: " << error.what() << '\n';
+        return simulator::cannotWork;
+    }
+}

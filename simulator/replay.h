@@ -1,0 +1,34 @@
+#ifndef SIMULATOR_REPLAY_H
+#define SIMULATOR_REPLAY_H
+
+#include "command.h"
+#include "fields.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace simulator {
+
+/// What a real tool once answered.
+struct Record {
+    Command command;
+    int result;
+    std::vector<std::string> output;
+};
+
+/// How often each recorded command has been replayed.
+using Replayed = std::map<std::string, unsigned>;
+
+/// Reads one element of "commands": {"command": LINE, "status": NUMBER, "output": [LINE...]}. The
+/// command line is split at runs of spaces. Other fields are left alone. Throws an Error.
+Record readRecord(Fields fields);
+
+/// Answers with what was recorded for exactly this command: when it was recorded several times,
+/// with one record after the other, and then always with the last. A command that was not recorded,
+/// or whose ending cannot be repeated, is answered with status 70 and a message.
+Answer replay(const std::vector<Record>& records, Replayed& replayed, const Command& command);
+
+} // namespace simulator
+
+#endif

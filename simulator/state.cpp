@@ -1,0 +1,157 @@
+#include "state.h"
+
+#include "error.h"
+
+#include <fstream>
+#include <set>
+
+namespace simulator {
+
+namespace {
+
+Path readPath(Fields fields)
+{
+    Path path{fields.word("name"), fields.word("state"), fields.word("type"),
+              fields.word("controller", "c0")};
+    fields.finish();
+    return path;
+}
+
+std::optional<Stale> readStale(std::optional<Fields> fields)
+{
+    if (!fields)
+        return std::nullopt;
+    Stale stale;
+    stale.rescans = fields->number("rescans", 1, 1);
+    stale.removal = fields->flag("removal");
+    if (fields->has("name"))
+        stale.name = fields->word("name");
+    stale.paths = fields->each("paths", readPath);
+    fields->finish();
+    return stale;
+}
+
+Node readNode(Fields fields)
+{
+    Node node{fields.word("name"), fields.word("state", "ENABLED"), fields.each("paths", readPath),
+              readStale(fields.object("stale"))};
+    fields.finish();
+    return node;
+}
+
+Array readArray(Fields fields)
+{
+    Array array{fields.word("name"), fields.each("nodes", readNode)};
+    fields.finish();
+    return array;
+}
+
+/// Nodes and disks are found by their names, so that each name may stand once only.
+void requireUniqueNames(const std::vector<Array>& arrays)
+{
+    std::set<std::string> nodes;
+    std::set<std::string> disks;
+    for (const Array& array : arrays) {
+        for (const Node& node : array.nodes) {
+            if (!nodes.insert(node.name).second)
+                throw Error("there are two nodes " + node.name);
+            for (const Path& path : node.paths) {
+                if (!disks.insert(path.name).second)
+                    throw Error("there are two paths " + path.name);
+            }
+        }
+    }
+}
+
+/// "replay" is the records themselves or the name of a file with an array "commands" in it.
+std::optional<std::vector<Record>> readReplay(Fields& fields, const std::string& folder)
+{
+    const Json* value = fields.find("replay");
+    if (value == nullptr)
+        return std::nullopt;
+    if (!value->is_string())
+        return fields.each("replay", readRecord);
+    const std::string path = folder + "/" + value->get<std::string>();
+    const Json file = readJsonFile(path);
+    Fields recorded(file, path);
+    if (!recorded.has("commands"))
+        recorded.refuse("commands", "is missing");
+    return recorded.each("commands", readRecord);
+}
+
+void setOrErase(Json& object, const char* key, const Json& value)
+{
+    if (value.empty())
+        object.erase(key);
+    else
+        object[key] = value;
+}
+
+Json pathsJson(const std::vector<Path>& paths)
+{
+    Json list = Json::array();
+    for (const Path& path : paths) {
+        list.push_back({{"name", path.name},
+                        {"state", path.state},
+                        {"type", path.type},
+                        {"controller", path.controller}});
+    }
+    return list;
+}
+
+Json staleJson(const std::optional<Stale>& stale)
+{
+    Json object = Json::object();
+    if (!stale)
+        return object;
+    if (stale->removal)
+        object["removal"] = true;
+    object["rescans"] = stale->rescans;
+    if (!stale->name.empty())
+        object["name"] = stale->name;
+    setOrErase(object, "paths", pathsJson(stale->paths));
+    return object;
+}
+
+} // namespace
+
+State readState(const Json& document, const std::string& folder)
+{
+    Fields fields(document, "");
+    fields.text("about", "");
+    State state;
+    state.arrays = fields.each("arrays", readArray);
+    state.emptyTableForUnknownDisk = fields.flag("empty_table_for_unknown_disk");
+    state.faults = fields.each("faults", readFault);
+    state.replay = readReplay(fields, folder);
+    state.calls = fields.counts("calls");
+    state.replayed = fields.counts("replayed");
+    fields.finish();
+    requireUniqueNames(state.arrays);
+    return state;
+}
+
+void writeState(const State& state, Json& document)
+{
+    for (std::size_t i = 0; i < state.arrays.size(); ++i) {
+        const std::vector<Node>& nodes = state.arrays[i].nodes;
+        for (std::size_t j = 0; j < nodes.size(); ++j)
+            setOrErase(document["arrays"][i]["nodes"][j], "stale", staleJson(nodes[j].stale));
+    }
+    setOrErase(document, "calls", state.calls);
+    setOrErase(document, "replayed", state.replayed);
+}
+
+Json readJsonFile(const std::string& path)
+{
+    std::ifstream file(path);
+    if (!file)
+        failWithErrno("cannot read", path);
+    try {
+        return Json::parse(file);
+    } catch (const Json::parse_error& error) {
+        throw Error(path + " is no JSON: " + error.what());
+    }
+}
+
+} // namespace simulator

@@ -1,0 +1,52 @@
+#ifndef SIMULATOR_STATE_FILE_H
+#define SIMULATOR_STATE_FILE_H
+
+#include "error.h"
+#include "state.h"
+
+#include <string>
+
+namespace simulator {
+
+/// The state file, which any number of tools change at once. PATH.lock, beside it, is the lock of
+/// all of them; a new state replaces the old one in one step, so that a reader always finds one or
+/// the other whole.
+class StateFile {
+public:
+    explicit StateFile(std::string path) : m_path(std::move(path)) {}
+
+    /// Reads the state, lets `work` look at it and change it, and writes it when it has changed,
+    /// all under the lock. Returns what `work` returns. Throws an Error when the file is missing,
+    /// damaged or cannot be written, and then leaves it as it was.
+    template <class Work>
+    auto change(Work work) const
+    {
+        const Lock lock(m_path + ".lock");
+        Json document;
+        State state = load(document);
+        auto result = work(state);
+        save(state, document);
+        return result;
+    }
+
+private:
+    class Lock {
+    public:
+        explicit Lock(const std::string& path);
+        ~Lock();
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+
+    private:
+        int m_file;
+    };
+
+    State load(Json& document) const;
+    void save(const State& state, Json& document) const;
+
+    std::string m_path;
+};
+
+} // namespace simulator
+
+#endif

@@ -1,0 +1,57 @@
+#include "simulated_tools.h"
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::MatchesRegex;
+
+namespace {
+
+using CallLog = SimulatedTools;
+
+TEST_F(CallLog, ALineHasTimeProcessToolAndArguments)
+{
+    useScenario("healthy");
+    Process call(tool("kodmpadm", {"getdmpnode", "nodename=sdc"}));
+    const std::string id = std::to_string(call.id());
+    call.finish();
+    EXPECT_THAT(log(), ElementsAre(MatchesRegex(
+                           "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z \\[" +
+                           id + "\\] kodmpadm \"getdmpnode\" \"nodename=sdc\"")));
+}
+
+TEST_F(CallLog, EveryCallIsLoggedInItsOrder)
+{
+    useScenario("healthy");
+    kodisk({"scandisks"});
+    kodisk({"rm", "arr0_17"});
+    kodmpadm({});
+    EXPECT_THAT(log(),
+                ElementsAre(EndsWith("] kodisk \"scandisks\""),
+                            EndsWith("] kodisk \"rm\" \"arr0_17\""), EndsWith("] kodmpadm")));
+}
+
+TEST_F(CallLog, ArgumentsAreQuotedSoThatTheyCanBeToldApart)
+{
+    useScenario("healthy");
+    kodisk({"rm", "a b", ""});
+    kodisk({"rm", "a\" \"b\\"});
+    kodisk({"rm", "\n\x1f\x7f\u00e9"});
+    EXPECT_THAT(log(), ElementsAre(EndsWith(R"( "rm" "a b" "")"), EndsWith(R"( "rm" "a\" \"b\\")"),
+                                   EndsWith(R"( "rm" "\x0a\x1f\x7fé")")));
+}
+
+TEST_F(CallLog, AnArgumentOf64KibIsLoggedWhole)
+{
+    useScenario("healthy");
+    const std::string name(65536, 'x');
+    kodisk({"rm", name});
+    EXPECT_THAT(log(), ElementsAre(EndsWith("\"" + name + "\"")));
+}
+
+TEST_F(CallLog, ACallThatFindsNoStateIsLoggedToo)
+{
+    nodeOf("sdc");
+    EXPECT_EQ(log().size(), 1U);
+}
+
+} // namespace

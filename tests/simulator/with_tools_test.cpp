@@ -1,0 +1,159 @@
+#include "simulated_tools.h"
+
+#include <set>
+
+namespace {
+
+constexpr int notPermitted = 77;
+
+/// `with_tools.sh` with the tools of this build.
+class WithTools : public SimulatedTools {
+protected:
+    WithTools()
+    {
+        unsetenv("KOVM_SIMULATOR_STATE");
+        useScenario("healthy");
+    }
+
+    void SetUp() override
+    {
+        if (run({"true"}).status == notPermitted)
+            GTEST_SKIP() << "private mount namespaces are not permitted";
+    }
+
+    std::vector<std::string> line(const std::vector<std::string>& command) const
+    {
+        std::vector<std::string> all{SIMULATOR_WITH_TOOLS, "--tools", SIMULATOR_TOOLS, statePath()};
+        all.insert(all.end(), command.begin(), command.end());
+        return all;
+    }
+
+    Result run(const std::vector<std::string>& command) const
+    {
+        return Process(line(command)).finish();
+    }
+
+    /// The same with this shell script as `unshare`.
+    Result runWithUnshare(const std::string& script, const std::vector<std::string>& command) const
+    {
+        const std::filesystem::path fake = folder() / "unshare";
+        std::ofstream(fake) << "#!/bin/sh\n" << script << '\n';
+        permissions(fake, std::filesystem::perms::owner_all);
+        std::vector<std::string> all = line(command);
+        const std::string path = folder().string() + ":/usr/bin:/bin:/usr/sbin:/sbin";
+        all.insert(all.begin(), {"/usr/bin/env", "PATH=" + path});
+        return Process(all).finish();
+    }
+};
+
+TEST_F(WithTools, TheToolsAreInUsrSbin)
+{
+    EXPECT_THAT(run({"/usr/sbin/kodmpadm", "getdmpnode", "nodename=sdc"}), Succeeds(healthyNode));
+    EXPECT_THAT(run({"/usr/sbin/kodisk", "rm", "arr0_17"}), Succeeds());
+    EXPECT_EQ(state()["calls"], Json({{"getdmpnode", 1}, {"rm", 1}}));
+}
+
+TEST_F(WithTools, TheOtherProgramsOfUsrSbinStay)
+{
+    std::set<std::string> expected{"kodmpadm", "kodisk"};
+    for (const auto& file : std::filesystem::directory_iterator("/usr/sbin"))
+        expected.insert(file.path().filename());
+    const std::vector<std::string> found = linesOf(run({"ls", "-A", "/usr/sbin"}).output);
+    EXPECT_EQ(std::set<std::string>(found.begin(), found.end()), expected);
+}
+
+TEST_F(WithTools, NobodyElseSeesTheTools)
+{
+    const std::string seen = run({"sh", "-c", "stat -c %i /usr/sbin/kodmpadm"}).output;
+    EXPECT_NE(seen, "");
+    EXPECT_NE(Process({"/usr/bin/stat", "-c", "%i", "/usr/sbin/kodmpadm"}).finish().output, seen);
+}
+
+TEST_F(WithTools, UsrSbinCannotBeChanged)
+{
+    EXPECT_THAT(run({"touch", "/usr/sbin/kodmpadm.new"}).errors,
+                testing::HasSubstr("Read-only file system"));
+}
+
+TEST_F(WithTools, TheCommandGetsItsArgumentsFolderAndStateUnchanged)
+{
+    EXPECT_EQ(run({"printf", "<%s>", "a b", "", "*", "$HOME", "-x"}).output,
+              "<a b><><*><$HOME><-x>");
+    EXPECT_EQ(run({"sh", "-c", "pwd; echo $KOVM_SIMULATOR_STATE"}).output,
+              std::filesystem::current_path().string() + "\n" + statePath().string() + "\n");
+}
+
+TEST_F(WithTools, TheCommandsStatusAndSignalsAreItsOwn)
+{
+    EXPECT_EQ(run({"sh", "-c", "exit 43"}).status, 43);
+    EXPECT_EQ(run({"sh", "-c", "exit 77"}).status, 77);
+    EXPECT_THAT(run({"sh", "-c", "kill -KILL $$"}), DiesBy(SIGKILL));
+    EXPECT_EQ(run({"/nowhere/command"}).status, 127);
+}
+
+TEST_F(WithTools, TheCommandTakesTheScriptsPlace)
+{
+    Process script(line({"sh", "-c", "echo $$; exec sleep 100"}));
+    EXPECT_EQ(script.receiveLine(), std::to_string(script.id()) + "\n");
+    script.signal(SIGTERM);
+    EXPECT_THAT(script.finish(), DiesBy(SIGTERM));
+}
+
+TEST_F(WithTools, TheToolsFolderCanHaveAnyName)
+{
+    const std::filesystem::path tools = folder() / "-a:b,c\\d \"e";
+    copy(std::filesystem::path(SIMULATOR_TOOLS), tools);
+    EXPECT_EQ(Process({SIMULATOR_WITH_TOOLS, "--tools", tools, statePath(), "kodisk", "scandisks"})
+                  .finish()
+                  .status,
+              0);
+}
+
+TEST_F(WithTools, NobodyCanUseItToo)
+{
+    const std::vector<std::string> nobody{"/usr/bin/setpriv", "--reuid=65534", "--regid=65534",
+                                          "--clear-groups"};
+    std::vector<std::string> probe = nobody;
+    probe.insert(probe.end(), {"test", "-x", SIMULATOR_TOOLS "/kodmpadm"});
+    if (Process(probe).finish().status != 0)
+        GTEST_SKIP() << "not root, or the build is out of reach for nobody";
+    permissions(folder(), std::filesystem::perms::all);
+    std::vector<std::string> all = line({"/usr/sbin/kodmpadm", "getdmpnode", "nodename=sdc"});
+    all.insert(all.begin(), nobody.begin(), nobody.end());
+    EXPECT_THAT(Process(all).finish(), Succeeds(healthyNode));
+}
+
+TEST_F(WithTools, WithoutMountNamespacesAUserNamespaceServes)
+{
+    EXPECT_EQ(runWithUnshare("[ $1 = -Urm ] && exec /usr/bin/unshare \"$@\"; exit 1",
+                             {"sh", "-c", "id -u; exit 5"})
+                  .status,
+              5);
+}
+
+TEST_F(WithTools, WhereNoNamespaceIsPermittedItSaysSo)
+{
+    EXPECT_THAT(runWithUnshare("echo 'Operation not permitted' >&2; exit 1", {"true"}),
+                Fails(notPermitted,
+                      "no private mount namespace is permitted here: Operation not permitted"));
+}
+
+TEST_F(WithTools, WrongArgumentsAreNamed)
+{
+    const std::pair<std::vector<std::string>, std::string> calls[] = {
+        {{}, "usage: with_tools.sh"},
+        {{statePath()}, "usage: with_tools.sh"},
+        {{"--tools"}, "usage: with_tools.sh"},
+        {{"--tools", SIMULATOR_TOOLS, statePath()}, "usage: with_tools.sh"},
+        {{folder() / "none.json", "true"}, "no state file " + (folder() / "none.json").string()},
+    };
+    for (const auto& [arguments, message] : calls) {
+        std::vector<std::string> all{SIMULATOR_WITH_TOOLS};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        EXPECT_THAT(Process(all).finish(), Fails(2, message));
+    }
+    EXPECT_THAT(Process({SIMULATOR_WITH_TOOLS, "--tools", folder(), statePath(), "true"}).finish(),
+                Fails(2, "no tools in " + folder().string()));
+}
+
+} // namespace
