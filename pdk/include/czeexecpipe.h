@@ -40,8 +40,9 @@ public:
     /// every child itself, and the kernel (before 6.15) keeps no other record.
     static constexpr int statusUnknown = 1102;
 
-    /// The time limit that a limit of 0 stands for.
+    /// The time limit that a limit of 0 stands for, and the longest.
     static constexpr unsigned long defaultLimitSeconds = 600;
+    static constexpr unsigned long longestLimitSeconds = 1'000'000'000;
     /// Between SIGTERM and SIGKILL, for a program that has to be ended.
     static constexpr unsigned long graceSeconds = 2;
     /// What both streams together may take, in bytes. A line takes its length and the size of a

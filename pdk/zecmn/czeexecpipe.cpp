@@ -1,5 +1,112 @@
 #include "pdk/include/czeexecpipe.h"
 
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+#include <new>
+#include <string>
+
+#include <pthread.h>
+#include <unistd.h>
+
+#include "line_collector.h"
+#include "program.h"
+#include "run.h"
+
+namespace {
+
+using koze_pdk_4_4::CZeExecPipeBase;
+using koze_pdk_4_4::runner::Limits;
+using koze_pdk_4_4::runner::Program;
+
+/// Puts a cancellation of this thread off: it would cut through destructors.
+class CancellationBlock {
+public:
+    CancellationBlock() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_state); }
+    CancellationBlock(const CancellationBlock&) = delete;
+    CancellationBlock& operator=(const CancellationBlock&) = delete;
+    ~CancellationBlock() { pthread_setcancelstate(m_state, nullptr); }
+
+private:
+    int m_state = PTHREAD_CANCEL_ENABLE;
+};
+
+unsigned long effectiveLimit(unsigned long timeLimitSeconds)
+{
+    return timeLimitSeconds == 0
+               ? CZeExecPipeBase::defaultLimitSeconds
+               : std::min(timeLimitSeconds, +CZeExecPipeBase::longestLimitSeconds);
+}
+
+Limits limitsFor(unsigned long timeLimitSeconds)
+{
+    return {std::chrono::seconds(timeLimitSeconds),
+            std::chrono::seconds(CZeExecPipeBase::graceSeconds), CZeExecPipeBase::outputBound,
+            CZeExecPipeBase::lineBound};
+}
+
+Program programFor(const std::string& command, const std::string& directory,
+                   const std::string& user, const std::string& environment)
+{
+    Program program;
+    program.arguments = koze_pdk_4_4::runner::splitCommand(command);
+    program.environment = koze_pdk_4_4::runner::childEnvironment(environ, environment);
+    program.directory = koze_pdk_4_4::runner::checkedDirectory(directory);
+    if (!user.empty())
+        program.identity = koze_pdk_4_4::runner::lookUpUser(user);
+    return program;
+}
+
+std::string pathOf(const std::string& command)
+{
+    const std::size_t first = std::min(command.find_first_not_of(' '), command.size());
+    return command.substr(first, command.find_first_of({" \0", 2}, first) - first);
+}
+
+std::string textOf(const std::exception& reason)
+{
+    return dynamic_cast<const std::bad_alloc*>(&reason) == nullptr ? reason.what() : "no memory";
+}
+
+/// How a command ended, for the trace.
+std::string endingOf(int result, unsigned long timeLimitSeconds)
+{
+    switch (result) {
+    case CZeExecPipeBase::deadlinePassed:
+        return "was ended: its limit of " + std::to_string(timeLimitSeconds) + " seconds passed";
+    case CZeExecPipeBase::boundExceeded:
+        return "was ended: it printed more than " + std::to_string(CZeExecPipeBase::outputBound) +
+               " bytes, or a line of more than " + std::to_string(CZeExecPipeBase::lineBound);
+    case CZeExecPipeBase::statusUnknown:
+        return "ended, but the host has taken its exit status away";
+    default:
+        return result > CZeExecPipeBase::killedBySignal
+                   ? "was ended by signal " +
+                         std::to_string(result - CZeExecPipeBase::killedBySignal)
+                   : "ended with exit status " + std::to_string(result);
+    }
+}
+
+long long millisecondsSince(std::chrono::steady_clock::time_point start)
+{
+    const auto passed = std::chrono::steady_clock::now() - start;
+    return std::chrono::duration_cast<std::chrono::milliseconds>(passed).count();
+}
+
+/// Leaves in `output` what a failed run delivers behind its first `before` lines.
+void deliverFailure(int result, std::size_t before, std::vector<std::string>& output,
+                    std::vector<std::string>& errors)
+{
+    if (result == CZeExecPipeBase::boundExceeded) {
+        koze_pdk_4_4::runner::keepBeginning(output, before, CZeExecPipeBase::floodKept);
+        koze_pdk_4_4::runner::keepBeginning(errors, 0, CZeExecPipeBase::floodKept);
+    }
+    output.insert(output.end(), std::make_move_iterator(errors.begin()),
+                  std::make_move_iterator(errors.end()));
+}
+
+} // namespace
+
 namespace koze_pdk_4_4 {
 
 EZeExecPipe::~EZeExecPipe() = default;
@@ -12,13 +119,33 @@ CZeExecPipeBase::CZeExecPipeBase(int streams) : m_streams(streams)
 
 CZeExecPipeBase::~CZeExecPipeBase() = default;
 
-int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& /*output*/,
-                          const std::string& /*directory*/, unsigned long /*timeLimitSeconds*/,
-                          const std::string& /*user*/, const std::string& /*environment*/,
-                          const std::string& /*input*/)
+int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& output,
+                          const std::string& directory, unsigned long timeLimitSeconds,
+                          const std::string& user, const std::string& environment,
+                          const std::string& input)
 {
-    throw EZeExecPipe("cannot run " + command + ": no runner for " + std::to_string(m_streams) +
-                      " streams yet");
+    const CancellationBlock block;
+    const auto start = std::chrono::steady_clock::now();
+    const std::size_t before = output.size();
+    const unsigned long seconds = effectiveLimit(timeLimitSeconds);
+    std::vector<std::string> errors;
+    int result = 0;
+    try {
+        result = runner::run(programFor(command, directory, user, environment), input,
+                             limitsFor(seconds), output, m_streams == 2 ? output : errors);
+        if (result != 0)
+            deliverFailure(result, before, output, errors);
+    } catch (const std::exception& reason) {
+        CZE_TRACE(2, "Command [%s] cannot be run: %s.", command.c_str(), textOf(reason).c_str());
+        throw EZeExecPipe("cannot run " + pathOf(command) + ": " + textOf(reason));
+    }
+    if (result == 0) {
+        for (const std::string& line : errors)
+            CZE_TRACE(2, "Command [%s] warns: %s", command.c_str(), line.c_str());
+    }
+    CZE_TRACE(result == 0 ? 6 : 2, "Command [%s] took %lld ms and %s.", command.c_str(),
+              millisecondsSince(start), endingOf(result, seconds).c_str());
+    return result;
 }
 
 CZeExecPipePosix::CZeExecPipePosix(int streams) : CZeExecPipeBase(streams) {}

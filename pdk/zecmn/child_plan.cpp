@@ -1,0 +1,137 @@
+// What a child does between clone and its program. It shares the host's memory meanwhile, thread
+// storage included, and any other thread of the host may hold any lock. So it makes plain system
+// calls only: no function of the C library that keeps state, and none that a host may have
+// replaced. The one variable they write is errno; the host's thread leaves that alone until the
+// child has left.
+#include "child_plan.h"
+
+#include <cerrno>
+#include <csignal>
+#include <utility>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+using koze_pdk_4_4::runner::Identity;
+using koze_pdk_4_4::runner::StandardStreams;
+
+static_assert(sizeof(long) == 8, "system calls take 64-bit arguments as they are");
+
+/// The kernel's signal set and action: all zero is the empty set and the default action.
+constexpr std::size_t kernelSetSize = 8;
+constexpr char kernelZeros[64] = {};
+
+constexpr int firstOther = STDERR_FILENO + 1;
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// Before signals are let through: a handler of the host must not run here.
+void resetDispositions()
+{
+    for (int signal = 1; signal < _NSIG; ++signal)
+        syscall(SYS_rt_sigaction, signal, kernelZeros, nullptr, kernelSetSize);
+}
+
+bool placeStreams(const StandardStreams& streams)
+{
+    return syscall(SYS_dup3, streams.input, STDIN_FILENO, 0) >= 0 &&
+           syscall(SYS_dup3, streams.output, STDOUT_FILENO, 0) >= 0 &&
+           syscall(SYS_dup3, streams.errors, STDERR_FILENO, 0) >= 0;
+}
+
+/// The number that a name in /proc/self/fd stands for; 0 for "." and "..".
+int numberOf(const char* name)
+{
+    int number = 0;
+    for (; *name >= '0' && *name <= '9'; ++name)
+        number = number * 10 + (*name - '0');
+    return number;
+}
+
+/// Closes what a buffer full of entries of /proc/self/fd names, except for `directory`.
+void closeEntries(const char* entries, long size, int directory)
+{
+    for (long at = 0; at < size;) {
+        const auto* entry = reinterpret_cast<const dirent64*>(entries + at);
+        const int number = numberOf(entry->d_name);
+        if (number >= firstOther && number != directory)
+            syscall(SYS_close, number);
+        at += entry->d_reclen;
+    }
+}
+
+/// For kernels before 5.9.
+bool closeListed()
+{
+    const auto directory =
+        static_cast<int>(syscall(SYS_openat, AT_FDCWD, "/proc/self/fd", O_RDONLY | O_DIRECTORY, 0));
+    if (directory < 0)
+        return false;
+    alignas(dirent64) char entries[2048];
+    long size = 0;
+    while ((size = syscall(SYS_getdents64, directory, entries, sizeof entries)) > 0)
+        closeEntries(entries, size, directory);
+    return syscall(SYS_close, directory) == 0 && size == 0;
+}
+
+bool closeOthers()
+{
+    return syscall(SYS_close_range, firstOther, ~0U, 0) == 0 || closeListed();
+}
+
+bool become(const Identity& identity)
+{
+    return syscall(SYS_setgroups, identity.groups.size(), identity.groups.data()) == 0 &&
+           syscall(SYS_setresgid, identity.group, identity.group, identity.group) == 0 &&
+           syscall(SYS_setresuid, identity.user, identity.user, identity.user) == 0;
+}
+
+} // namespace
+
+namespace koze_pdk_4_4::runner {
+
+ChildPlan::ChildPlan(Program program, const StandardStreams& streams)
+    : m_program(std::move(program)), m_streams(streams),
+      m_arguments(pointersTo(m_program.arguments)), m_environment(pointersTo(m_program.environment))
+{}
+
+int ChildPlan::enter(void* plan)
+{
+    auto* self = static_cast<ChildPlan*>(plan);
+    self->m_failedStep = self->start();
+    self->m_error = errno;
+    return 127;
+}
+
+/// Starts the program, after which there is nothing to return to; returns what failed.
+const char* ChildPlan::start() const
+{
+    resetDispositions();
+    if (syscall(SYS_setpgid, 0, 0) != 0)
+        return "cannot lead a process group";
+    if (!placeStreams(m_streams))
+        return "cannot place its streams";
+    if (!closeOthers())
+        return "cannot close the host's descriptors";
+    if (m_program.identity && !become(*m_program.identity))
+        return "cannot become its user";
+    if (!m_program.directory.empty() && syscall(SYS_chdir, m_program.directory.c_str()) != 0)
+        return "cannot enter its directory";
+    syscall(SYS_rt_sigprocmask, SIG_SETMASK, kernelZeros, nullptr, kernelSetSize);
+    syscall(SYS_execve, m_arguments.front(), m_arguments.data(), m_environment.data());
+    return errno == ENOENT ? "it or its interpreter is missing" : "it cannot be executed";
+}
+
+} // namespace koze_pdk_4_4::runner

@@ -1,0 +1,194 @@
+#include "child_process.h"
+
+#include <cerrno>
+#include <csignal>
+#include <optional>
+#include <system_error>
+
+#include <linux/futex.h>
+#include <poll.h>
+#include <sched.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "pdk/include/czeexecpipe.h"
+#include "pidfd.h"
+#include "process_group.h"
+
+namespace {
+
+using koze_pdk_4_4::CZeExecPipeBase;
+
+/// Holds every signal of this thread back. A handler of the host must not run in a child that
+/// shares the host's memory, nor change errno under the child's feet.
+class SignalBlock {
+public:
+    SignalBlock()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_mask);
+    }
+    SignalBlock(const SignalBlock&) = delete;
+    SignalBlock& operator=(const SignalBlock&) = delete;
+    ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &m_mask, nullptr); }
+
+private:
+    sigset_t m_mask{};
+};
+
+int resultOf(int waitStatus)
+{
+    return WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus)
+                                 : CZeExecPipeBase::killedBySignal + WTERMSIG(waitStatus);
+}
+
+int resultOf(const siginfo_t& status)
+{
+    return status.si_code == CLD_EXITED ? status.si_status
+                                        : CZeExecPipeBase::killedBySignal + status.si_status;
+}
+
+} // namespace
+
+namespace koze_pdk_4_4::runner {
+
+ChildProcess::~ChildProcess()
+{
+    kill();
+    dropPlan();
+}
+
+bool ChildProcess::start(const Deadline& deadline)
+{
+    const SignalBlock block;
+    m_dumpable = prctl(PR_GET_DUMPABLE);
+    clone();
+    if (!waitUntilLeft(deadline))
+        return false;
+    if (m_plan->failedStep() != nullptr)
+        throw std::system_error(m_plan->error(), std::generic_category(), m_plan->failedStep());
+    dropPlan();
+    return true;
+}
+
+void ChildProcess::clone()
+{
+    // Not CLONE_VFORK: nothing would end its wait for a program on a device that does not answer.
+    // The kernel clears `inUse` at the same moment, and that wait has a deadline.
+    int pidfd = -1;
+    m_plan->inUse() = 1;
+    const int pid = ::clone(ChildPlan::enter, m_plan->stackTop(),
+                            CLONE_VM | CLONE_PIDFD | CLONE_CHILD_CLEARTID | SIGCHLD, m_plan.get(),
+                            &pidfd, nullptr, &m_plan->inUse());
+    if (pid < 0) {
+        m_plan->inUse() = 0;
+        throw std::system_error(errno, std::generic_category(), "cannot start a process");
+    }
+    m_pid = pid;
+    // The child does the same. Whoever comes first, there is a group to signal from here on.
+    setpgid(pid, pid);
+    if (pidfd >= 0)
+        m_pidfd = aboveStandard(Descriptor(pidfd));
+}
+
+bool ChildProcess::waitUntilLeft(const Deadline& deadline)
+{
+    const timespec time = deadline.time();
+    while (m_plan->inUse() != 0) {
+        if (deadline.passed())
+            return false;
+        syscall(SYS_futex, &m_plan->inUse(), FUTEX_WAIT_BITSET, 1, &time, nullptr,
+                FUTEX_BITSET_MATCH_ANY);
+    }
+    return true;
+}
+
+/// Frees the plan, unless a child that cannot be ended still stands on it.
+void ChildProcess::dropPlan()
+{
+    if (m_plan == nullptr)
+        return;
+    if (m_plan->inUse() != 0) {
+        static_cast<void>(m_plan.release());
+        return;
+    }
+    // A child that becomes another user takes this from the memory that it shares with the host.
+    // Two such children at once may leave it taken, which errs on the safe side.
+    if (m_dumpable == 1 && prctl(PR_GET_DUMPABLE) != 1)
+        prctl(PR_SET_DUMPABLE, 1);
+    m_plan.reset();
+}
+
+bool ChildProcess::ended()
+{
+    siginfo_t status;
+    return !wait(status, WNOWAIT) || status.si_pid != 0;
+}
+
+int ChildProcess::reap()
+{
+    siginfo_t status;
+    const bool ours = wait(status, 0);
+    m_pid = 0;
+    if (ours)
+        return resultOf(status);
+    const std::optional<int> waitStatus =
+        m_pidfd.isOpen() ? statusOfReaped(m_pidfd.number()) : std::nullopt;
+    return waitStatus ? resultOf(*waitStatus) : CZeExecPipeBase::statusUnknown;
+}
+
+/// Looks at the program without waiting. False when it is no child of the host any more; else
+/// `status.si_pid` is 0 while it runs.
+bool ChildProcess::wait(siginfo_t& status, int options)
+{
+    for (;;) {
+        status.si_pid = 0;
+        const bool byNumber = !m_pidfd.isOpen();
+        if (waitid(byNumber ? P_PID : P_PIDFD,
+                   static_cast<id_t>(byNumber ? m_pid : m_pidfd.number()), &status,
+                   WEXITED | WNOHANG | options) == 0)
+            return true;
+        if (errno == EINVAL && !byNumber)
+            m_pidfd.reset(); // before kernel 5.4
+        else if (errno != EINTR)
+            return false;
+    }
+}
+
+void ChildProcess::signalGroup(int signal)
+{
+    if (m_pidfd.isOpen() && signalGroupOf(m_pidfd.number(), signal))
+        return;
+    // The number of a child that nobody has reaped, ended or not, means no other group.
+    siginfo_t status;
+    if (wait(status, WNOWAIT))
+        ::kill(-m_pid, signal);
+}
+
+void ChildProcess::kill()
+{
+    if (m_pid == 0)
+        return;
+    signalGroup(SIGKILL);
+    awaitEnd(Deadline(std::chrono::seconds(1)));
+    m_pid = 0;
+}
+
+void ChildProcess::awaitEnd(const Deadline& deadline)
+{
+    while (!ended()) {
+        if (deadline.passed())
+            return;
+        pollfd end{descriptor(), POLLIN, 0};
+        poll(&end, 1, deadline.timeout(lookInterval));
+    }
+    const pid_t group = m_pid;
+    reap();
+    // At worst the number means another group by now, which costs time only.
+    while (groupRuns(group) && !deadline.passed())
+        poll(nullptr, 0, 1);
+}
+
+} // namespace koze_pdk_4_4::runner

@@ -1,0 +1,72 @@
+#include "descriptor.h"
+
+#include <cerrno>
+#include <string_view>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace {
+
+[[noreturn]] void fail(const char* what)
+{
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+void writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0 && errno != EINTR)
+            fail("cannot store its input");
+        if (written > 0)
+            text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+} // namespace
+
+namespace koze_pdk_4_4::runner {
+
+void Descriptor::reset()
+{
+    if (m_number >= 0)
+        close(m_number);
+    m_number = -1;
+}
+
+Descriptor aboveStandard(Descriptor opened)
+{
+    if (opened.number() > STDERR_FILENO)
+        return opened;
+    const int moved = fcntl(opened.number(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (moved < 0)
+        fail("cannot open a descriptor");
+    return Descriptor(moved);
+}
+
+Pipe openPipe()
+{
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0)
+        fail("cannot open a pipe");
+    Descriptor readEnd(ends[0]);
+    Descriptor writeEnd(ends[1]);
+    return {aboveStandard(std::move(readEnd)), aboveStandard(std::move(writeEnd))};
+}
+
+Descriptor openInput(const std::string& text)
+{
+    Descriptor input(text.empty() ? open("/dev/null", O_RDONLY | O_CLOEXEC)
+                                  : memfd_create("input", MFD_CLOEXEC));
+    if (!input.isOpen())
+        fail("cannot open its input");
+    writeAll(input.number(), text);
+    if (!text.empty() && lseek(input.number(), 0, SEEK_SET) != 0)
+        fail("cannot rewind its input");
+    return aboveStandard(std::move(input));
+}
+
+} // namespace koze_pdk_4_4::runner

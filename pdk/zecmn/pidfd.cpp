@@ -1,0 +1,54 @@
+#include "pidfd.h"
+
+#include <chrono>
+#include <cstdint>
+
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "deadline.h"
+
+namespace {
+
+// From the kernel's <linux/pidfd.h>, which is newer than the oldest headers that we build with.
+constexpr unsigned int signalProcessGroup = 1U << 2;
+
+struct PidfdInfo {
+    std::uint64_t mask;
+    std::uint64_t cgroup;
+    std::uint32_t ids[11];
+    std::int32_t exitCode;
+};
+static_assert(sizeof(PidfdInfo) == 64, "the first published size");
+
+constexpr std::uint64_t exitInformation = 1U << 3;
+constexpr unsigned long getInfo = _IOWR(0xff, 11, PidfdInfo);
+
+} // namespace
+
+namespace koze_pdk_4_4::runner {
+
+bool signalGroupOf(int pidfd, int signal)
+{
+    return syscall(SYS_pidfd_send_signal, pidfd, signal, nullptr, signalProcessGroup) == 0;
+}
+
+std::optional<int> statusOfReaped(int pidfd)
+{
+    // The status appears a moment after the process has left the wait calls' sight.
+    const Deadline deadline(std::chrono::seconds(1));
+    do {
+        PidfdInfo info{};
+        info.mask = exitInformation;
+        if (ioctl(pidfd, getInfo, &info) != 0)
+            return std::nullopt;
+        if ((info.mask & exitInformation) != 0)
+            return info.exitCode;
+        poll(nullptr, 0, 1);
+    } while (!deadline.passed());
+    return std::nullopt;
+}
+
+} // namespace koze_pdk_4_4::runner

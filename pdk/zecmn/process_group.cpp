@@ -1,0 +1,57 @@
+#include "process_group.h"
+
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include <csignal>
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "descriptor.h"
+
+namespace {
+
+/// Whether the process of an entry of /proc runs in `group`. Its state is a line of the form
+///
+///     pid (name) state parent group ...        812 (kodisk) S 1 812 ...
+///
+/// where the name may hold anything.
+bool runsIn(int proc, const char* entry, pid_t group)
+{
+    char path[NAME_MAX + 6];
+    std::snprintf(path, sizeof path, "%s/stat", entry);
+    const koze_pdk_4_4::runner::Descriptor file(openat(proc, path, O_RDONLY | O_CLOEXEC));
+    char line[512] = "";
+    if (!file.isOpen() || read(file.number(), line, sizeof line - 1) <= 0)
+        return false;
+    const char* behindName = std::strrchr(line, ')');
+    char state = 0;
+    pid_t found = 0;
+    return behindName != nullptr && std::sscanf(behindName, ") %c %*d %d", &state, &found) == 2 &&
+           found == group && state != 'Z' && state != 'X';
+}
+
+} // namespace
+
+namespace koze_pdk_4_4::runner {
+
+bool groupRuns(pid_t group)
+{
+    // Signal 0 is none.
+    if (kill(-group, 0) != 0)
+        return false;
+    const std::unique_ptr<DIR, int (*)(DIR*)> proc(opendir("/proc"), closedir);
+    if (proc == nullptr)
+        return true;
+    while (const dirent* entry = readdir(proc.get())) {
+        if (entry->d_name[0] >= '1' && entry->d_name[0] <= '9' &&
+            runsIn(dirfd(proc.get()), entry->d_name, group))
+            return true;
+    }
+    return false;
+}
+
+} // namespace koze_pdk_4_4::runner

@@ -1,0 +1,121 @@
+#include "run.h"
+
+#include <csignal>
+#include <memory>
+#include <utility>
+
+#include <poll.h>
+
+#include "child_process.h"
+#include "deadline.h"
+#include "descriptor.h"
+#include "output_reader.h"
+#include "pdk/include/czeexecpipe.h"
+
+namespace {
+
+using koze_pdk_4_4::CZeExecPipeBase;
+using koze_pdk_4_4::runner::Budget;
+using koze_pdk_4_4::runner::ChildProcess;
+using koze_pdk_4_4::runner::Deadline;
+using koze_pdk_4_4::runner::lookInterval;
+using koze_pdk_4_4::runner::OutputReader;
+
+/// A started program and its two streams; the second is closed when they are one.
+class Run {
+public:
+    Run(ChildProcess& child, OutputReader (&readers)[2], const Budget& budget)
+        : m_child(child), m_readers(readers), m_budget(budget)
+    {}
+
+    int follow(const Deadline& deadline, std::chrono::nanoseconds grace);
+
+private:
+    void advance(const Deadline& deadline);
+    void finish();
+    void end(const Deadline& grace);
+
+    ChildProcess& m_child;
+    OutputReader (&m_readers)[2];
+    const Budget& m_budget;
+    bool m_ended = false;
+};
+
+/// Reads to the program's end and returns its result; ends it when it goes too far.
+int Run::follow(const Deadline& deadline, std::chrono::nanoseconds grace)
+{
+    while (!m_ended && !m_budget.exceeded && !deadline.passed())
+        advance(deadline);
+    if (m_ended) {
+        finish();
+        if (!m_budget.exceeded)
+            return m_child.reap();
+    }
+    const int result =
+        m_budget.exceeded ? CZeExecPipeBase::boundExceeded : CZeExecPipeBase::deadlinePassed;
+    end(Deadline(grace));
+    finish();
+    return result;
+}
+
+/// Waits until something happens, or the deadline passes, and takes it in.
+void Run::advance(const Deadline& deadline)
+{
+    const bool mustLook = !m_ended && m_child.descriptor() < 0;
+    pollfd events[] = {{m_readers[0].descriptor(), POLLIN, 0},
+                       {m_readers[1].descriptor(), POLLIN, 0},
+                       {m_ended ? -1 : m_child.descriptor(), POLLIN, 0}};
+    poll(events, 3, deadline.timeout(mustLook ? lookInterval : std::chrono::hours(1)));
+    for (int stream = 0; stream < 2; ++stream) {
+        if (events[stream].revents != 0)
+            m_readers[stream].read();
+    }
+    if (mustLook || events[2].revents != 0)
+        m_ended = m_child.ended();
+}
+
+void Run::finish()
+{
+    for (OutputReader& reader : m_readers)
+        reader.finish();
+}
+
+/// Asks the whole group to end. Those who still hold a stream have until `grace` for it.
+void Run::end(const Deadline& grace)
+{
+    m_child.signalGroup(SIGTERM);
+    m_child.signalGroup(SIGCONT); // a stopped process would sleep through it
+    while ((!m_ended || m_readers[0].isOpen() || m_readers[1].isOpen()) && !grace.passed())
+        advance(grace);
+    m_child.kill();
+}
+
+} // namespace
+
+namespace koze_pdk_4_4::runner {
+
+int run(Program program, const std::string& input, const Limits& limits,
+        std::vector<std::string>& output, std::vector<std::string>& errors)
+{
+    const Deadline deadline(limits.time);
+    const bool together = &output == &errors;
+    Descriptor standardInput = openInput(input);
+    Pipe outputPipe = openPipe();
+    Pipe errorsPipe = together ? Pipe() : openPipe();
+    Budget budget{limits.outputBytes, limits.lineBytes};
+    OutputReader readers[] = {{std::move(outputPipe.readEnd), output, budget},
+                              {std::move(errorsPipe.readEnd), errors, budget}};
+    ChildProcess child(std::make_unique<ChildPlan>(
+        std::move(program),
+        StandardStreams{standardInput.number(), outputPipe.writeEnd.number(),
+                        (together ? outputPipe : errorsPipe).writeEnd.number()}));
+    if (!child.start(deadline))
+        return CZeExecPipeBase::deadlinePassed;
+    // The program has its own; a pipe ends with the last of its writers.
+    outputPipe.writeEnd.reset();
+    errorsPipe.writeEnd.reset();
+    standardInput.reset();
+    return Run(child, readers, budget).follow(deadline, limits.grace);
+}
+
+} // namespace koze_pdk_4_4::runner

@@ -1,0 +1,427 @@
+// The runner in hosts of every kind.
+#include "pdk/include/czeexecpipe.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <csignal>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
+
+#include "exec_test.h"
+
+using koze_pdk_4_4::CZeExecPipeBase;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::Eq;
+using testing::StartsWith;
+
+namespace {
+
+class ExecHost : public ExecTest {
+protected:
+    /// Every way that a run can end.
+    void expectEveryEnding()
+    {
+        EXPECT_EQ(exec("print 0 1 a\\n"), 0);
+        EXPECT_EQ(output(), Lines({"a"}));
+        EXPECT_EQ(exec("print 3 2 why\\n"), 3);
+        EXPECT_EQ(output(), Lines({"why"}));
+        EXPECT_EQ(exec("die_by 9"), 1009);
+        EXPECT_EQ(exec("leave_child 4"), 4);
+        EXPECT_EQ(exec("lines 1 67108864"), CZeExecPipeBase::boundExceeded);
+        EXPECT_NE(refusal("/no/such/program"), "");
+    }
+};
+
+/// Handles a signal while it lives.
+class Handler {
+public:
+    Handler(int signal, void (*handler)(int), int flags = 0) : m_signal(signal)
+    {
+        struct sigaction action {};
+        action.sa_handler = handler;
+        action.sa_flags = flags;
+        sigaction(signal, &action, &m_before);
+    }
+    Handler(const Handler&) = delete;
+    Handler& operator=(const Handler&) = delete;
+    ~Handler() { sigaction(m_signal, &m_before, nullptr); }
+
+private:
+    int m_signal;
+    struct sigaction m_before {};
+};
+
+/// Limits the numbers of descriptors while it lives.
+class DescriptorLimit {
+public:
+    explicit DescriptorLimit(rlim_t limit)
+    {
+        getrlimit(RLIMIT_NOFILE, &m_before);
+        const rlimit wanted{limit, std::max(limit, m_before.rlim_max)};
+        m_granted = setrlimit(RLIMIT_NOFILE, &wanted) == 0;
+    }
+    DescriptorLimit(const DescriptorLimit&) = delete;
+    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &m_before); }
+
+    bool granted() const { return m_granted; }
+
+private:
+    rlimit m_before{};
+    bool m_granted;
+};
+
+TEST_F(ExecHost, WithoutPeculiarities)
+{
+    expectEveryEnding();
+}
+
+TEST_F(ExecHost, ThatHandlesSigchld)
+{
+    static std::atomic<int> handled;
+    handled = 0;
+    const Handler handler(SIGCHLD, [](int) { ++handled; });
+    expectEveryEnding();
+    EXPECT_GT(handled, 0);
+}
+
+/// Whether this kernel keeps the status of a process that somebody else has reaped.
+bool kernelKeepsStatus()
+{
+    int pidfd = -1;
+    const long pid = syscall(SYS_clone, CLONE_PIDFD | SIGCHLD, nullptr, &pidfd, nullptr, nullptr);
+    if (pid == 0)
+        _exit(3);
+    waitpid(static_cast<pid_t>(pid), nullptr, 0);
+    std::uint64_t info[8] = {1U << 3};
+    const bool kept = ioctl(pidfd, _IOWR(0xff, 11, info), info) == 0 && (info[0] & (1U << 3)) != 0;
+    close(pidfd);
+    return kept;
+}
+
+class ExecReapingHost : public ExecHost {
+protected:
+    /// Every way that a run can end, each status known or expressly unknown.
+    void expectEveryKnownEnding()
+    {
+        for (int attempt = 0; attempt < 20; ++attempt) {
+            expectResult("exit_with 0", 0);
+            expectResult("print 3 1 a\\n", 3);
+            EXPECT_EQ(output(), Lines({"a"}));
+            expectResult("die_by 9", 1009);
+        }
+        expectResult("leave_child 4", 4);
+        EXPECT_EQ(exec("lines 1 67108864"), CZeExecPipeBase::boundExceeded);
+        EXPECT_NE(refusal("/no/such/program"), "");
+        expectUnrulyOnesEnd();
+    }
+
+private:
+    void expectResult(const std::string& command, int result)
+    {
+        if (m_keeps)
+            EXPECT_EQ(exec(command), result);
+        else
+            EXPECT_THAT(exec(command), AnyOf(Eq(result), Eq(CZeExecPipeBase::statusUnknown)));
+    }
+
+    bool m_keeps = kernelKeepsStatus();
+};
+
+TEST_F(ExecReapingHost, ThatIgnoresSigchld)
+{
+    const Handler handler(SIGCHLD, SIG_IGN);
+    expectEveryKnownEnding();
+}
+
+TEST_F(ExecReapingHost, ThatWantsNoZombies)
+{
+    const Handler handler(
+        SIGCHLD, [](int) {}, SA_NOCLDWAIT);
+    expectEveryKnownEnding();
+}
+
+TEST_F(ExecReapingHost, ThatReapsEveryChildInAThread)
+{
+    std::atomic<bool> stop{false};
+    std::atomic<int> stolen{0};
+    std::thread reaper([&] {
+        while (!stop) {
+            if (waitpid(-1, nullptr, WNOHANG) > 0)
+                ++stolen;
+        }
+    });
+    expectEveryKnownEnding();
+    stop = true;
+    reaper.join();
+    EXPECT_GT(stolen, 0);
+}
+
+TEST_F(ExecReapingHost, ThatReapsEveryChildInItsHandler)
+{
+    static std::atomic<int> stolen;
+    stolen = 0;
+    const Handler handler(SIGCHLD, [](int) {
+        const int before = errno;
+        while (waitpid(-1, nullptr, WNOHANG) > 0)
+            ++stolen;
+        errno = before;
+    });
+    expectEveryKnownEnding();
+    EXPECT_GT(stolen, 0);
+}
+
+TEST_F(ExecHost, WithAChildOfItsOwn)
+{
+    int gate[2];
+    ASSERT_EQ(pipe2(gate, O_CLOEXEC), 0);
+    const pid_t own = fork();
+    if (own == 0) {
+        char byte = 0;
+        close(gate[1]);
+        _exit(static_cast<int>(read(gate[0], &byte, 1)) + 6);
+    }
+    const pid_t ended = fork();
+    if (ended == 0)
+        _exit(5);
+    siginfo_t info;
+    ASSERT_EQ(waitid(P_PID, static_cast<id_t>(ended), &info, WEXITED | WNOWAIT), 0);
+    expectEveryEnding();
+    close(gate[0]);
+    close(gate[1]);
+    for (const auto& [child, status] : {std::pair(own, 6), std::pair(ended, 5)}) {
+        int found = 0;
+        EXPECT_EQ(waitpid(child, &found, 0), child);
+        EXPECT_EQ(WEXITSTATUS(found), status);
+    }
+}
+
+TEST_F(ExecHost, ThatBlocksAndIgnoresSignals)
+{
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    {
+        const Handler pipes(SIGPIPE, SIG_IGN);
+        const Handler terms(SIGTERM, SIG_IGN);
+        const Handler users(SIGUSR1, [](int) {});
+        expectEveryEnding();
+        EXPECT_EQ(exec("show signals"), 0);
+        EXPECT_EQ(output(), Lines());
+        Settings second;
+        second.limit = 1;
+        EXPECT_EQ(exec("hang", second), CZeExecPipeBase::deadlinePassed);
+        EXPECT_LT(took(), std::chrono::seconds(3)); // by SIGTERM
+    }
+    // Nothing but the children's ends was raised here.
+    sigset_t pending;
+    sigpending(&pending);
+    for (int signal = 1; signal < 65; ++signal)
+        EXPECT_EQ(sigismember(&pending, signal) == 1 && signal != SIGCHLD, false) << signal;
+    const timespec none{};
+    sigset_t child;
+    sigemptyset(&child);
+    sigaddset(&child, SIGCHLD);
+    sigtimedwait(&child, nullptr, &none);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+/// Closes some of the standard descriptors while it lives.
+class ClosedStandard {
+public:
+    explicit ClosedStandard(const std::vector<int>& numbers)
+    {
+        for (const int number : numbers) {
+            m_kept.emplace_back(number, fcntl(number, F_DUPFD_CLOEXEC, 100));
+            close(number);
+        }
+    }
+    ClosedStandard(const ClosedStandard&) = delete;
+    ClosedStandard& operator=(const ClosedStandard&) = delete;
+    ~ClosedStandard()
+    {
+        for (const auto& [number, kept] : m_kept) {
+            dup2(kept, number);
+            close(kept);
+        }
+    }
+
+    /// The standard numbers that are open.
+    static std::vector<int> open()
+    {
+        std::vector<int> numbers;
+        for (int number = 0; number < 3; ++number) {
+            if (fcntl(number, F_GETFD) >= 0)
+                numbers.push_back(number);
+        }
+        return numbers;
+    }
+
+private:
+    std::vector<std::pair<int, int>> m_kept;
+};
+
+TEST_F(ExecHost, ThatHasClosedItsStandardDescriptors)
+{
+    const std::vector<std::vector<int>> sets = {{0}, {1}, {2}, {0, 1}, {0, 2}, {1, 2}, {0, 1, 2}};
+    for (const std::vector<int>& set : sets) {
+        int results[3];
+        Lines descriptors;
+        std::vector<int> during;
+        {
+            const ClosedStandard closed(set);
+            results[0] = exec("show descriptors");
+            descriptors = output();
+            Settings settings;
+            settings.input = "text";
+            results[1] = exec("show input", settings);
+            results[2] = output() == Lines({"text"}) ? 0 : 1;
+            during = ClosedStandard::open();
+        }
+        EXPECT_THAT(results, testing::Each(0));
+        EXPECT_EQ(during.size(), 3 - set.size());
+        EXPECT_THAT(descriptors,
+                    ElementsAre("0 /dev/null", StartsWith("1 pipe:"), StartsWith("2 pipe:")));
+    }
+}
+
+TEST_F(ExecHost, WithADescriptorLimitOf20000)
+{
+    const DescriptorLimit limit(20000);
+    ASSERT_TRUE(limit.granted());
+    const int last = fcntl(0, F_DUPFD, 19999);
+    ASSERT_EQ(last, 19999);
+    EXPECT_EQ(exec("show descriptors"), 0);
+    EXPECT_EQ(output().size(), 3);
+    close(last);
+    expectEveryEnding();
+}
+
+TEST_F(ExecHost, With100000OpenDescriptorsOrAsManyAsItMay)
+{
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const DescriptorLimit wanted(100100);
+    const DescriptorLimit granted(wanted.granted() ? 100100 : before.rlim_max);
+    std::vector<int> descriptors((wanted.granted() ? 100100 : before.rlim_max) - 100);
+    for (int& descriptor : descriptors)
+        descriptor = dup(0);
+    EXPECT_GE(descriptors.back(), descriptors.size());
+    EXPECT_EQ(exec("show descriptors"), 0);
+    EXPECT_EQ(output().size(), 3);
+    expectEveryEnding();
+    for (const int descriptor : descriptors)
+        close(descriptor);
+}
+
+TEST_F(ExecHost, WithoutEnoughDescriptorsLeft)
+{
+    int refused = 0;
+    int result = -1;
+    for (rlim_t left = 0; left < 20 && result != 0; ++left) {
+        std::string reason;
+        {
+            const int next = dup(0);
+            close(next);
+            const DescriptorLimit limit(static_cast<rlim_t>(next) + left);
+            try {
+                result = exec("exit_with 0");
+            } catch (const koze_pdk_4_4::EZeExecPipe& caught) {
+                reason = caught.what();
+            }
+        }
+        if (result != 0) {
+            ++refused;
+            EXPECT_THAT(reason, testing::EndsWith(": Too many open files"));
+            expectNoChild();
+        }
+    }
+    EXPECT_EQ(result, 0);
+    EXPECT_GT(refused, 3);
+}
+
+TEST_F(ExecHost, WithThreadsThatRunProgramsTheirOwnWay)
+{
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int number = 0; number < 8; ++number) {
+        threads.emplace_back([this, number, &wrong] {
+            const std::string text = "text" + std::to_string(number);
+            for (int i = 0; i < 25; ++i) {
+                koze_pdk_4_4::CZeExecPipePosix runner(1);
+                Lines lines;
+                const int result = runner.Exec(
+                    commandLine("print " + std::to_string(number) + " 1 " + text + "\\n"), lines,
+                    "", 60, "", mark(), "");
+                if (result != number || lines != Lines({text}))
+                    ++wrong;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(ExecHost, InAStormOfInterruptions)
+{
+    static std::atomic<int> interruptions;
+    interruptions = 0;
+    const Handler handler(SIGALRM, [](int) { ++interruptions; });
+    const itimerval storm{{0, 200}, {0, 200}};
+    setitimer(ITIMER_REAL, &storm, nullptr);
+    expectEveryEnding();
+    Settings second;
+    second.limit = 1;
+    second.input = std::string(1 << 20, 'x');
+    EXPECT_EQ(exec("hang", second), CZeExecPipeBase::deadlinePassed);
+    EXPECT_GE(took(), std::chrono::seconds(1));
+    const itimerval calm{};
+    setitimer(ITIMER_REAL, &calm, nullptr);
+    EXPECT_GT(interruptions, 1000);
+}
+
+TEST_F(ExecHost, WithoutRoomForAnotherProcess)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can become a user with a process already";
+    // In a process of its own: there is no way back.
+    EXPECT_EXIT(
+        {
+            const rlimit none{};
+            setrlimit(RLIMIT_NPROC, &none);
+            const int given = setresuid(65534, 65534, 65534);
+            fprintf(stderr, "%d %s", given, refusal("/bin/true").c_str());
+            _exit(0);
+        },
+        testing::ExitedWithCode(0),
+        "0 cannot run /bin/true: cannot start a process: Resource temporarily unavailable");
+}
+
+TEST_F(ExecHost, ThatCancelsTheThread)
+{
+    std::atomic<bool> started{false};
+    int result = -1;
+    std::thread thread([&] {
+        started = true;
+        result = exec("close_early");
+        pthread_testcancel();
+        result = -2;
+    });
+    while (!started) {
+    }
+    pthread_cancel(thread.native_handle());
+    thread.join();
+    EXPECT_EQ(result, 7);
+}
+
+} // namespace

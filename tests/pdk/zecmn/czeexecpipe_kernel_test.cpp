@@ -1,0 +1,398 @@
+// The runner on kernels that lack something, or fail at something. System calls go through the
+// functions defined here; each test says which of them to deny.
+#include "pdk/include/czeexecpipe.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <cstdarg>
+#include <map>
+#include <thread>
+
+#include <dlfcn.h>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/syscall.h>
+
+#include "exec_test.h"
+#include "pdk/zecmn/run.h"
+
+namespace {
+
+/// What the kernel of a test lacks, and what was asked of it.
+struct Kernel {
+    std::map<long, int> deniedCalls; // number and errno's value
+    bool hasPidfd = true;
+    bool waitsByPidfd = true;
+    int exitInformationAfter = 0; // looks in vain before it is there
+    bool keepsExitInformation = true;
+    bool sends = true;
+    bool executes = true;
+
+    std::atomic<int> asked{0}; // how often the kernel denied something
+    std::vector<std::pair<pid_t, int>> killed;
+    pid_t sibling = 0; // 0: none wanted; -1: wanted
+};
+
+Kernel* kernel;
+
+template <class Function>
+Function* real(const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+// Looked up before any child, which must not look anything up, shares this memory.
+auto* const realClone = real<int(int (*)(void*), void*, int, void*, ...)>("clone");
+auto* const realSyscall = real<long(long, ...)>("syscall");
+auto* const realIoctl = real<int(int, unsigned long, ...)>("ioctl");
+auto* const realWaitid = real<int(idtype_t, id_t, siginfo_t*, int)>("waitid");
+auto* const realKill = real<int(pid_t, int)>("kill");
+
+constexpr unsigned int pidfdInfo = 11;
+constexpr std::uint64_t exitBit = 1U << 3;
+
+int deny(int error)
+{
+    ++kernel->asked;
+    errno = error;
+    return -1;
+}
+
+} // namespace
+
+extern "C" int clone(int (*function)(void*), void* stack, int flags, void* argument, ...) noexcept
+{
+    va_list arguments;
+    va_start(arguments, argument);
+    void* pidfd = va_arg(arguments, void*);
+    void* storage = va_arg(arguments, void*);
+    void* cleared = va_arg(arguments, void*);
+    va_end(arguments);
+    if (kernel != nullptr && !kernel->hasPidfd) {
+        ++kernel->asked;
+        flags &= ~CLONE_PIDFD;
+    }
+    if (kernel != nullptr && kernel->sibling < 0) {
+        kernel->sibling = fork();
+        while (kernel->sibling == 0)
+            pause();
+    }
+    return realClone(function, stack, flags, argument, pidfd, storage, cleared);
+}
+
+/// Called by children too.
+extern "C" long syscall(long number, ...) noexcept
+{
+    va_list list;
+    va_start(list, number);
+    long a[6];
+    for (long& argument : a)
+        argument = va_arg(list, long);
+    va_end(list);
+    if (kernel != nullptr) {
+        const auto denied = kernel->deniedCalls.find(number);
+        if (denied != kernel->deniedCalls.end())
+            return deny(denied->second);
+        if (number == SYS_pidfd_send_signal && !kernel->sends)
+            return 0;
+        const timespec moment{0, 1000000};
+        while (number == SYS_execve && !*const_cast<volatile bool*>(&kernel->executes))
+            realSyscall(SYS_nanosleep, &moment, nullptr);
+    }
+    return realSyscall(number, a[0], a[1], a[2], a[3], a[4], a[5]);
+}
+
+extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept
+{
+    va_list arguments;
+    va_start(arguments, request);
+    void* argument = va_arg(arguments, void*);
+    va_end(arguments);
+    const bool asksForExit =
+        kernel != nullptr && _IOC_NR(request) == pidfdInfo && _IOC_TYPE(request) == 0xff;
+    if (asksForExit && !kernel->keepsExitInformation)
+        return deny(ENOTTY);
+    const int result = realIoctl(descriptor, request, argument);
+    if (asksForExit && result == 0 && kernel->exitInformationAfter > 0) {
+        --kernel->exitInformationAfter;
+        ++kernel->asked;
+        *static_cast<std::uint64_t*>(argument) &= ~exitBit;
+    }
+    return result;
+}
+
+extern "C" int waitid(idtype_t type, id_t id, siginfo_t* info, int options)
+{
+    if (kernel != nullptr && type == P_PIDFD && !kernel->waitsByPidfd)
+        return deny(EINVAL);
+    return realWaitid(type, id, info, options);
+}
+
+extern "C" int kill(pid_t pid, int signal) noexcept
+{
+    if (kernel != nullptr) {
+        kernel->killed.emplace_back(pid, signal);
+        if (!kernel->sends)
+            return 0;
+    }
+    return realKill(pid, signal);
+}
+
+/// A plan that is left to a child which cannot be ended.
+extern "C" const char* __lsan_default_suppressions() // NOLINT(bugprone-reserved-identifier)
+{
+    return "leak:koze_pdk_4_4::runner::run";
+}
+
+namespace {
+
+using koze_pdk_4_4::CZeExecPipeBase;
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::Pair;
+using testing::StartsWith;
+
+class ExecKernel : public ExecTest {
+protected:
+    ExecKernel() { kernel = &m_kernel; }
+    ~ExecKernel() override { kernel = nullptr; }
+
+    void expectDenied() const { EXPECT_GT(m_kernel.asked, 0); }
+
+    void expectEveryEnding()
+    {
+        EXPECT_EQ(exec("print 0 1 a\\n"), 0);
+        EXPECT_EQ(output(), Lines({"a"}));
+        EXPECT_EQ(exec("exit_with 3"), 3);
+        EXPECT_EQ(exec("die_by 9"), 1009);
+        EXPECT_EQ(exec("leave_child 4"), 4);
+        EXPECT_EQ(exec("close_early"), 7);
+        EXPECT_EQ(exec("lines 1 67108864"), CZeExecPipeBase::boundExceeded);
+        EXPECT_NE(refusal("/no/such/program"), "");
+        expectUnrulyOnesEnd();
+    }
+
+    Kernel m_kernel;
+};
+
+TEST_F(ExecKernel, WithoutPidfds)
+{
+    m_kernel.hasPidfd = false;
+    expectEveryEnding();
+    expectDenied();
+}
+
+TEST_F(ExecKernel, WithPidfdsThatCannotBeWaitedFor)
+{
+    m_kernel.waitsByPidfd = false;
+    expectEveryEnding();
+    expectDenied();
+}
+
+TEST_F(ExecKernel, ThatSignalsNoGroupByPidfd)
+{
+    m_kernel.deniedCalls[SYS_pidfd_send_signal] = EINVAL;
+    expectEveryEnding();
+    expectDenied();
+}
+
+TEST_F(ExecKernel, BeforeCloseRange)
+{
+    m_kernel.deniedCalls[SYS_close_range] = ENOSYS;
+    std::vector<int> many(500);
+    for (int& descriptor : many)
+        descriptor = dup(0);
+    EXPECT_EQ(exec("show descriptors"), 0);
+    for (const int descriptor : many)
+        close(descriptor);
+    EXPECT_THAT(output(), ElementsAre("0 /dev/null", StartsWith("1 pipe:"), StartsWith("2 pipe:")));
+    expectDenied();
+}
+
+TEST_F(ExecKernel, BeforeAllOfIt)
+{
+    m_kernel.hasPidfd = false;
+    m_kernel.keepsExitInformation = false;
+    m_kernel.deniedCalls[SYS_pidfd_send_signal] = ENOSYS;
+    m_kernel.deniedCalls[SYS_close_range] = ENOSYS;
+    expectEveryEnding();
+}
+
+/// Ignores SIGCHLD, so that the kernel reaps every child.
+class ExecKernelThatReaps : public ExecKernel {
+protected:
+    ExecKernelThatReaps() { std::signal(SIGCHLD, SIG_IGN); }
+    ~ExecKernelThatReaps() override { std::signal(SIGCHLD, SIG_DFL); }
+
+    void TearDown() override
+    {
+        std::signal(SIGCHLD, SIG_DFL);
+        ExecKernel::TearDown();
+    }
+
+    void expectUnknown()
+    {
+        EXPECT_EQ(exec("exit_with 0"), CZeExecPipeBase::statusUnknown);
+        EXPECT_EQ(exec("print 3 1 a\\n"), CZeExecPipeBase::statusUnknown);
+        EXPECT_EQ(output(), Lines({"a"}));
+        EXPECT_EQ(exec("die_by 9"), CZeExecPipeBase::statusUnknown);
+    }
+};
+
+TEST_F(ExecKernelThatReaps, AndKeepsNoStatus)
+{
+    m_kernel.keepsExitInformation = false;
+    expectUnknown();
+    expectDenied();
+}
+
+TEST_F(ExecKernelThatReaps, AndHasNoPidfds)
+{
+    m_kernel.hasPidfd = false;
+    expectUnknown();
+}
+
+TEST_F(ExecKernelThatReaps, AndKeepsTheStatusALittleLater)
+{
+    m_kernel.exitInformationAfter = 3;
+    const int result = exec("exit_with 3");
+    if (result == CZeExecPipeBase::statusUnknown)
+        GTEST_SKIP() << "this kernel keeps no status";
+    EXPECT_EQ(result, 3);
+    EXPECT_EQ(m_kernel.asked, 3);
+}
+
+TEST_F(ExecKernelThatReaps, AndNeverGetsRoundToTheStatus)
+{
+    m_kernel.exitInformationAfter = 1000000;
+    EXPECT_EQ(exec("exit_with 0"), CZeExecPipeBase::statusUnknown);
+    EXPECT_LT(took(), 20s);
+}
+
+TEST_F(ExecKernelThatReaps, IsNotAskedToSignalByANumberThatMayMeanSomethingElse)
+{
+    m_kernel.deniedCalls[SYS_pidfd_send_signal] = EINVAL;
+    const std::string file = testing::TempDir() + mark();
+    Settings second;
+    second.limit = 1;
+    EXPECT_EQ(exec("tidy_up " + file, second), CZeExecPipeBase::deadlinePassed);
+    EXPECT_EQ(unlink(file.c_str()), 0);
+    expectDenied();
+    // The leader has gone with SIGTERM. Signal 0 is none.
+    ASSERT_GE(m_kernel.killed.size(), 2);
+    EXPECT_EQ(m_kernel.killed[0].second, SIGTERM);
+    EXPECT_EQ(m_kernel.killed[1].second, SIGCONT);
+    for (std::size_t i = 2; i < m_kernel.killed.size(); ++i)
+        EXPECT_EQ(m_kernel.killed[i].second, 0);
+}
+
+TEST_F(ExecKernel, SignalsNothingButTheProgramsGroup)
+{
+    m_kernel.hasPidfd = false;
+    Settings second;
+    second.limit = 1;
+    EXPECT_EQ(exec("hang", second), CZeExecPipeBase::deadlinePassed);
+    ASSERT_FALSE(m_kernel.killed.empty());
+    const pid_t group = m_kernel.killed.front().first;
+    EXPECT_LT(group, -1);
+    for (const auto& [pid, signal] : m_kernel.killed)
+        EXPECT_EQ(pid, group);
+}
+
+TEST_F(ExecKernel, WithAProcessThatKeepsAllThatWasOpenAtTheStart)
+{
+    // Another thread of the host has forked at the worst moment.
+    m_kernel.sibling = -1;
+    EXPECT_EQ(exec("print 3 1 a\\n"), 3);
+    EXPECT_EQ(output(), Lines({"a"}));
+    EXPECT_LT(took(), 30s);
+    realKill(m_kernel.sibling, SIGKILL);
+    EXPECT_EQ(waitpid(m_kernel.sibling, nullptr, 0), m_kernel.sibling);
+}
+
+TEST_F(ExecKernel, SaysWhichStepItFailedAt)
+{
+    const std::vector<std::pair<long, std::string>> steps = {
+        {SYS_setpgid, "cannot lead a process group: Input/output error"},
+        {SYS_dup3, "cannot place its streams: Input/output error"},
+        {SYS_setgroups, "cannot become its user: Input/output error"},
+        {SYS_setresgid, "cannot become its user: Input/output error"},
+        {SYS_setresuid, "cannot become its user: Input/output error"},
+        {SYS_chdir, "cannot enter its directory: Input/output error"},
+        {SYS_execve, "it cannot be executed: Input/output error"}};
+    Settings settings;
+    settings.directory = "/";
+    settings.user = "root";
+    for (const auto& [number, text] : steps) {
+        m_kernel.deniedCalls = {{number, EIO}};
+        EXPECT_EQ(refusal("/bin/true", settings), "cannot run /bin/true: " + text);
+    }
+    for (const long number : {SYS_openat, SYS_getdents64}) {
+        m_kernel.deniedCalls = {{SYS_close_range, ENOSYS}, {number, EIO}};
+        EXPECT_EQ(refusal("/bin/true"),
+                  "cannot run /bin/true: cannot close the host's descriptors: Input/output error");
+    }
+}
+
+/// Runs a program with a limit of 300 milliseconds.
+int runBriefly(const std::string& command)
+{
+    koze_pdk_4_4::runner::Program program;
+    program.arguments = koze_pdk_4_4::runner::splitCommand(commandLine(command));
+    Lines output;
+    Lines errors;
+    return koze_pdk_4_4::runner::run(program, "", {300ms, 60s, 1000, 1000}, output, errors);
+}
+
+TEST_F(ExecKernel, ThatDoesNotGetRoundToStartingTheProgram)
+{
+    m_kernel.executes = false;
+    for (const bool hasPidfd : {true, false}) {
+        m_kernel.hasPidfd = hasPidfd;
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(runBriefly("exit_with 0"), CZeExecPipeBase::deadlinePassed);
+        EXPECT_GE(std::chrono::steady_clock::now() - start, 300ms);
+        expectNoChild();
+    }
+}
+
+TEST_F(ExecKernel, ThatCannotEndAProgramLeavesItItsMemory)
+{
+    m_kernel.executes = false;
+    m_kernel.sends = false;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(runBriefly("exit_with 5"), CZeExecPipeBase::deadlinePassed);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 1300ms);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
+    // Whatever has been freed is used for something else by now.
+    std::vector<std::vector<char>> others;
+    for (std::size_t size = 16; size < 256 << 10; size += size / 4)
+        others.emplace_back(size, 'x');
+    m_kernel.executes = true;
+    int status = 0;
+    EXPECT_GT(waitpid(-1, &status, 0), 0);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 5);
+}
+
+TEST_F(ExecKernel, ThatCannotEndAStartedProgramDoesNotHoldTheHostUp)
+{
+    m_kernel.sends = false;
+    EXPECT_EQ(runBriefly("close_early"), 7);
+    koze_pdk_4_4::runner::Program program;
+    program.arguments = koze_pdk_4_4::runner::splitCommand(commandLine("hang"));
+    program.environment = {mark()};
+    Lines output;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(koze_pdk_4_4::runner::run(program, "", {300ms, 300ms, 1000, 1000}, output, output),
+              CZeExecPipeBase::deadlinePassed);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
+    m_kernel.sends = true;
+    for (const std::string& left : processesWith(mark()))
+        realKill(std::stoi(left), SIGKILL);
+    EXPECT_GT(waitpid(-1, nullptr, 0), 0);
+}
+
+} // namespace

@@ -1,0 +1,76 @@
+#ifndef EXEC_TEST_H
+#define EXEC_TEST_H
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "pdk/include/czeexecpipe.h"
+#include "pdk/zecmn/run.h"
+#include "runs_programs.h"
+
+using Lines = std::vector<std::string>;
+
+/// The optional settings of a run.
+struct Settings {
+    int streams = 1;
+    std::string directory;
+    unsigned long limit = 60;
+    std::string user;
+    std::string environment;
+    std::string input;
+};
+
+/// Base of the tests that run helper programs through the library.
+class ExecTest : public RunsPrograms {
+protected:
+    int exec(const std::string& command, const Settings& settings = {})
+    {
+        koze_pdk_4_4::CZeExecPipePosix runner(settings.streams);
+        runner.registerTraceLog(m_log);
+        const auto start = std::chrono::steady_clock::now();
+        m_output.clear();
+        const int result =
+            runner.Exec(commandLine(command), m_output, settings.directory, settings.limit,
+                        settings.user, mark() + '\n' + settings.environment, settings.input);
+        m_took = std::chrono::steady_clock::now() - start;
+        return result;
+    }
+
+    /// The message of the exception that the run ends in; empty when there is none.
+    std::string refusal(const std::string& command, const Settings& settings = {})
+    {
+        try {
+            exec(command, settings);
+            return {};
+        } catch (const koze_pdk_4_4::EZeExecPipe& reason) {
+            return reason.what();
+        }
+    }
+
+    /// Runs a program that ignores SIGTERM, with a child, past a bound and a grace of 100 ms.
+    void expectUnrulyOnesEnd()
+    {
+        koze_pdk_4_4::runner::Program unruly;
+        unruly.arguments = {commandLine("ignore_term")};
+        unruly.environment = {mark()};
+        Lines lines;
+        EXPECT_EQ(koze_pdk_4_4::runner::run(unruly, "", briefly, lines, lines),
+                  koze_pdk_4_4::CZeExecPipeBase::boundExceeded);
+        expectNobodyLeft();
+    }
+
+    const Lines& output() const { return m_output; }
+    std::chrono::steady_clock::duration took() const { return m_took; }
+    void traceTo(const koze_pdk_4_4::CZeTraceLogHandle& log) { m_log = log; }
+
+private:
+    static constexpr koze_pdk_4_4::runner::Limits briefly{std::chrono::seconds(60),
+                                                          std::chrono::milliseconds(100), 1000, 4};
+
+    Lines m_output;
+    std::chrono::steady_clock::duration m_took{};
+    koze_pdk_4_4::CZeTraceLogHandle m_log;
+};
+
+#endif

@@ -1,0 +1,117 @@
+#ifndef RUNS_PROGRAMS_H
+#define RUNS_PROGRAMS_H
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+/// The command line of a helper program of programs/; a path stays as it is.
+inline std::string commandLine(const std::string& command)
+{
+    return command.empty() || command.front() == '/' ? command : PROGRAMS "/" + command;
+}
+
+inline std::string contentsOf(const std::filesystem::path& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The processes that have `variable`, NAME=VALUE, in the environment they were started with.
+inline std::vector<std::string> processesWith(const std::string& variable)
+{
+    std::vector<std::string> found;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc", error)) {
+        const std::string environment = '\0' + contentsOf(entry.path() / "environ");
+        if (environment.find('\0' + variable + '\0') != std::string::npos)
+            found.push_back(entry.path().filename().string());
+    }
+    return found;
+}
+
+/// The numbers of this process's open descriptors.
+inline std::set<std::string> openDescriptors()
+{
+    std::set<std::string> numbers;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        const std::string file = std::filesystem::read_symlink(entry, error).string();
+        if (file.find("/fd") == std::string::npos)
+            numbers.insert(entry.path().filename().string() + " " + file);
+    }
+    return numbers;
+}
+
+/// The signals that this thread blocks, and those that the process handles or ignores.
+inline std::vector<std::string> signalState()
+{
+    std::vector<std::string> state;
+    sigset_t blocked;
+    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    for (int signal = 1; signal < 65; ++signal) {
+        struct sigaction action {};
+        sigaction(signal, nullptr, &action);
+        if (sigismember(&blocked, signal) == 1)
+            state.push_back(std::to_string(signal) + " blocked");
+        if (action.sa_handler != SIG_DFL)
+            state.push_back(std::to_string(signal) + " handled");
+    }
+    return state;
+}
+
+/// Base of the tests that run programs: each must leave the host as it found it.
+class RunsPrograms : public testing::Test {
+protected:
+    /// A variable for the programs' environment, by which their processes are found. No other test
+    /// has the same, though others may run at the same time.
+    const std::string& mark() const { return m_mark; }
+
+    /// What a program leaves in the background on purpose ends when nobody reads it any more.
+    void TearDown() override
+    {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!processesWith(m_mark).empty() && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        EXPECT_EQ(processesWith(m_mark), std::vector<std::string>());
+        EXPECT_EQ(openDescriptors(), m_descriptors);
+        EXPECT_EQ(signalState(), m_signals);
+        EXPECT_EQ(std::filesystem::current_path(), m_directory);
+        EXPECT_EQ(prctl(PR_GET_DUMPABLE), m_dumpable);
+        expectNoChild();
+    }
+
+    /// Nobody is left right now, without a moment of patience.
+    void expectNobodyLeft() const { EXPECT_EQ(processesWith(m_mark), std::vector<std::string>()); }
+
+    /// Neither running nor ended.
+    static void expectNoChild()
+    {
+        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+        EXPECT_EQ(errno, ECHILD);
+    }
+
+private:
+    std::string m_mark =
+        "RUNNER_TEST=" + std::to_string(getpid()) + "_" +
+        std::to_string(std::chrono::steady_clock::now().time_since_epoch().count());
+    std::set<std::string> m_descriptors = openDescriptors();
+    std::vector<std::string> m_signals = signalState();
+    std::filesystem::path m_directory = std::filesystem::current_path();
+    int m_dumpable = prctl(PR_GET_DUMPABLE);
+};
+
+#endif
