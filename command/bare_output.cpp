@@ -1,0 +1,13 @@
+#include "bare_output.h"
+
+namespace command {
+
+void BareOutput::write(const Row& row)
+{
+    const Row& field = row.at(m_column.key);
+    if (!field.is_null())
+        m_output.write(cellText(field));
+    m_output.write("\n");
+}
+
+} // namespace command

@@ -1,0 +1,134 @@
+#include "command_line.h"
+
+#include <memory>
+#include <string>
+
+#include "columns.h"
+
+namespace {
+
+constexpr char globalFooter[] =
+    R"(The library looks at names only: a path need not exist. Options may stand before
+and behind the subcommand. JSON is {"schema": 1, ARRAY: [...]}; bytes of names
+that are not UTF-8 become U+FFFD there.
+
+Exit status:
+   0  every path is claimed, or none was asked about
+  32  no path is claimed
+  64  some paths are claimed, some are not
+   1  input or output failed
+   2  the command line is wrong; nothing was done)";
+
+constexpr char pathHelp[] = "Device paths; '-' reads them from standard input, one a\n"
+                            "line, or NUL-separated if a NUL is met before a line end";
+constexpr char rowsFooter[] =
+    R"(PARTNUM is '-' for a whole disk, and for a device-mapper partition, whose number
+the library does not read back.)";
+constexpr char bareFooter[] = "Answers are printed bare, a line each: an empty line when nobody "
+                              "claims.\nWith -o they come as a table.";
+
+constexpr char sharedFooter[] =
+    "-J, -o, -n, -r, --trace and the exit status: see 'dmpclaim --help'.";
+
+/// Shows what follows an option's name as it is declared.
+class HelpFormatter : public CLI::Formatter {
+public:
+    HelpFormatter() { column_width(24); }
+
+    std::string make_option_name(const CLI::Option* option, bool isPositional) const override
+    {
+        const std::string name = Formatter::make_option_name(option, isPositional);
+        return name.substr(0, name.find('{'));
+    }
+
+    std::string make_option_opts(const CLI::Option* option) const override
+    {
+        return option->get_option_text();
+    }
+};
+
+void addFlag(CLI::App& app, const char* names, const char* help)
+{
+    app.add_flag(names)->description(help)->disable_flag_override();
+}
+
+void addGlobalOptions(CLI::App& app)
+{
+    addFlag(app, "-J,--json", "Print JSON");
+    app.add_option("-o,--output")
+        ->option_text(" LIST")
+        ->description("Columns to show, separated by commas; with '+' in\n"
+                      "front, besides the usual ones")
+        ->take_last();
+    addFlag(app, "-n,--noheadings", "Print no headings");
+    addFlag(app, "-r,--raw",
+            "Do not align columns; blanks and unprintable bytes in\n"
+            "names become \\xNN");
+    app.add_flag("--trace{6}")
+        ->option_text("[=LEVEL]")
+        ->description("Print the library's trace lines to standard error, up\n"
+                      "to a level from 1 to 6, which is all of them")
+        ->take_last();
+    app.add_option("--trace-file")
+        ->option_text(" FILE")
+        ->description("Append trace lines to a file instead")
+        ->take_last();
+}
+
+/// `columns` is null for a subcommand that prints no table.
+CLI::App* addSubcommand(CLI::App& app, const char* name, const char* help, std::string footer,
+                        const command::ColumnSet* columns)
+{
+    CLI::App* subcommand = app.add_subcommand(name, help);
+    if (columns != nullptr)
+        footer += "\n\nColumns: " + command::headings(columns->all) + "\n\n";
+    subcommand->footer(footer + sharedFooter);
+    return subcommand;
+}
+
+void addPaths(CLI::App* subcommand)
+{
+    subcommand->add_option("PATH")
+        ->option_text(" ...")
+        ->description(pathHelp)
+        ->required()
+        ->expected(1, CLI::detail::expected_max_vector_size)
+        ->allow_extra_args();
+    addFlag(*subcommand, "-0,--null", "Paths on standard input are NUL-separated");
+}
+
+void addSubcommands(CLI::App& app)
+{
+    using namespace command;
+    addSubcommand(app, "list", "Show this machine's block devices", rowsFooter, &deviceColumns());
+    addPaths(addSubcommand(app, "show", "Show who owns paths, and what they name", rowsFooter,
+                           &deviceColumns()));
+    addPaths(addSubcommand(app, "explain", "Tell why, and warn of ambiguous names", "", nullptr));
+    CLI::App* append = addSubcommand(app, "append", "Print the path of a partition of a disk",
+                                     bareFooter, &partitionColumns());
+    append->add_option("DISK")->description("Path of a whole disk")->required();
+    append->add_option("N")->description("Partition number, 0 to 4294967295")->required();
+    addPaths(addSubcommand(app, "strip", "Print the paths of the disks that hold partitions",
+                           bareFooter, &diskColumns()));
+    addSubcommand(app, "prefixes", "Print the path prefixes that the drivers claim", bareFooter,
+                  &prefixColumns());
+}
+
+} // namespace
+
+namespace command {
+
+void declareCommandLine(CLI::App& app)
+{
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.set_help_flag("-h,--help", "Print help and exit");
+    app.set_version_flag("-V,--version", "dmpclaim " DMPCLAIM_VERSION,
+                         "Print the version and exit");
+    app.footer(globalFooter);
+    app.require_subcommand(1);
+    app.fallthrough();
+    addGlobalOptions(app);
+    addSubcommands(app);
+}
+
+} // namespace command

@@ -1,0 +1,151 @@
+#include "commands.h"
+
+#include <memory>
+
+#include <unistd.h>
+
+#include "bare_output.h"
+#include "block_devices.h"
+#include "device_row.h"
+#include "drivers.h"
+#include "explanation.h"
+#include "explanation_output.h"
+#include "json_output.h"
+#include "path_source.h"
+#include "raw_output.h"
+#include "table_output.h"
+#include "trace.h"
+
+using namespace command;
+
+namespace {
+
+const char* jsonArray(Subcommand subcommand)
+{
+    switch (subcommand) {
+    case Subcommand::explain:
+        return "explanations";
+    case Subcommand::append:
+        return "partitions";
+    case Subcommand::strip:
+        return "disks";
+    case Subcommand::prefixes:
+        return "prefixes";
+    default:
+        return "devices";
+    }
+}
+
+std::unique_ptr<RowWriter> makeWriter(const Options& options, OutputStream& output)
+{
+    switch (options.form) {
+    case Form::json:
+        return std::make_unique<JsonOutput>(output, jsonArray(options.subcommand), options.columns);
+    case Form::raw:
+        return std::make_unique<RawOutput>(output, options.columns, options.withHeadings);
+    case Form::bare:
+        return std::make_unique<BareOutput>(output, options.columns.front());
+    case Form::text:
+        return std::make_unique<ExplanationOutput>(output);
+    default:
+        return std::make_unique<TableOutput>(output, options.columns, options.withHeadings);
+    }
+}
+
+/// Counts answers for the exit status.
+class Tally {
+public:
+    void count(bool isClaimed) { ++(isClaimed ? m_claimed : m_unclaimed); }
+
+    int exitStatus() const
+    {
+        if (m_unclaimed == 0)
+            return 0;
+        return m_claimed == 0 ? 32 : 64;
+    }
+
+private:
+    std::size_t m_claimed = 0;
+    std::size_t m_unclaimed = 0;
+};
+
+/// One run of the command.
+class Run {
+public:
+    Run(const Options& options, OutputStream& output)
+        : m_options(options), m_output(output), m_log(openTraceLog(options.trace)),
+          m_modules(makeModules(m_log)), m_writer(makeWriter(options, output))
+    {
+        m_manager.registerTraceLog(m_log);
+    }
+
+    int run()
+    {
+        switch (m_options.subcommand) {
+        case Subcommand::list:
+            list();
+            break;
+        case Subcommand::append:
+            write(partitionRow(m_manager, m_options.paths.front(), m_options.partnum));
+            break;
+        case Subcommand::prefixes:
+            prefixes();
+            break;
+        default:
+            answerPaths();
+        }
+        m_writer->finish();
+        m_output.flush();
+        return m_tally.exitStatus();
+    }
+
+private:
+    void write(const Row& row)
+    {
+        m_tally.count(!row["owner"].is_null());
+        m_writer->write(row);
+    }
+
+    void list()
+    {
+        for (const std::string& path : blockDevices("/sys/class/block", "/dev"))
+            write(deviceRow(m_manager, path));
+    }
+
+    void answerPaths()
+    {
+        LineReader lines(STDIN_FILENO, [this] { m_output.flush(); });
+        if (m_options.nulSeparated)
+            lines.setSeparator('\0');
+        PathSource paths(m_options.paths, std::move(lines));
+        const bool explains = m_options.subcommand == Subcommand::explain;
+        while (const std::optional<std::string> path = paths.next())
+            write(explains ? explanation(m_manager, m_modules, *path)
+                           : deviceRow(m_manager, *path));
+    }
+
+    void prefixes()
+    {
+        for (const std::string& prefix : m_manager.getDeviceClaimStrings())
+            write(prefixRow(m_modules, prefix));
+    }
+
+    const Options& m_options;
+    OutputStream& m_output;
+    koze_pdk_4_4::CZeTraceLogHandle m_log;
+    CDmpClaimManager m_manager;
+    std::vector<std::unique_ptr<CDmpDeviceClaimBase>> m_modules;
+    std::unique_ptr<RowWriter> m_writer;
+    Tally m_tally;
+};
+
+} // namespace
+
+namespace command {
+
+int runCommand(const Options& options, OutputStream& output)
+{
+    return Run(options, output).run();
+}
+
+} // namespace command

@@ -1,0 +1,30 @@
+#ifndef JSON_OUTPUT_H
+#define JSON_OUTPUT_H
+
+#include "output_stream.h"
+#include "row_writer.h"
+
+namespace command {
+
+/// Writes all rows as one document when the last has come:
+///
+///     { "schema": 1, ARRAY: [ { KEY: FIELD, ... }, ... ] }
+///
+/// Bytes that are not UTF-8 become U+FFFD.
+class JsonOutput : public RowWriter {
+public:
+    /// Writes the fields of `columns`, or whole rows when there are none.
+    JsonOutput(OutputStream& output, const char* array, std::vector<Column> columns);
+    void write(const Row& row) override;
+    void finish() override;
+
+private:
+    OutputStream& m_output;
+    const char* m_array;
+    std::vector<Column> m_columns;
+    nlohmann::ordered_json m_document;
+};
+
+} // namespace command
+
+#endif

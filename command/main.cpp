@@ -1,0 +1,62 @@
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "options.h"
+#include "printable.h"
+#include "usage_error.h"
+
+namespace {
+
+constexpr int failed = 1;
+constexpr int badUsage = 2;
+
+/// A reader that goes away ends the command quietly, also when its parent ignores the signal or
+/// holds it back.
+void restoreBrokenPipeSignal()
+{
+    std::signal(SIGPIPE, SIG_DFL); // NOLINT(cert-err33-c): cannot fail for this signal
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    sigprocmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+void complain(const std::string& text)
+{
+    std::fprintf(stderr, "dmpclaim: %s\n", command::printable(text).c_str());
+}
+
+int run(const std::vector<std::string>& arguments)
+{
+    command::OutputStream output(stdout);
+    const auto wanted = command::parseOptions(arguments);
+    if (const auto* options = std::get_if<command::Options>(&wanted))
+        return command::runCommand(*options, output);
+    output.write(std::get<command::Information>(wanted));
+    output.flush();
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    restoreBrokenPipeSignal();
+    std::setlocale(LC_CTYPE, "");
+    try {
+        return run({argv + 1, argv + argc});
+    } catch (const command::UsageError& error) {
+        complain(error.what());
+        const std::string subcommand = error.subcommand().empty() ? "" : error.subcommand() + ' ';
+        std::fprintf(stderr, "Try 'dmpclaim %s--help' for more information.\n", subcommand.c_str());
+        return badUsage;
+    } catch (const std::exception& error) {
+        complain(error.what());
+        return failed;
+    }
+}

@@ -1,0 +1,29 @@
+#include "output_stream.h"
+
+#include <cerrno>
+#include <system_error>
+
+namespace {
+
+[[noreturn]] void fail()
+{
+    throw std::system_error(errno, std::generic_category(), "cannot write to standard output");
+}
+
+} // namespace
+
+namespace command {
+
+void OutputStream::write(std::string_view bytes)
+{
+    if (std::fwrite(bytes.data(), 1, bytes.size(), m_stream) != bytes.size())
+        fail();
+}
+
+void OutputStream::flush()
+{
+    if (std::fflush(m_stream) != 0)
+        fail();
+}
+
+} // namespace command

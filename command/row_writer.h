@@ -1,0 +1,31 @@
+#ifndef ROW_WRITER_H
+#define ROW_WRITER_H
+
+#include <string>
+#include <vector>
+
+#include "columns.h"
+#include "row.h"
+
+namespace command {
+
+/// Writes rows in one form, each as early as the form allows. Throws what OutputStream throws.
+class RowWriter {
+public:
+    RowWriter() = default;
+    RowWriter(const RowWriter&) = delete;
+    RowWriter& operator=(const RowWriter&) = delete;
+    virtual ~RowWriter() = default;
+
+    virtual void write(const Row& row) = 0;
+
+    /// Writes what is still held back. Called once, behind the last row.
+    virtual void finish() {}
+};
+
+/// A field as tables show it: text unaltered, "yes" and "no", "-" for null.
+std::string cellText(const Row& field);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,38 @@
+#ifndef TABLE_OUTPUT_H
+#define TABLE_OUTPUT_H
+
+#include <memory>
+
+#include "output_stream.h"
+#include "row_writer.h"
+
+struct libscols_table;
+
+namespace command {
+
+/// Writes rows as an aligned table for people, headings first.
+///
+/// Rows go out in batches, so that memory does not grow with their number. Columns only get wider
+/// from one batch to the next. A row with a very long field goes out as it is, so that it widens
+/// no other.
+class TableOutput : public RowWriter {
+public:
+    TableOutput(OutputStream& output, std::vector<Column> columns, bool withHeadings);
+    void write(const Row& row) override;
+    void finish() override { writeBatch(); }
+
+private:
+    using Cells = std::vector<std::string>;
+
+    void add(const Cells& cells);
+    void writeBatch();
+    void writeAlone(const Cells& cells);
+
+    OutputStream& m_output;
+    std::vector<Column> m_columns;
+    std::unique_ptr<libscols_table, void (*)(libscols_table*)> m_batch;
+};
+
+} // namespace command
+
+#endif

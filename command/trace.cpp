@@ -1,0 +1,37 @@
+#include "trace.h"
+
+#include <system_error>
+
+#include "pdk/include/czetracesink.h"
+#include "usage_error.h"
+
+using namespace koze_pdk_4_4;
+
+namespace {
+
+CZeTraceSinkHandle openSink(int level, const std::optional<std::string>& file)
+{
+    if (!file)
+        return new CZeTraceStderrSink(level);
+    try {
+        return new CZeTraceFileSink(level, *file);
+    } catch (const std::system_error& error) {
+        throw command::UsageError("cannot write trace file '" + *file +
+                                  "': " + error.code().message());
+    }
+}
+
+} // namespace
+
+namespace command {
+
+CZeTraceLogHandle openTraceLog(const TraceOptions& options)
+{
+    if (!options.level && !options.file)
+        return {};
+    CZeTraceLogHandle log = new CZeTraceLog;
+    log->setSink(openSink(options.level.value_or(CZeTraceSink::everything), options.file));
+    return log;
+}
+
+} // namespace command

@@ -1,0 +1,23 @@
+#ifndef TRACE_H
+#define TRACE_H
+
+#include <optional>
+#include <string>
+
+#include "pdk/include/czetracelog.h"
+
+namespace command {
+
+/// Which trace lines the user wants, and where.
+struct TraceOptions {
+    std::optional<int> level; // none given: all lines, if there is a file
+    std::optional<std::string> file;
+};
+
+/// The trace log that the user asked for, to the file or to standard error; an empty handle when
+/// none was. Throws UsageError when the file cannot be written.
+koze_pdk_4_4::CZeTraceLogHandle openTraceLog(const TraceOptions& options);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,169 @@
+// What each subcommand prints, and its exit status.
+#include <algorithm>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+
+#include "dmpclaim.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+constexpr char oneOfEach[] =
+    "NAME                 OWNER         CLAIM PARTITION DISK               PARTNUM\n"
+    "/dev/sdb12           native            2 yes       /dev/sdb                12\n"
+    "/dev/emcpowerc       powerpath        16 no        /dev/emcpowerc           -\n"
+    "/dev/mapper/mpathbp2 device-mapper    16 yes       /dev/mapper/mpathb       -\n"
+    "/dev/vda1            -                 0 no        -                        -\n";
+
+/// Runs the command and expects it to print `output`, no message, and to end with `status`.
+void expect(const std::vector<std::string>& arguments, const std::string& output, int status)
+{
+    const Result result = run(arguments);
+    EXPECT_EQ(result.output, output);
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(result.status, status);
+}
+
+TEST(Show, PrintsARowForEachPath)
+{
+    expect({"show", "/dev/sdb12", "/dev/emcpowerc", "/dev/mapper/mpathbp2", "/dev/vda1"}, oneOfEach,
+           64);
+}
+
+TEST(Show, TellsByItsStatusHowManyAreClaimed)
+{
+    EXPECT_EQ(run({"show", "/dev/sda", "/dev/emcpowera"}).status, 0);
+    EXPECT_EQ(run({"show", "/dev/vda", "/dev/mapper/vg-lv"}).status, 32);
+    EXPECT_EQ(run({"show", "/dev/sda", "/dev/vda"}).status, 64);
+    EXPECT_EQ(run({"show", "/dev/vda", "/dev/sda"}).status, 64);
+    EXPECT_EQ(run({"show", "-"}).status, 0);
+}
+
+TEST(Show, PrintsJson)
+{
+    EXPECT_EQ(runJson({"show", "/dev/sdb12", "/dev/vda"}).dump(),
+              R"({"schema":1,"devices":[)"
+              R"({"name":"/dev/sdb12","owner":"native","claim":2,"partition":true,)"
+              R"("disk":"/dev/sdb","partnum":12},)"
+              R"({"name":"/dev/vda","owner":null,"claim":0,"partition":false,)"
+              R"("disk":null,"partnum":null}]})");
+    EXPECT_EQ(runJson({"show", "-"}).dump(), R"({"schema":1,"devices":[]})");
+}
+
+TEST(List, PrintsTheRowsOfThisMachinesDevices)
+{
+    std::string names;
+    const auto document = runJson({"list"});
+    for (const auto& device : document["devices"])
+        names += device["name"].get<std::string>() + '\n';
+    const Result list = run({"list"});
+    const Result show = run({"show", "-"}, names);
+    EXPECT_EQ(list.output, show.output);
+    EXPECT_EQ(list.errors, "");
+    EXPECT_EQ(list.status, show.status);
+}
+
+TEST(List, HoldsEveryBlockDeviceOfTheKernel)
+{
+    const std::string output = run({"list", "-n", "-o", "NAME"}).output;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator("/sys/class/block", error)) {
+        std::string name = entry.path().filename();
+        std::replace(name.begin(), name.end(), '!', '/');
+        EXPECT_THAT(output, HasSubstr("/dev/" + name + "\n"));
+    }
+}
+
+TEST(Append, PrintsThePathOfThePartition)
+{
+    expect({"append", "/dev/mapper/mpathb", "2"}, "/dev/mapper/mpathbp2\n", 0);
+    expect({"append", "/dev/emcpowerc", "12"}, "/dev/emcpowerc12\n", 0);
+    expect({"append", "/dev/sda", "4294967295"}, "/dev/sda-1\n", 0);
+    expect({"append", "/dev/vda", "2"}, "\n", 32);
+}
+
+TEST(Append, PrintsATableOfChosenColumns)
+{
+    expect({"append", "/dev/sda", "2", "-o", "+DISK,partnum"},
+           "PATH      DISK     PARTNUM\n"
+           "/dev/sda2 /dev/sda       2\n",
+           0);
+}
+
+TEST(Append, PrintsJson)
+{
+    EXPECT_EQ(runJson({"append", "/dev/mapper/mpathb", "2"}).dump(),
+              R"({"schema":1,"partitions":[{"path":"/dev/mapper/mpathbp2",)"
+              R"("disk":"/dev/mapper/mpathb","partnum":2,"owner":"device-mapper","claim":16}]})");
+}
+
+TEST(Strip, PrintsThePathsOfTheDisks)
+{
+    expect({"strip", "/dev/mapper/mpathbp2", "/dev/sda"}, "/dev/mapper/mpathb\n/dev/sda\n", 0);
+    expect({"strip", "/dev/sda1", "/dev/vda1", "/dev/emcpowerc7"}, "/dev/sda\n\n/dev/emcpowerc\n",
+           64);
+}
+
+TEST(Strip, PrintsATableOfChosenColumns)
+{
+    expect({"strip", "/dev/sda12", "/dev/vda1", "-o", "+PARTNUM"},
+           "DISK     PARTNUM\n"
+           "/dev/sda      12\n"
+           "-              -\n",
+           64);
+}
+
+TEST(Strip, PrintsJson)
+{
+    EXPECT_EQ(runJson({"strip", "/dev/sda12", "-o", "disk"}).dump(),
+              R"({"schema":1,"disks":[{"disk":"/dev/sda"}]})");
+}
+
+TEST(Prefixes, PrintsWhatTheDriversClaim)
+{
+    expect({"prefixes"}, "/dev/mapper/\n/dev/emcpower\n/dev/sd\n", 0);
+    expect({"prefixes", "-o", "+OWNER"},
+           "PREFIX        OWNER\n"
+           "/dev/mapper/  device-mapper\n"
+           "/dev/emcpower powerpath\n"
+           "/dev/sd       native\n",
+           0);
+    EXPECT_EQ(runJson({"prefixes", "-o", "prefix"}).dump(),
+              R"({"schema":1,"prefixes":[{"prefix":"/dev/mapper/"},)"
+              R"({"prefix":"/dev/emcpower"},{"prefix":"/dev/sd"}]})");
+}
+
+TEST(Explain, PrintsWhyAPathIsClaimed)
+{
+    const Result result = run({"explain", "/dev/mapper/dev/sda1", "/dev/vda"});
+    EXPECT_THAT(result.output, HasSubstr("  native          2  claims it "));
+    EXPECT_THAT(result.output, HasSubstr("  owner          device-mapper (strongest claim)\n"));
+    EXPECT_THAT(result.output, HasSubstr("\n\n/dev/vda\n"));
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(result.status, 64);
+}
+
+TEST(Explain, PrintsJson)
+{
+    const auto document = runJson({"explain", "/dev/mapper/mpathbp12"});
+    EXPECT_EQ(document["schema"], 1);
+    const auto& explanation = document["explanations"][0];
+    EXPECT_EQ(explanation["rule"], "only claim");
+    EXPECT_EQ(explanation["modules"].size(), 3U);
+    EXPECT_EQ(explanation["warnings"][0]["code"], "two-digits-behind-p");
+    EXPECT_EQ(runJson({"explain", "-"}).dump(), R"({"schema":1,"explanations":[]})");
+}
+
+TEST(Explain, ChangesNoAnswer)
+{
+    for (const char* path : {"/dev/mapper/mpathbp12", "/dev/mapper/mpath1", "/dev/sda007"}) {
+        auto explanation = runJson({"explain", path})["explanations"][0];
+        for (const char* key : {"rule", "modules", "warnings"})
+            explanation.erase(key);
+        EXPECT_EQ(explanation, runJson({"show", path})["devices"][0]);
+    }
+}
+
+} // namespace

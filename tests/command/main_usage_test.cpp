@@ -1,0 +1,54 @@
+// Bad usage: what is said, and where.
+#include <gmock/gmock.h>
+
+#include "dmpclaim.h"
+
+namespace {
+
+/// Runs the command and expects nothing but `message`, which stands on standard error.
+void expectBadUsage(const std::vector<std::string>& arguments, const std::string& message)
+{
+    const Result result = run(arguments);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, message);
+    EXPECT_EQ(result.status, 2);
+}
+
+TEST(Usage, BadUsageTellsWhatIsWrongAndWhereHelpIs)
+{
+    expectBadUsage({}, "dmpclaim: A subcommand is required\n"
+                       "Try 'dmpclaim --help' for more information.\n");
+    expectBadUsage({"frobnicate"}, "dmpclaim: unknown subcommand 'frobnicate'\n"
+                                   "Try 'dmpclaim --help' for more information.\n");
+    expectBadUsage({"append", "/dev/sda", "-1"},
+                   "dmpclaim: '-1' is not a partition number (0 to 4294967295)\n"
+                   "Try 'dmpclaim append --help' for more information.\n");
+    expectBadUsage({"show", "/dev/sda", "-o", "SIZE"},
+                   "dmpclaim: unknown column 'SIZE'; there are NAME, OWNER, CLAIM, PARTITION, "
+                   "DISK, PARTNUM\n"
+                   "Try 'dmpclaim show --help' for more information.\n");
+}
+
+TEST(Usage, AMessageForgesNoLines)
+{
+    expectBadUsage({"a\nb\x1b"}, "dmpclaim: unknown subcommand 'a\\x0ab\\x1b'\n"
+                                 "Try 'dmpclaim --help' for more information.\n");
+}
+
+TEST(Usage, NothingIsDoneWithJsonEither)
+{
+    expectBadUsage({"show", "-J"}, "dmpclaim: PATH is required\n"
+                                   "Try 'dmpclaim show --help' for more information.\n");
+}
+
+TEST(Usage, HelpAndVersionGoToStandardOutput)
+{
+    for (const char* option : {"-h", "--help", "-V", "--version"}) {
+        const Result result = run({option});
+        EXPECT_NE(result.output, "");
+        EXPECT_EQ(result.errors, "");
+        EXPECT_EQ(result.status, 0);
+    }
+}
+
+} // namespace
