@@ -1,15 +1,15 @@
 #include "end_tools.h"
 
-#include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <unistd.h>
 
@@ -21,44 +21,66 @@ constexpr std::chrono::milliseconds grace{500};
 constexpr std::chrono::seconds limit{2};
 constexpr std::chrono::milliseconds lookInterval{5};
 
-/// Whether the process of /proc/`id` is a child of this one and leads a group, as tools do.
+struct Process {
+    pid_t id;
+    char state;
+    pid_t parent;
+    pid_t group;
+
+    /// A tool is a child of this process and leads a group of its own.
+    bool isTool() const { return parent == getpid() && group == id; }
+
+    /// A zombie has ended, though its parent may never look.
+    bool isAlive() const { return state != 'Z' && state != 'X'; }
+};
+
+/// What /proc/ID/stat tells; nothing when the process has gone.
 ///
 ///     stat = id " (" name ") " state " " parent " " group ...     4711 (kodisk) S 4700 4711 ...
-bool isTool(const std::string& id)
+std::optional<Process> readProcess(const std::filesystem::path& folder)
 {
-    std::ifstream file("/proc/" + id + "/stat");
+    std::ifstream file(folder / "stat");
     std::string text;
     std::getline(file, text, '\0');
     const std::size_t nameEnd = text.rfind(')');
-    int parent = 0;
-    int group = 0;
-    return nameEnd != std::string::npos &&
-           // NOLINTNEXTLINE(cert-err34-c): the kernel's numbers fit
-           std::sscanf(text.c_str() + nameEnd + 1, " %*c %d %d", &parent, &group) == 2 &&
-           parent == getpid() && std::to_string(group) == id;
+    Process process{};
+    // NOLINTBEGIN(cert-err34-c): the kernel's numbers fit
+    if (nameEnd == std::string::npos || std::sscanf(text.c_str(), "%d", &process.id) != 1 ||
+        std::sscanf(text.c_str() + nameEnd + 1, " %c %d %d", &process.state, &process.parent,
+                    &process.group) != 3)
+        return std::nullopt;
+    // NOLINTEND(cert-err34-c)
+    return process;
 }
 
-std::set<pid_t> toolGroups()
+std::vector<Process> allProcesses()
 {
-    std::set<pid_t> groups;
+    std::vector<Process> processes;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator("/proc", error)) {
         const std::string name = entry.path().filename();
-        if (name.find_first_not_of("0123456789") == std::string::npos && isTool(name))
-            groups.insert(std::stoi(name));
+        if (name.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        if (const std::optional<Process> process = readProcess(entry.path()))
+            processes.push_back(*process);
     }
-    return groups;
+    return processes;
 }
 
-bool isGone(pid_t group)
+/// Adds the groups of tools to `known`, and returns those of all known ones that are alive.
+std::set<pid_t> aliveGroups(std::set<pid_t>& known)
 {
-    return kill(-group, 0) != 0 && errno == ESRCH;
-}
-
-void dropGone(std::set<pid_t>& groups)
-{
-    for (auto group = groups.begin(); group != groups.end();)
-        group = isGone(*group) ? groups.erase(group) : std::next(group);
+    std::set<pid_t> alive;
+    const std::vector<Process> processes = allProcesses();
+    for (const Process& process : processes) {
+        if (process.isTool())
+            known.insert(process.group);
+    }
+    for (const Process& process : processes) {
+        if (process.isAlive() && known.count(process.group) > 0)
+            alive.insert(process.group);
+    }
+    return alive;
 }
 
 void askToEnd(pid_t group)
@@ -74,17 +96,20 @@ namespace command {
 void endTools(const StopRequest& stop)
 {
     const Clock::time_point begin = Clock::now();
-    std::set<pid_t> groups;
-    while ((stop.toolsRun() || !groups.empty()) && Clock::now() - begin < limit) {
-        const bool isPatient = Clock::now() - begin < grace;
-        for (const pid_t group : toolGroups()) {
-            if (groups.insert(group).second && isPatient)
+    std::set<pid_t> known;
+    std::set<pid_t> asked;
+    for (;;) {
+        const Clock::duration passed = Clock::now() - begin;
+        const std::set<pid_t> alive = aliveGroups(known);
+        if ((!stop.toolsRun() && alive.empty()) || passed >= limit)
+            return;
+        for (const pid_t group : alive) {
+            if (passed >= grace)
+                kill(-group, SIGKILL);
+            else if (asked.insert(group).second)
                 askToEnd(group);
         }
-        if (!isPatient)
-            std::for_each(groups.begin(), groups.end(), [](pid_t group) { kill(-group, SIGKILL); });
         std::this_thread::sleep_for(lookInterval);
-        dropGone(groups);
     }
 }
 
