@@ -18,6 +18,12 @@ constexpr Column disk{"DISK", "disk"};
 constexpr Column partnum{"PARTNUM", "partnum", true};
 constexpr Column path{"PATH", "path"};
 constexpr Column prefix{"PREFIX", "prefix"};
+constexpr Column active{"ACTIVE", "active"};
+constexpr Column changed{"CHANGED", "changed"};
+constexpr Column took{"TOOK", "took", true};
+constexpr Column timeline{"TIMELINE", "timeline"};
+constexpr Column commandLine{"COMMAND", "command"};
+constexpr Column when{"WHEN", "when"};
 
 const Column& findColumn(const std::string& heading, const std::vector<Column>& columns)
 {
@@ -40,6 +46,20 @@ namespace command {
 const ColumnSet& deviceColumns()
 {
     static const std::vector<Column> all{name, owner, claim, partition, disk, partnum};
+    static const ColumnSet set{all, all};
+    return set;
+}
+
+const ColumnSet& activeColumns()
+{
+    static const std::vector<Column> usual{name, owner, active, changed, took};
+    static const ColumnSet set{{name, owner, active, changed, took, timeline}, usual};
+    return set;
+}
+
+const ColumnSet& commandColumns()
+{
+    static const std::vector<Column> all{name, owner, commandLine, when};
     static const ColumnSet set{all, all};
     return set;
 }

@@ -23,6 +23,8 @@ struct ColumnSet {
 };
 
 const ColumnSet& deviceColumns();    // usual: all
+const ColumnSet& activeColumns();    // usual: all but the timeline
+const ColumnSet& commandColumns();   // usual: all
 const ColumnSet& diskColumns();      // of the same rows, usual: the disk
 const ColumnSet& partitionColumns(); // usual: the partition's path
 const ColumnSet& prefixColumns();    // usual: the prefix

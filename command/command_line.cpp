@@ -27,6 +27,22 @@ the library does not read back.)";
 constexpr char bareFooter[] = "Answers are printed bare, a line each: an empty line when nobody "
                               "claims.\nWith -o they come as a table.";
 
+constexpr char activeFooter[] =
+    R"(A native path is looked up with the volume manager's tools under /usr/sbin; the
+paths of other drivers are active themselves. An unchanged path may be the active
+one, or nobody knew better: the tools are missing, or failed to the end. The
+timeline (with -J, or -o +TIMELINE) tells: each command, how many seconds it took
+and its result, and each wait. A result is the exit status, 0 for success;
+1000+N: signal N ended the tool; 1100: it took more than 600 seconds; 1101: it
+printed too much; 1102: its status was lost; null: it could not be run.
+
+Without --refresh a disk that is not found is scanned and looked up again after 5
+seconds, up to 4 times. While this goes on, a terminal on standard error shows it,
+unless trace lines go there.
+
+An interrupt (SIGINT, SIGTERM, SIGHUP) ends the tools that run, and the command
+with status 130, 143 or 129.)";
+
 constexpr char sharedFooter[] =
     "-J, -o, -n, -r, --trace and the exit status: see 'dmpclaim --help'.";
 
@@ -97,6 +113,25 @@ void addPaths(CLI::App* subcommand)
     addFlag(*subcommand, "-0,--null", "Paths on standard input are NUL-separated");
 }
 
+void addActive(CLI::App& app)
+{
+    CLI::App* active = addSubcommand(app, "active", "Print the paths that carry the I/O now",
+                                     activeFooter, &command::activeColumns());
+    addPaths(active);
+    addFlag(*active, "--refresh",
+            "Remove the disk's node from the volume manager and scan\n"
+            "all disks before looking it up, with 10 seconds between\n"
+            "attempts. It removes the node each time!");
+    addFlag(*active, "--dry-run",
+            "Run nothing; print the commands and when each would run\n"
+            "(columns: NAME, OWNER, COMMAND, WHEN)");
+    active->add_option("-j,--jobs")
+        ->option_text(" N")
+        ->description("Look up N paths at once, 1 to 64 (default 1)")
+        ->take_last();
+    addFlag(*active, "--no-progress", "Show no progress");
+}
+
 void addSubcommands(CLI::App& app)
 {
     using namespace command;
@@ -110,6 +145,7 @@ void addSubcommands(CLI::App& app)
     append->add_option("N")->description("Partition number, 0 to 4294967295")->required();
     addPaths(addSubcommand(app, "strip", "Print the paths of the disks that hold partitions",
                            bareFooter, &diskColumns()));
+    addActive(app);
     addSubcommand(app, "prefixes", "Print the path prefixes that the drivers claim", bareFooter,
                   &prefixColumns());
 }

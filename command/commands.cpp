@@ -2,27 +2,27 @@
 
 #include <memory>
 
-#include <unistd.h>
-
+#include "active.h"
 #include "bare_output.h"
 #include "block_devices.h"
 #include "device_row.h"
 #include "drivers.h"
+#include "dry_run.h"
 #include "explanation.h"
 #include "explanation_output.h"
 #include "json_output.h"
-#include "path_source.h"
 #include "raw_output.h"
 #include "table_output.h"
 #include "trace.h"
+#include "wanted_paths.h"
 
 using namespace command;
 
 namespace {
 
-const char* jsonArray(Subcommand subcommand)
+const char* jsonArray(const Options& options)
 {
-    switch (subcommand) {
+    switch (options.subcommand) {
     case Subcommand::explain:
         return "explanations";
     case Subcommand::append:
@@ -31,6 +31,8 @@ const char* jsonArray(Subcommand subcommand)
         return "disks";
     case Subcommand::prefixes:
         return "prefixes";
+    case Subcommand::active:
+        return options.dryRun ? "commands" : "paths";
     default:
         return "devices";
     }
@@ -40,7 +42,7 @@ std::unique_ptr<RowWriter> makeWriter(const Options& options, OutputStream& outp
 {
     switch (options.form) {
     case Form::json:
-        return std::make_unique<JsonOutput>(output, jsonArray(options.subcommand), options.columns);
+        return std::make_unique<JsonOutput>(output, jsonArray(options), options.columns);
     case Form::raw:
         return std::make_unique<RawOutput>(output, options.columns, options.withHeadings);
     case Form::bare:
@@ -91,6 +93,9 @@ public:
         case Subcommand::prefixes:
             prefixes();
             break;
+        case Subcommand::active:
+            active();
+            break;
         default:
             answerPaths();
         }
@@ -112,12 +117,30 @@ private:
             write(deviceRow(m_manager, path));
     }
 
+    void active()
+    {
+        if (m_options.dryRun)
+            showCommands();
+        else
+            lookUpActivePaths(m_options, {[this](const Row& row) { write(row); },
+                                          [this] {
+                                              m_writer->flush();
+                                              m_output.flush();
+                                          }});
+    }
+
+    void showCommands()
+    {
+        PathSource paths = wantedPaths(m_options, [this] { m_output.flush(); });
+        while (const std::optional<std::string> path = paths.next()) {
+            for (const Row& row : dryRun(m_manager, *path, m_options.refresh))
+                write(row);
+        }
+    }
+
     void answerPaths()
     {
-        LineReader lines(STDIN_FILENO, [this] { m_output.flush(); });
-        if (m_options.nulSeparated)
-            lines.setSeparator('\0');
-        PathSource paths(m_options.paths, std::move(lines));
+        PathSource paths = wantedPaths(m_options, [this] { m_output.flush(); });
         const bool explains = m_options.subcommand == Subcommand::explain;
         while (const std::optional<std::string> path = paths.next())
             write(explains ? explanation(m_manager, m_modules, *path)

@@ -22,14 +22,14 @@ bool isWritten(CDmpClaimManager& manager, const std::string& path, unsigned int 
     return number != otherUnlikelyNumber;
 }
 
-Row ownerField(const CDmpDeviceClaimBase* owner)
-{
-    return owner == nullptr ? Row() : Row(command::driverName(owner));
-}
-
 } // namespace
 
 namespace command {
+
+Row ownerField(const CDmpDeviceClaimBase* owner)
+{
+    return owner == nullptr ? Row() : Row(driverName(owner));
+}
 
 Row deviceRow(CDmpClaimManager& manager, const std::string& path)
 {

@@ -10,6 +10,9 @@
 
 namespace command {
 
+/// The name of the owner's driver; null without an owner.
+Row ownerField(const CDmpDeviceClaimBase* owner);
+
 /// What the library says of a path: name, owner, claim, partition, disk, partnum. Without an owner
 /// there is no disk either; without a partition, or when its driver does not read the number back,
 /// no number.

@@ -85,6 +85,17 @@ unsigned int parsePartitionNumber(const std::string& text)
     return *number;
 }
 
+/// A thread and a tool for each are no burden up to here.
+constexpr unsigned int mostJobs = 64;
+
+unsigned int parseJobs(const std::optional<std::string>& text)
+{
+    const std::optional<unsigned int> jobs = text ? parseNumber(*text) : 1;
+    if (!jobs || *jobs < 1 || *jobs > mostJobs)
+        throw UsageError("'" + *text + "' is not a number of jobs (1 to 64)");
+    return *jobs;
+}
+
 std::optional<int> parseLevel(const std::optional<std::string>& text)
 {
     if (!text)
@@ -100,20 +111,23 @@ Subcommand subcommandNamed(const std::string& name)
     static const std::unordered_map<std::string, Subcommand> subcommands{
         {"list", Subcommand::list},       {"show", Subcommand::show},
         {"explain", Subcommand::explain}, {"append", Subcommand::append},
-        {"strip", Subcommand::strip},     {"prefixes", Subcommand::prefixes}};
+        {"strip", Subcommand::strip},     {"prefixes", Subcommand::prefixes},
+        {"active", Subcommand::active}};
     return subcommands.at(name);
 }
 
 bool asksForPaths(Subcommand subcommand)
 {
     return subcommand == Subcommand::show || subcommand == Subcommand::explain ||
-           subcommand == Subcommand::strip;
+           subcommand == Subcommand::strip || subcommand == Subcommand::active;
 }
 
 /// Null for a subcommand that prints no table.
-const ColumnSet* columnsOf(Subcommand subcommand)
+const ColumnSet* columnsOf(const Options& options)
 {
-    switch (subcommand) {
+    switch (options.subcommand) {
+    case Subcommand::active:
+        return options.dryRun ? &commandColumns() : &activeColumns();
     case Subcommand::explain:
         return nullptr;
     case Subcommand::append:
@@ -129,7 +143,8 @@ const ColumnSet* columnsOf(Subcommand subcommand)
 
 bool isTabular(Subcommand subcommand)
 {
-    return subcommand == Subcommand::list || subcommand == Subcommand::show;
+    return subcommand == Subcommand::list || subcommand == Subcommand::show ||
+           subcommand == Subcommand::active;
 }
 
 Form chosenForm(const CLI::App& app, Subcommand subcommand, bool isTable)
@@ -149,7 +164,7 @@ void readOutput(const CLI::App& app, Options& options)
     const bool isTable = list || isTabular(options.subcommand);
     options.form = chosenForm(app, options.subcommand, isTable);
     options.withHeadings = isTable && !isGiven(app, "--noheadings");
-    const ColumnSet* columns = columnsOf(options.subcommand);
+    const ColumnSet* columns = columnsOf(options);
     if (list && columns == nullptr)
         throw UsageError("explain prints no columns that --output could choose");
     if (columns == nullptr)
@@ -166,6 +181,12 @@ void readArguments(const CLI::App& subcommand, Options& options)
     } else if (options.subcommand == Subcommand::append) {
         options.paths = valuesOf(subcommand.get_option("DISK"));
         options.partnum = parsePartitionNumber(*lastValue(subcommand, "N"));
+    }
+    if (options.subcommand == Subcommand::active) {
+        options.refresh = isGiven(subcommand, "--refresh");
+        options.dryRun = isGiven(subcommand, "--dry-run");
+        options.withProgress = !isGiven(subcommand, "--no-progress");
+        options.jobs = parseJobs(lastValue(subcommand, "--jobs"));
     }
 }
 
@@ -209,8 +230,8 @@ Options readOptions(const CLI::App& app)
     const CLI::App& subcommand = *app.get_subcommands().front();
     Options options;
     options.subcommand = subcommandNamed(subcommand.get_name());
-    readOutput(app, options);
     readArguments(subcommand, options);
+    readOutput(app, options);
     options.trace.level = parseLevel(lastValue(app, "--trace"));
     options.trace.file = lastValue(app, "--trace-file");
     return options;

@@ -10,7 +10,7 @@
 
 namespace command {
 
-enum class Subcommand { list, show, explain, append, strip, prefixes };
+enum class Subcommand { list, show, explain, append, strip, prefixes, active };
 
 enum class Form { table, raw, bare, text, json };
 
@@ -20,6 +20,10 @@ struct Options {
     std::vector<std::string> paths; // of append: the disk
     unsigned int partnum = 0;       // of append
     bool nulSeparated = false;
+    bool refresh = false; // of active, like the next three
+    bool dryRun = false;
+    bool withProgress = true;
+    unsigned int jobs = 1;
     Form form = Form::table;
     bool withHeadings = true;
     std::vector<Column> columns; // of explain: none

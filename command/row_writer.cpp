@@ -1,5 +1,37 @@
 #include "row_writer.h"
 
+#include <cstdio>
+
+namespace {
+
+using command::Row;
+
+std::string secondsText(double seconds)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3f", seconds);
+    return text;
+}
+
+std::string stepText(const Row& step)
+{
+    if (step.contains("wait"))
+        return "wait (" + secondsText(step["wait"]) + " s)";
+    const Row& result = step["result"];
+    return step["command"].get<std::string>() + " (" + secondsText(step["seconds"]) + " s, " +
+           (result.is_null() ? "not run" : std::to_string(result.get<int>())) + ")";
+}
+
+std::string timelineText(const Row& timeline)
+{
+    std::string text;
+    for (const Row& step : timeline)
+        text += (text.empty() ? "" : "; ") + stepText(step);
+    return text;
+}
+
+} // namespace
+
 namespace command {
 
 std::string cellText(const Row& field)
@@ -8,6 +40,10 @@ std::string cellText(const Row& field)
         return "-";
     if (field.is_boolean())
         return field.get<bool>() ? "yes" : "no";
+    if (field.is_number_float())
+        return secondsText(field.get<double>());
+    if (field.is_array())
+        return timelineText(field);
     if (field.is_number())
         return std::to_string(field.get<unsigned int>());
     return field.get<std::string>();

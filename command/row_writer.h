@@ -19,11 +19,15 @@ public:
 
     virtual void write(const Row& row) = 0;
 
+    /// Writes what is held back, if the form allows that before the last row.
+    virtual void flush() {}
+
     /// Writes what is still held back. Called once, behind the last row.
     virtual void finish() {}
 };
 
-/// A field as tables show it: text unaltered, "yes" and "no", "-" for null.
+/// A field as tables show it: text unaltered, "yes" and "no", "-" for null, seconds with three
+/// digits, the steps of a timeline one behind the other.
 std::string cellText(const Row& field);
 
 } // namespace command

@@ -19,6 +19,7 @@ class TableOutput : public RowWriter {
 public:
     TableOutput(OutputStream& output, std::vector<Column> columns, bool withHeadings);
     void write(const Row& row) override;
+    void flush() override { writeBatch(); }
     void finish() override { writeBatch(); }
 
 private:

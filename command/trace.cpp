@@ -25,12 +25,20 @@ CZeTraceSinkHandle openSink(int level, const std::optional<std::string>& file)
 
 namespace command {
 
-CZeTraceLogHandle openTraceLog(const TraceOptions& options)
+CZeTraceSinkHandle openTraceSink(const TraceOptions& options)
 {
     if (!options.level && !options.file)
         return {};
+    return openSink(options.level.value_or(CZeTraceSink::everything), options.file);
+}
+
+CZeTraceLogHandle openTraceLog(const TraceOptions& options)
+{
+    const CZeTraceSinkHandle sink = openTraceSink(options);
+    if (!sink)
+        return {};
     CZeTraceLogHandle log = new CZeTraceLog;
-    log->setSink(openSink(options.level.value_or(CZeTraceSink::everything), options.file));
+    log->setSink(sink);
     return log;
 }
 

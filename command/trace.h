@@ -14,8 +14,11 @@ struct TraceOptions {
     std::optional<std::string> file;
 };
 
-/// The trace log that the user asked for, to the file or to standard error; an empty handle when
-/// none was. Throws UsageError when the file cannot be written.
+/// Where the lines that the user asked for go: to the file or to standard error; an empty handle
+/// when none were. Throws UsageError when the file cannot be written.
+koze_pdk_4_4::CZeTraceSinkHandle openTraceSink(const TraceOptions& options);
+
+/// The trace log that the user asked for, with that sink; an empty handle when none was.
 koze_pdk_4_4::CZeTraceLogHandle openTraceLog(const TraceOptions& options);
 
 } // namespace command

@@ -1,0 +1,143 @@
+#include "active.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include <unistd.h>
+
+#include "active_lookup.h"
+#include "end_tools.h"
+#include "interrupt.h"
+#include "lookup_pool.h"
+#include "progress_text.h"
+#include "terminal_line.h"
+#include "wanted_paths.h"
+
+namespace {
+
+using namespace command;
+
+constexpr std::chrono::milliseconds tick{200};
+constexpr std::chrono::seconds waitingPause{5};
+constexpr std::chrono::seconds refreshingPause{10};
+
+bool readsStandardInput(const Options& options)
+{
+    return std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
+}
+
+/// The more workers, the fewer paths for each: those without any are not started.
+unsigned int workerCount(const Options& options)
+{
+    return readsStandardInput(options) ? options.jobs
+                                       : static_cast<unsigned int>(std::min<std::size_t>(
+                                             options.jobs, options.paths.size()));
+}
+
+/// What the workers share with the one who waits for them. Workers may outlive that one.
+struct Workers {
+    explicit Workers(const Options& options)
+        : refresh(options.refresh), statuses(workerCount(options))
+    {
+        // A sink serves one thread.
+        for (std::size_t i = 0; i < statuses.size(); ++i)
+            sinks.push_back(openTraceSink(options.trace));
+    }
+
+    Row lookUp(const std::string& path, unsigned int worker)
+    {
+        return ActiveLookup(refresh, sinks[worker], stop, statuses[worker]).run(path);
+    }
+
+    std::optional<Activity> longest() const
+    {
+        std::optional<Activity> found;
+        for (const LookupStatus& status : statuses) {
+            std::optional<Activity> activity = status.get();
+            if (activity && (!found || activity->lookupBegin < found->lookupBegin))
+                found = std::move(activity);
+        }
+        return found;
+    }
+
+    bool refresh;
+    StopRequest stop;
+    std::vector<LookupStatus> statuses;
+    std::vector<koze_pdk_4_4::CZeTraceSinkHandle> sinks;
+};
+
+LookupPool::Source pathsOf(const Options& options)
+{
+    const auto paths = std::make_shared<PathSource>(wantedPaths(options, [] {}));
+    return [paths] { return paths->next(); };
+}
+
+/// Trace lines on the terminal take the place of the progress.
+int progressDescriptor(const Options& options)
+{
+    const bool tracesThere = options.trace.level && !options.trace.file;
+    return options.withProgress && !tracesThere ? STDERR_FILENO : -1;
+}
+
+Progress progressOf(const Options& options, const Workers& workers, std::size_t done)
+{
+    Progress progress;
+    progress.done = done;
+    if (!readsStandardInput(options))
+        progress.total = options.paths.size();
+    progress.longest = workers.longest();
+    progress.pause = options.refresh ? refreshingPause : waitingPause;
+    return progress;
+}
+
+void receiveAll(LookupPool& pool, const RowReceiver& receiver, TerminalLine& line,
+                const std::function<Progress()>& progress)
+{
+    Row row;
+    bool mustFlush = false;
+    for (;;) {
+        switch (pool.next(row, tick)) {
+        case LookupPool::Next::row:
+            line.erase();
+            receiver.write(row);
+            mustFlush = true;
+            break;
+        case LookupPool::Next::pending:
+            if (std::exchange(mustFlush, false))
+                receiver.flush();
+            line.show(progressText(progress(), Timeline::Clock::now()));
+            break;
+        case LookupPool::Next::end:
+            line.erase();
+            return;
+        }
+    }
+}
+
+} // namespace
+
+namespace command {
+
+void lookUpActivePaths(const Options& options, const RowReceiver& receiver)
+{
+    const auto workers = std::make_shared<Workers>(options);
+    TerminalLine line(progressDescriptor(options));
+    Interrupt interrupt(workers->stop, [&line] { line.close(); });
+    LookupPool pool(static_cast<unsigned int>(workers->statuses.size()), pathsOf(options),
+                    [workers](const std::string& path, unsigned int worker) {
+                        return workers->lookUp(path, worker);
+                    });
+    try {
+        receiveAll(pool, receiver, line,
+                   [&] { return progressOf(options, *workers, pool.handedOut()); });
+    } catch (...) {
+        line.close();
+        workers->stop.request();
+        endTools(workers->stop);
+        throw;
+    }
+    interrupt.finish();
+}
+
+} // namespace command

@@ -1,0 +1,83 @@
+#include "interrupt.h"
+
+#include <utility>
+
+#include <pthread.h>
+#include <unistd.h>
+
+#include "end_tools.h"
+
+namespace {
+
+/// Wakes the thread that waits for signals. Nobody sends it from outside.
+int wakeSignal()
+{
+    return SIGRTMIN;
+}
+
+bool isIgnored(int signal)
+{
+    struct sigaction action {};
+    sigaction(signal, nullptr, &action);
+    return action.sa_handler == SIG_IGN;
+}
+
+sigset_t takenSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, wakeSignal());
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        if (!isIgnored(signal))
+            sigaddset(&signals, signal);
+    }
+    return signals;
+}
+
+} // namespace
+
+namespace command {
+
+Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeExit)
+    : m_stop(stop), m_beforeExit(std::move(beforeExit)), m_taken(takenSignals())
+{
+    sigset_t blocked = m_taken;
+    sigaddset(&blocked, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &blocked, &m_before);
+    m_thread = std::thread([this] { awaitSignal(); });
+}
+
+Interrupt::~Interrupt()
+{
+    finish();
+    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+}
+
+void Interrupt::finish()
+{
+    if (!m_thread.joinable())
+        return;
+    m_finished = true;
+    pthread_kill(m_thread.native_handle(), wakeSignal());
+    m_thread.join();
+}
+
+void Interrupt::awaitSignal()
+{
+    int signal = 0;
+    while (sigwait(&m_taken, &signal) != 0 || signal == wakeSignal()) {
+        if (m_finished)
+            return;
+    }
+    end(signal);
+}
+
+void Interrupt::end(int signal)
+{
+    m_stop.request();
+    endTools(m_stop);
+    m_beforeExit();
+    _exit(128 + signal);
+}
+
+} // namespace command

@@ -1,0 +1,47 @@
+#ifndef INTERRUPT_H
+#define INTERRUPT_H
+
+#include <atomic>
+#include <csignal>
+#include <functional>
+#include <thread>
+
+#include "stop_request.h"
+
+namespace command {
+
+/// Ends the process at once when the user interrupts it, and leaves no tool running, which a
+/// signal from the terminal alone would: tools have process groups of their own.
+///
+/// While an object lives, SIGINT, SIGTERM and SIGHUP make the request `stop`, end the tools and end
+/// the process with status 130, 143 or 129. A signal that the process was started to ignore stays
+/// ignored. Threads that are started meanwhile hold these signals back. So does this thread, and
+/// SIGPIPE, which ends the process only when the object is gone.
+class Interrupt {
+public:
+    /// `beforeExit` runs in another thread, last of all.
+    Interrupt(StopRequest& stop, std::function<void()> beforeExit);
+    Interrupt(const Interrupt&) = delete;
+    Interrupt& operator=(const Interrupt&) = delete;
+
+    /// Does what `finish` does and lets the signals through again.
+    ~Interrupt();
+
+    /// Takes no more signals. Does not return when one came before.
+    void finish();
+
+private:
+    void awaitSignal();
+    [[noreturn]] void end(int signal);
+
+    StopRequest& m_stop;
+    std::function<void()> m_beforeExit;
+    sigset_t m_before{};
+    sigset_t m_taken{};
+    std::atomic<bool> m_finished{false};
+    std::thread m_thread;
+};
+
+} // namespace command
+
+#endif

@@ -1,0 +1,54 @@
+#ifndef LOOKUP_POOL_H
+#define LOOKUP_POOL_H
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "row.h"
+
+namespace command {
+
+/// Answers paths in several threads at once and hands the answers out in the order of the paths.
+class LookupPool {
+public:
+    /// The next path; nothing at the end. Called by one worker at a time.
+    using Source = std::function<std::optional<std::string>()>;
+    /// Answers a path in worker number `worker`, counted from 0. Interrupted ends the worker
+    /// without an answer.
+    using Work = std::function<Row(const std::string& path, unsigned int worker)>;
+
+    enum class Next { row, pending, end };
+
+    /// Starts `workers` threads, or as many as the machine allows. Throws std::system_error when
+    /// it allows none.
+    LookupPool(unsigned int workers, Source source, Work work);
+    LookupPool(const LookupPool&) = delete;
+    LookupPool& operator=(const LookupPool&) = delete;
+
+    /// Leaves workers that have not ended to themselves: what source and work refer to must then
+    /// outlive them.
+    ~LookupPool();
+
+    /// Waits for the next answer, up to `patience`, and stores it in `row`. What source or work
+    /// threw in its place is thrown here; the answers end with that.
+    Next next(Row& row, std::chrono::milliseconds patience);
+
+    /// The number of answers handed out.
+    std::size_t handedOut() const { return m_handedOut; }
+
+private:
+    struct State;
+
+    std::shared_ptr<State> m_state;
+    std::vector<std::thread> m_threads;
+    std::size_t m_handedOut = 0;
+};
+
+} // namespace command
+
+#endif

@@ -1,0 +1,49 @@
+#ifndef STOP_REQUEST_H
+#define STOP_REQUEST_H
+
+#include <atomic>
+
+namespace command {
+
+/// Thrown through a lookup that is to end early.
+struct Interrupted {};
+
+/// Asks the lookups of all threads to end, and knows whether one of them runs a tool. Safe between
+/// threads.
+class StopRequest {
+public:
+    void request() { m_isRequested = true; }
+
+    bool isRequested() const { return m_isRequested; }
+
+    /// Throws Interrupted once the request is made.
+    void check() const
+    {
+        if (m_isRequested)
+            throw Interrupted();
+    }
+
+    /// Called before a tool is started; throws Interrupted when it must not be. The tool counts
+    /// first: whoever makes the request either sees it or has stopped it.
+    void beginTool()
+    {
+        ++m_tools;
+        if (m_isRequested) {
+            --m_tools;
+            throw Interrupted();
+        }
+    }
+
+    /// Called when the tool has ended.
+    void endTool() { --m_tools; }
+
+    bool toolsRun() const { return m_tools > 0; }
+
+private:
+    std::atomic<bool> m_isRequested{false};
+    std::atomic<int> m_tools{0};
+};
+
+} // namespace command
+
+#endif

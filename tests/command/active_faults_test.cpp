@@ -1,0 +1,156 @@
+#include "active_command.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr char active[] = "/dev/sdb"; // of /dev/sdc, in every scenario that ends well
+constexpr char unchanged[] = "/dev/sdc";
+
+using Steps = std::vector<std::string>;
+
+const Steps found{"getdmpnode 0", "getsubpaths 0"};
+
+/// What four failed attempts leave behind; `result` is that of each lookup.
+Steps fourFailures(const std::string& result, const std::string& rescan = "0")
+{
+    Steps steps;
+    for (int attempt = 0; attempt < 4; ++attempt)
+        steps.insert(steps.end(), {"getdmpnode " + result, "wait", "scandisks " + rescan});
+    return steps;
+}
+
+struct Case {
+    const char* scenario;
+    const char* active;
+    Steps steps;
+};
+
+class ActiveFaults : public ActiveCommand, public testing::WithParamInterface<Case> {};
+
+TEST_P(ActiveFaults, GiveTheBestPathOrThePathItself)
+{
+    useScenario(GetParam().scenario);
+    const Json path = answer({"/dev/sdc"});
+    EXPECT_EQ(path["name"], "/dev/sdc");
+    EXPECT_EQ(path["owner"], "native");
+    EXPECT_EQ(path["active"], GetParam().active);
+    EXPECT_EQ(path["changed"], GetParam().active != std::string("/dev/sdc"));
+    EXPECT_EQ(outline(path["timeline"]), GetParam().steps);
+    const auto waits = std::count(GetParam().steps.begin(), GetParam().steps.end(), "wait");
+    EXPECT_EQ(sleeps(), Steps(static_cast<std::size_t>(waits), "5"));
+    EXPECT_EQ(calls().size(), GetParam().steps.size() - sleeps().size());
+}
+
+// Failures repeat the library's answers to the same tables: a node without a name, or under half of
+// its name, has no paths.
+const Steps nodeWithoutPaths{"getdmpnode 0", "getsubpaths 1"};
+
+const Case cases[] = {
+    {"healthy", active, found},
+    {"failed-over", unchanged, found},
+    {"any-order", "/dev/sde", found},
+    {"no-active-path", unchanged, found},
+    {"no-path-left", unchanged, found},
+    {"only-primary-left", unchanged, found},
+    {"unknown-disk", active, found},
+    {"failing-tool", unchanged, fourFailures("3", "6")},
+    {"stale-repaired-by-waiting",
+     active,
+     {"getdmpnode 1", "wait", "scandisks 0", "getdmpnode 1", "wait", "scandisks 0", "getdmpnode 0",
+      "getsubpaths 0"}},
+    {"stale-repaired-by-refreshing", unchanged, nodeWithoutPaths},
+    {"fault-blank-lines", active, found},
+    {"fault-crlf", active, found},
+    {"fault-cut-short", unchanged, nodeWithoutPaths},
+    {"fault-delay", active, found},
+    {"fault-exit-status",
+     active,
+     {"getdmpnode 3", "wait", "scandisks 0", "getdmpnode 0", "getsubpaths 0"}},
+    {"fault-flood", unchanged, fourFailures("1101")},
+    {"fault-late-signal", unchanged, fourFailures("1009")},
+    {"fault-many-spaces", active, found},
+    {"fault-no-header", unchanged, nodeWithoutPaths},
+    {"fault-no-rule", unchanged, nodeWithoutPaths},
+    {"fault-noise", active, found},
+    {"fault-note", unchanged, fourFailures("0")},
+    {"fault-tabs", active, found},
+};
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, ActiveFaults, testing::ValuesIn(cases),
+                         [](const testing::TestParamInfo<Case>& test) {
+                             std::string name = test.param.scenario;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+class ActiveRepair : public ActiveCommand {};
+
+TEST_F(ActiveRepair, RefreshingRemovesTheNodeAndScansEveryDisk)
+{
+    useScenario("stale-repaired-by-refreshing");
+    EXPECT_EQ(answer({"--refresh", "/dev/sdc"})["active"], "/dev/sdb");
+    EXPECT_THAT(calls(),
+                ElementsAre(R"(kodmpadm "getdmpnode" "nodename=sdc")", R"(kodisk "rm" "arr0_9")",
+                            R"(kodisk "scandisks")", R"(kodmpadm "getdmpnode" "nodename=sdc")",
+                            R"(kodmpadm "getsubpaths" "dmpnodename=arr0_17")"));
+}
+
+TEST_F(ActiveRepair, RefreshingPausesTenSecondsAfterEachFailure)
+{
+    useFault({{"subcommand", "getdmpnode"}, {"exit", 3}});
+    EXPECT_THAT(outline(answer({"--refresh", "/dev/sdc"})["timeline"]),
+                ElementsAre("getdmpnode 3", "scandisks 0", "getdmpnode 3", "wait", "scandisks 0",
+                            "getdmpnode 3", "wait", "scandisks 0", "getdmpnode 3", "wait",
+                            "scandisks 0", "getdmpnode 3", "wait"));
+    EXPECT_THAT(sleeps(), ElementsAre("10", "10", "10", "10"));
+}
+
+TEST_F(ActiveRepair, EverySecondLookupDiesAndTheNextOneServes)
+{
+    useScenario("fault-signal");
+    EXPECT_THAT(outline(answer({"/dev/sdc"})["timeline"]),
+                ElementsAre("getdmpnode 0", "getsubpaths 0"));
+    EXPECT_THAT(
+        outline(answer({"/dev/sdc"})["timeline"]),
+        ElementsAre("getdmpnode 1011", "wait", "scandisks 0", "getdmpnode 0", "getsubpaths 0"));
+}
+
+TEST_F(ActiveRepair, ADiskThatNobodyKnowsStaysAsItIs)
+{
+    const Json path = answer({"/dev/sdz9"});
+    EXPECT_EQ(path["active"], "/dev/sdz9");
+    EXPECT_EQ(path["changed"], false);
+    EXPECT_EQ(outline(path["timeline"]).size(), 12U);
+}
+
+TEST_F(ActiveRepair, TheTimelineTellsHowLongCommandsAndWaitsTook)
+{
+    useFault({{"subcommand", "getdmpnode"}, {"call", 1}, {"exit", 3}, {"delay_ms", 150}});
+    const Ended ended = Process(active({"-J", "/dev/sdc"}, "300")).wait();
+    const Json path = Json::parse(ended.output)["paths"][0];
+    EXPECT_GE(path["timeline"][0]["seconds"], 0.15);
+    EXPECT_GE(path["timeline"][1]["wait"], 0.3);
+    double sum = 0;
+    for (const Json& step : path["timeline"])
+        sum += step.contains("wait") ? step["wait"].get<double>() : step["seconds"].get<double>();
+    EXPECT_GE(path["took"].get<double>() + 0.01, sum);
+    EXPECT_LE(path["timeline"][1]["wait"].get<double>(), path["took"].get<double>());
+}
+
+TEST_F(ActiveRepair, AToolThatCannotBeRunHasNoResult)
+{
+    std::filesystem::create_directory(folder() / "tools");
+    std::ofstream(folder() / "tools/kodmpadm") << "#!/nowhere/interpreter\n";
+    std::ofstream(folder() / "tools/kodisk") << "#!/nowhere/interpreter\n";
+    for (const char* tool : {"kodmpadm", "kodisk"})
+        permissions(folder() / "tools" / tool, std::filesystem::perms::owner_all);
+    std::vector<std::string> command = active({"-J", "/dev/sdc"});
+    command[2] = folder() / "tools";
+    const Json path = Json::parse(Process(command).wait().output)["paths"][0];
+    EXPECT_EQ(path["active"], "/dev/sdc");
+    EXPECT_EQ(path["timeline"][0]["result"], nullptr);
+    EXPECT_EQ(path["timeline"].size(), 12U);
+}
+
+} // namespace

@@ -1,0 +1,144 @@
+#include "active_command.h"
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+using testing::IsEmpty;
+using testing::Not;
+
+/// The processes of the simulated tools, of this test's state file only.
+std::vector<std::string> runningTools(const std::filesystem::path& state)
+{
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const std::string name = fileText(entry.path() / "comm");
+        const std::string environment = fileText(entry.path() / "environ");
+        const bool isTool = name == "kodmpadm\n" || name == "kodisk\n";
+        if (isTool && environment.find(state.string()) != std::string::npos)
+            found.push_back(entry.path());
+    }
+    return found;
+}
+
+class ActiveInterrupt : public ActiveCommand {
+protected:
+    /// Waits until so many tools have been called.
+    void awaitCalls(const Process& process, std::size_t number) const
+    {
+        while (log().size() < number && !process.endsWithin(5))
+            continue;
+        ASSERT_EQ(log().size(), number);
+    }
+
+    /// Sends the signal and expects the status, soon, and nothing left running.
+    void expectEnd(Process& process, int signal, int status) const
+    {
+        process.send(signal);
+        EXPECT_TRUE(process.endsWithin(3000));
+        const Ended ended = process.wait();
+        EXPECT_EQ(ended.status, status);
+        EXPECT_EQ(ended.error, "");
+        EXPECT_THAT(runningTools(statePath()), IsEmpty());
+    }
+};
+
+TEST_F(ActiveInterrupt, EndsTheToolThatHangs)
+{
+    const std::pair<int, int> signals[] = {{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
+    for (const auto& [signal, status] : signals) {
+        std::filesystem::remove(logPath());
+        useScenario("hanging-tool");
+        Process process(active({"/dev/sdc"}));
+        awaitCalls(process, 1);
+        EXPECT_THAT(runningTools(statePath()), Not(IsEmpty()));
+        expectEnd(process, signal, status);
+        EXPECT_EQ(log().size(), 1U);
+    }
+}
+
+TEST_F(ActiveInterrupt, EndsTheToolsOfAllJobs)
+{
+    useScenario("hanging-tool");
+    Process process(
+        active({"-j4", "-J", "/dev/sda", "/dev/sdb", "/dev/sdc", "/dev/sdd", "/dev/sde"}));
+    awaitCalls(process, 4);
+    EXPECT_EQ(runningTools(statePath()).size(), 4U);
+    expectEnd(process, SIGINT, 130);
+    EXPECT_EQ(log().size(), 4U);
+}
+
+TEST_F(ActiveInterrupt, ToolsHaveNoSignalsBlocked)
+{
+    useScenario("hanging-tool");
+    Process process(active({"/dev/sdc"}));
+    awaitCalls(process, 1);
+    for (const std::string& tool : runningTools(statePath()))
+        EXPECT_THAT(fileText(tool + "/status"), testing::HasSubstr("SigBlk:\t0000000000000000"));
+    expectEnd(process, SIGINT, 130);
+}
+
+TEST_F(ActiveInterrupt, AToolThatHasPrintedAllItWillIsEndedToo)
+{
+    useScenario("fault-hang-after-output");
+    Process process(active({"/dev/sdc"}));
+    awaitCalls(process, 1);
+    expectEnd(process, SIGINT, 130);
+}
+
+TEST_F(ActiveInterrupt, APauseIsNotWaitedFor)
+{
+    useFault({{"subcommand", "getdmpnode"}, {"exit", 3}});
+    Process process(active({"/dev/sdc"}, "60000"));
+    while (sleeps().empty() && !process.endsWithin(5))
+        continue;
+    expectEnd(process, SIGINT, 130);
+    EXPECT_EQ(log().size(), 1U);
+}
+
+TEST_F(ActiveInterrupt, AnIgnoredSignalStaysIgnored)
+{
+    useScenario("hanging-tool");
+    std::vector<std::string> command = active({"/dev/sdc"});
+    for (std::string& argument : command) {
+        if (argument.rfind("--default-signal", 0) == 0)
+            argument = "--ignore-signal=INT";
+    }
+    Process process(command);
+    awaitCalls(process, 1);
+    process.send(SIGINT);
+    EXPECT_FALSE(process.endsWithin(300));
+    expectEnd(process, SIGTERM, 143);
+}
+
+TEST_F(ActiveInterrupt, AReaderThatGoesAwayLeavesNoToolEither)
+{
+    std::vector<std::string> shell{"bash", "-c", "\"$@\" | read -r heading; echo ${PIPESTATUS[0]}",
+                                   "bash"};
+    const std::vector<std::string> command = active({"/dev/mapper/a", "/dev/sdb", "/dev/mapper/b"});
+    shell.insert(shell.end(), command.begin(), command.end());
+    useFault({{"subcommand", "getdmpnode"}, {"delay_ms", 500}});
+    Process process(shell);
+    EXPECT_TRUE(process.endsWithin(20000));
+    const Ended ended = process.wait();
+    EXPECT_EQ(ended.output, "141\n");
+    EXPECT_EQ(ended.error, "");
+    EXPECT_THAT(runningTools(statePath()), IsEmpty());
+}
+
+TEST_F(ActiveInterrupt, AnOutputThatFailsLeavesNoToolEither)
+{
+    useFault({{"subcommand", "getdmpnode"}, {"hang", true}});
+    std::vector<std::string> shell{"bash", "-c", "\"$@\" >/dev/full", "bash"};
+    const std::vector<std::string> command = active({"/dev/mapper/a", "/dev/sdb"});
+    shell.insert(shell.end(), command.begin(), command.end());
+    Process process(shell);
+    EXPECT_TRUE(process.endsWithin(10000));
+    const Ended ended = process.wait();
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.error, "dmpclaim: cannot write to standard output: No space left on device\n");
+    EXPECT_THAT(runningTools(statePath()), IsEmpty());
+}
+
+} // namespace

@@ -1,0 +1,126 @@
+#include "active_command.h"
+
+namespace {
+
+class ActiveOutput : public ActiveCommand {};
+
+TEST_F(ActiveOutput, ATableShowsOwnerActivePathAndTime)
+{
+    const Ended ended = run({"/dev/sdb", "/dev/sdc", "/dev/mapper/mpatha"});
+    EXPECT_EQ(ended.status, 0);
+    const std::vector<std::string> lines = linesOf(ended.output);
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_THAT(lines[0], testing::MatchesRegex("NAME +OWNER +ACTIVE +CHANGED +TOOK"));
+    EXPECT_THAT(lines[1],
+                testing::MatchesRegex("/dev/sdb +native +/dev/sdb +no +[0-9]+\\.[0-9]{3}"));
+    EXPECT_THAT(lines[2],
+                testing::MatchesRegex("/dev/sdc +native +/dev/sdb +yes +[0-9]+\\.[0-9]{3}"));
+    EXPECT_THAT(lines[3], testing::MatchesRegex("/dev/mapper/mpatha +device-mapper "
+                                                "+/dev/mapper/mpatha +no +0\\.[0-9]{3}"));
+}
+
+TEST_F(ActiveOutput, StatusesTellWhetherPathsAreClaimed)
+{
+    EXPECT_EQ(run({"/dev/sdc", "x"}).status, 64);
+    EXPECT_THAT(run({"-n", "-o", "NAME,OWNER,ACTIVE,CHANGED", "-r", "x"}),
+                testing::AllOf(testing::Field(&Ended::status, 32),
+                               testing::Field(&Ended::output, "x - - no\n")));
+    EXPECT_EQ(run({}).status, 2);
+}
+
+TEST_F(ActiveOutput, TheTimelineIsAColumnToo)
+{
+    EXPECT_THAT(run({"-n", "-o", "timeline", "/dev/sdc"}).output,
+                testing::MatchesRegex("/usr/sbin/kodmpadm   getdmpnode  nodename=sdc \\([.0-9]+ s, "
+                                      "0\\); /usr/sbin/kodmpadm   getsubpaths  "
+                                      "dmpnodename=arr0_17 \\([.0-9]+ s, 0\\)\n"));
+}
+
+TEST_F(ActiveOutput, JsonHasTheTimeAsANumberAndTheTimeline)
+{
+    const Json path = answer({"/dev/sdc"});
+    EXPECT_TRUE(path["took"].is_number_float());
+    ASSERT_EQ(path["timeline"].size(), 2U);
+    EXPECT_EQ(path["timeline"][0]["command"], "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc");
+    EXPECT_TRUE(path["timeline"][0]["seconds"].is_number_float());
+    EXPECT_EQ(path["timeline"][0]["result"], 0);
+}
+
+TEST_F(ActiveOutput, ADryRunRunsNothing)
+{
+    for (const char* form : {"-J", "-r"}) {
+        const Ended ended = run({"--dry-run", "--refresh", form, "/dev/sdc", "/dev/mapper/a"});
+        EXPECT_EQ(ended.status, 0);
+        EXPECT_THAT(ended.output, testing::HasSubstr("NODE"));
+    }
+    EXPECT_TRUE(log().empty());
+}
+
+TEST_F(ActiveOutput, ADryRunsJsonListsTheCommands)
+{
+    const Json document = Json::parse(run({"--dry-run", "-J", "/dev/sdc"}).output);
+    ASSERT_EQ(document["commands"].size(), 3U);
+    EXPECT_EQ(document["commands"][0]["command"], "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc");
+    EXPECT_EQ(document["commands"][2]["when"], "when the node was found");
+}
+
+TEST_F(ActiveOutput, TraceLinesGoToStandardErrorToo)
+{
+    EXPECT_THAT(run({"--trace=3", "/dev/sdc"}).error,
+                testing::HasSubstr(" 3 ExecuteCommand command: /usr/sbin/kodmpadm   getdmpnode"));
+}
+
+TEST_F(ActiveOutput, ATraceFileThatCannotBeWrittenStopsItBeforeAnythingRuns)
+{
+    EXPECT_EQ(run({"--trace-file", "/nowhere/trace", "/dev/sdc"}).status, 2);
+    EXPECT_TRUE(log().empty());
+}
+
+/// Runs the command in a terminal of its own and returns what that shows.
+class ActiveTerminal : public ActiveCommand {
+protected:
+    std::string shown(const std::vector<std::string>& arguments) const
+    {
+        std::string line;
+        for (const std::string& word : active(arguments, "700"))
+            line += "'" + word + "' ";
+        return Process({"script", "-qec", line, "/dev/null"}).wait().output;
+    }
+};
+
+TEST_F(ActiveTerminal, ProgressIsShownAndErasedBeforeTheRows)
+{
+    useScenario("stale-repaired-by-waiting");
+    const std::string text = shown({"-n", "-o", "active", "/dev/sdc"});
+    EXPECT_THAT(text, testing::HasSubstr("/dev/sdc: attempt 1 of 4, next one in 5 s"));
+    EXPECT_THAT(text, testing::EndsWith("\r\x1b[K/dev/sdb\r\n"));
+}
+
+TEST_F(ActiveTerminal, ManyPathsHaveABar)
+{
+    useScenario("stale-repaired-by-waiting");
+    EXPECT_THAT(shown({"/dev/sdc", "/dev/sdb"}),
+                testing::HasSubstr("[....................] 0 of 2, /dev/sdc: attempt 1 of 4"));
+}
+
+TEST_F(ActiveTerminal, ThereIsNoneWhenItIsNotWanted)
+{
+    useScenario("stale-repaired-by-waiting");
+    EXPECT_EQ(shown({"--no-progress", "-n", "-o", "active", "/dev/sdc"}), "/dev/sdb\r\n");
+}
+
+TEST_F(ActiveTerminal, ThereIsNoneAmongTraceLines)
+{
+    useScenario("stale-repaired-by-waiting");
+    EXPECT_THAT(shown({"--trace", "/dev/sdc"}), testing::Not(testing::HasSubstr("attempt")));
+}
+
+TEST_F(ActiveOutput, WithoutATerminalThereIsNoProgress)
+{
+    useScenario("stale-repaired-by-waiting");
+    const Ended ended = Process(active({"/dev/sdc"}, "700")).wait();
+    EXPECT_EQ(ended.error, "");
+    EXPECT_EQ(sleeps().size(), 2U);
+}
+
+} // namespace

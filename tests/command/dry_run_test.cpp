@@ -1,0 +1,87 @@
+#include "command/dry_run.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/support/scripted_tools.h"
+
+namespace {
+
+using command::Row;
+using testing::ElementsAre;
+
+/// Any command that were run would fail the test: the script is empty.
+class DryRun : public testing::Test {
+protected:
+    std::vector<Row> rows(const std::string& path, bool refresh = false)
+    {
+        return command::dryRun(m_manager, path, refresh);
+    }
+
+    std::vector<std::string> commands(const std::string& path, bool refresh = false)
+    {
+        std::vector<std::string> commands;
+        for (const Row& row : rows(path, refresh))
+            commands.push_back(row["command"]);
+        return commands;
+    }
+
+    ScriptedTools tools;
+
+private:
+    CDmpClaimManager m_manager;
+};
+
+TEST_F(DryRun, TheWaitingLookupsCommandsAreShownInOrder)
+{
+    EXPECT_THAT(commands("/dev/sdc"),
+                ElementsAre("/usr/sbin/kodmpadm   getdmpnode  nodename=sdc",
+                            "/usr/sbin/kodisk   scandisks  device=sdc",
+                            "/usr/sbin/kodmpadm   getsubpaths  dmpnodename=NODE"));
+    EXPECT_THAT(tools.events, testing::Not(testing::Contains(testing::HasSubstr("kodisk"))));
+}
+
+TEST_F(DryRun, TheRefreshingLookupsCommandsAreShownInOrder)
+{
+    EXPECT_THAT(commands("/dev/sdc", true),
+                ElementsAre("/usr/sbin/kodmpadm   getdmpnode  nodename=sdc",
+                            "/usr/sbin/kodisk   rm NODE", "/usr/sbin/kodisk   scandisks ",
+                            "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc",
+                            "/usr/sbin/kodmpadm   getsubpaths  dmpnodename=NODE"));
+}
+
+TEST_F(DryRun, NamesAreNotAltered)
+{
+    EXPECT_EQ(commands("/dev/sd;rm -rf $HOME\n%s").front(),
+              "/usr/sbin/kodmpadm   getdmpnode  nodename=sd;rm -rf $HOME\n%s");
+}
+
+TEST_F(DryRun, EachRowTellsThePathItsOwnerAndWhenTheCommandRuns)
+{
+    const Row row = rows("/dev/sdc").front();
+    EXPECT_EQ(row["name"], "/dev/sdc");
+    EXPECT_EQ(row["owner"], "native");
+    EXPECT_EQ(row["when"], "first; up to 4 times until it succeeds");
+}
+
+TEST_F(DryRun, WithoutTheToolsItSaysSo)
+{
+    tools.installed = false;
+    for (const Row& row : rows("/dev/sdc"))
+        EXPECT_THAT(row["when"].get<std::string>(), testing::StartsWith("if the tools were "));
+}
+
+TEST_F(DryRun, ForOtherPathsNothingIsRun)
+{
+    const std::pair<const char*, Row> paths[] = {{"/dev/mapper/mpatha", "device-mapper"},
+                                                 {"/dev/emcpowera", "powerpath"},
+                                                 {"/dev/nvme0n1", nullptr}};
+    for (const auto& [path, owner] : paths) {
+        const std::vector<Row> only = rows(path);
+        ASSERT_EQ(only.size(), 1U);
+        EXPECT_EQ(only[0]["owner"], owner);
+        EXPECT_EQ(only[0]["command"], nullptr);
+    }
+    EXPECT_TRUE(tools.events.empty());
+}
+
+} // namespace

@@ -1,0 +1,157 @@
+#include "command/end_tools.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// A shell in a process group of its own, as the runner starts tools, reaped by a thread. It has
+/// said that it is ready when the constructor returns.
+class Tool {
+public:
+    Tool(command::StopRequest& stop, const std::string& script)
+    {
+        stop.beginTool();
+        int ends[2];
+        if (pipe(ends) != 0)
+            abort();
+        m_id = fork();
+        if (m_id == 0) {
+            setpgid(0, 0);
+            dup2(ends[1], STDOUT_FILENO);
+            execl("/bin/sh", "sh", "-c", script.c_str(), nullptr);
+            _exit(127);
+        }
+        close(ends[1]);
+        char ready = 0;
+        EXPECT_EQ(read(ends[0], &ready, 1), 1);
+        close(ends[0]);
+        m_reaper = std::thread([this, &stop] {
+            waitpid(m_id, &m_status, 0);
+            stop.endTool();
+        });
+    }
+    Tool(const Tool&) = delete;
+    Tool& operator=(const Tool&) = delete;
+    ~Tool()
+    {
+        kill(-m_id, SIGKILL);
+        join();
+    }
+
+    void join()
+    {
+        if (m_reaper.joinable())
+            m_reaper.join();
+    }
+
+    /// Whether nobody of its group is left. Zombies, which others have to reap, do not count.
+    bool groupIsGone() const
+    {
+        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+            std::ifstream file(entry.path() / "stat");
+            std::string id;
+            std::string name;
+            std::string state;
+            pid_t parent = 0;
+            pid_t group = 0;
+            if (file >> id >> name >> state >> parent >> group && group == m_id && state != "Z")
+                return false;
+        }
+        return true;
+    }
+
+    int status() const { return m_status; }
+    pid_t id() const { return m_id; }
+
+private:
+    pid_t m_id = -1;
+    int m_status = -1;
+    std::thread m_reaper;
+};
+
+class EndTools : public testing::Test {
+protected:
+    void endTools()
+    {
+        stop.request();
+        const Clock::time_point begin = Clock::now();
+        command::endTools(stop);
+        passed = Clock::now() - begin;
+    }
+
+    command::StopRequest stop;
+    Clock::duration passed{};
+};
+
+TEST_F(EndTools, WithoutToolsThereIsNothingToDo)
+{
+    endTools();
+    EXPECT_LT(passed, std::chrono::milliseconds(400));
+}
+
+TEST_F(EndTools, ToolsAreAskedToEnd)
+{
+    Tool one(stop, "trap 'exit 3' TERM; echo; sleep 100 & wait");
+    Tool other(stop, "trap 'exit 4' TERM; echo; sleep 100 & wait");
+    endTools();
+    EXPECT_TRUE(one.groupIsGone());
+    EXPECT_TRUE(other.groupIsGone());
+    one.join();
+    other.join();
+    EXPECT_EQ(WEXITSTATUS(one.status()), 3);
+    EXPECT_EQ(WEXITSTATUS(other.status()), 4);
+}
+
+TEST_F(EndTools, AToolThatDoesNotListenIsKilled)
+{
+    Tool tool(stop, "trap '' TERM; echo; while :; do sleep 100; done");
+    endTools();
+    EXPECT_TRUE(tool.groupIsGone());
+    EXPECT_GE(passed, std::chrono::milliseconds(500));
+    tool.join();
+    EXPECT_EQ(WTERMSIG(tool.status()), SIGKILL);
+}
+
+TEST_F(EndTools, WhatAToolLeavesInItsGroupIsKilled)
+{
+    Tool tool(stop, "(trap '' TERM; echo; exec sleep 100) & wait");
+    endTools();
+    EXPECT_TRUE(tool.groupIsGone());
+}
+
+TEST_F(EndTools, AStoppedToolEndsToo)
+{
+    Tool tool(stop, "trap 'exit 3' TERM; echo; while :; do sleep 0.01; done");
+    kill(-tool.id(), SIGSTOP);
+    endTools();
+    tool.join();
+    EXPECT_EQ(WEXITSTATUS(tool.status()), 3);
+}
+
+TEST_F(EndTools, ChildrenThatShareThisGroupAreNoTools)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        pause();
+        _exit(0);
+    }
+    Tool tool(stop, "echo; sleep 100");
+    endTools();
+    EXPECT_EQ(waitpid(child, nullptr, WNOHANG), 0);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+}
+
+} // namespace

@@ -1,0 +1,144 @@
+#include "command/lookup_pool.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <future>
+#include <stdexcept>
+
+#include "command/stop_request.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using command::LookupPool;
+using command::Row;
+using testing::ElementsAre;
+
+LookupPool::Source source(std::vector<std::string> paths)
+{
+    return [paths = std::move(paths), position = std::size_t{0}]() mutable {
+        return position < paths.size() ? std::optional(paths[position++]) : std::nullopt;
+    };
+}
+
+/// The answers up to the end.
+std::vector<std::string> answers(LookupPool& pool)
+{
+    std::vector<std::string> all;
+    Row row;
+    while (pool.next(row, 10s) == LookupPool::Next::row)
+        all.push_back(row);
+    return all;
+}
+
+TEST(LookupPool, AnswersComeInTheOrderOfThePaths)
+{
+    std::promise<void> secondIsDone;
+    LookupPool pool(2, source({"a", "b", "c"}), [&](const std::string& path, unsigned int) {
+        if (path == "a")
+            secondIsDone.get_future().wait();
+        if (path == "b")
+            secondIsDone.set_value();
+        return Row(path + "!");
+    });
+    EXPECT_THAT(answers(pool), ElementsAre("a!", "b!", "c!"));
+    EXPECT_EQ(pool.handedOut(), 3U);
+}
+
+TEST(LookupPool, AnAnswerComesWhileLaterOnesAreAwaited)
+{
+    std::promise<void> firstIsTaken;
+    std::shared_future<void> taken(firstIsTaken.get_future());
+    LookupPool pool(2, source({"a", "b"}), [taken](const std::string& path, unsigned int) {
+        if (path == "b")
+            taken.wait();
+        return Row(path);
+    });
+    Row row;
+    EXPECT_EQ(pool.next(row, 10s), LookupPool::Next::row);
+    EXPECT_EQ(row, "a");
+    EXPECT_EQ(pool.next(row, 1ms), LookupPool::Next::pending);
+    firstIsTaken.set_value();
+    EXPECT_THAT(answers(pool), ElementsAre("b"));
+}
+
+TEST(LookupPool, EveryWorkerHasItsNumberAndAllWorkAtOnce)
+{
+    constexpr unsigned int workers = 4;
+    std::atomic<unsigned int> met{0};
+    std::atomic<unsigned int> numbers{0};
+    LookupPool pool(workers, source({"a", "b", "c", "d"}),
+                    [&](const std::string& path, unsigned int worker) {
+                        numbers |= 1U << worker;
+                        ++met;
+                        while (met < workers)
+                            std::this_thread::yield();
+                        return Row(path);
+                    });
+    EXPECT_EQ(answers(pool).size(), 4U);
+    EXPECT_EQ(numbers, 0xfU);
+}
+
+TEST(LookupPool, WithoutPathsItEnds)
+{
+    LookupPool pool(3, source({}), [](const std::string& path, unsigned int) { return Row(path); });
+    Row row;
+    EXPECT_EQ(pool.next(row, 10s), LookupPool::Next::end);
+}
+
+TEST(LookupPool, WhatTheWorkThrowsTakesThePlaceOfItsAnswer)
+{
+    LookupPool pool(1, source({"a", "b"}), [](const std::string& path, unsigned int) {
+        if (path == "b")
+            throw std::runtime_error("no b");
+        return Row(path);
+    });
+    Row row;
+    EXPECT_EQ(pool.next(row, 10s), LookupPool::Next::row);
+    EXPECT_THROW(pool.next(row, 10s), std::runtime_error);
+}
+
+TEST(LookupPool, WhatTheSourceThrowsComesBehindTheAnswersBefore)
+{
+    int calls = 0;
+    LookupPool pool(
+        1,
+        [&]() -> std::optional<std::string> {
+            if (++calls == 2)
+                throw std::runtime_error("cannot read");
+            return "a";
+        },
+        [](const std::string& path, unsigned int) { return Row(path); });
+    Row row;
+    EXPECT_EQ(pool.next(row, 10s), LookupPool::Next::row);
+    EXPECT_THROW(pool.next(row, 10s), std::runtime_error);
+    EXPECT_EQ(calls, 2);
+}
+
+TEST(LookupPool, AnInterruptedWorkerLeavesNoAnswer)
+{
+    LookupPool pool(1, source({"a", "b"}), [](const std::string& path, unsigned int) {
+        if (path == "b")
+            throw command::Interrupted();
+        return Row(path);
+    });
+    EXPECT_THAT(answers(pool), ElementsAre("a"));
+}
+
+TEST(LookupPool, ItDoesNotWaitForWorkersThatAreBusyWhenItGoes)
+{
+    auto goOn = std::make_shared<std::promise<void>>();
+    auto done = std::make_shared<std::promise<void>>();
+    {
+        LookupPool pool(1, source({"a"}), [goOn, done](const std::string& path, unsigned int) {
+            goOn->get_future().wait();
+            done->set_value();
+            return Row(path);
+        });
+    }
+    goOn->set_value();
+    done->get_future().wait();
+}
+
+} // namespace
