@@ -7,18 +7,24 @@
 
 namespace {
 
+/// A locale that is not installed leaves the one before in place.
+void useLocale(const char* name)
+{
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the program has one thread.
+    static_cast<void>(std::setlocale(LC_ALL, name));
+}
+
 TEST(TrailingDigits, OnlyTheTenAsciiDigitsAreDigitsInAnyLocale)
 {
     for (const char* locale : {"C", "C.UTF-8", "ar_SA.UTF-8", "fa_IR.UTF-8", "th_TH.TIS-620"}) {
         SCOPED_TRACE(locale);
-        // Locales that are not installed leave the one before in place.
-        std::setlocale(LC_ALL, locale);
+        useLocale(locale);
         for (int byte = 0; byte < 256; ++byte) {
             const bool expected = byte >= 0x30 && byte <= 0x39;
             EXPECT_EQ(isDigit(static_cast<char>(byte)), expected) << byte;
         }
     }
-    std::setlocale(LC_ALL, "C");
+    useLocale("C");
 }
 
 TEST(TrailingDigits, BeginBehindTheLastCharacterThatIsNone)
