@@ -46,9 +46,11 @@ std::vector<std::string> CZeStringTool::tokenize(const std::string& text,
                                                  const std::string& delimiters)
 {
     bool delimits[256] = {};
-    for (const unsigned char byte : delimiters)
-        delimits[byte] = true;
-    const auto isDelimiter = [&](unsigned char byte) { return delimits[byte]; };
+    for (const char delimiter : delimiters)
+        delimits[static_cast<unsigned char>(delimiter)] = true;
+    const auto isDelimiter = [&](char character) {
+        return delimits[static_cast<unsigned char>(character)];
+    };
     std::vector<std::string> pieces;
     auto first = std::find_if_not(text.begin(), text.end(), isDelimiter);
     while (first != text.end()) {

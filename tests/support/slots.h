@@ -2,13 +2,16 @@
 #define SLOTS_H
 
 #include <cstddef>
+#include <cstring>
 
 /// The virtual operation in slot `number` of `object`, counted from 0, as a function that takes the
 /// object first. Slots are a contract: binaries that were built apart call each other through them.
 template <class Function>
 Function* slot(const void* object, std::size_t number)
 {
-    return (*static_cast<Function* const* const*>(object))[number];
+    Function* const* slots = nullptr;
+    std::memcpy(&slots, object, sizeof slots);
+    return slots[number];
 }
 
 /// The bytes of `object` from `offset` on as a value of type Field.

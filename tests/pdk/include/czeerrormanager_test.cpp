@@ -39,9 +39,14 @@ void operator delete[](void* memory, std::size_t) noexcept
     operator delete[](memory);
 }
 
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return std::malloc(size);
+}
+
 void* operator new[](std::size_t size)
 {
-    void* memory = std::malloc(size);
+    void* memory = operator new[](size, std::nothrow);
     if (memory == nullptr)
         throw std::bad_alloc();
     return memory;
@@ -84,7 +89,7 @@ TEST(ErrorManager, FreesItsBufferAndReleasesEveryMessage)
 
 TEST(ErrorManager, HoldsAMapAndABufferAndNothingElse)
 {
-    class Alike : public virtual CZeRefCount {
+    struct Alike : virtual CZeRefCount {
         std::map<std::uint32_t, CZeMessageHandle> messages;
         char* buffer;
     };

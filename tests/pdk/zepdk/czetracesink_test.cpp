@@ -217,7 +217,7 @@ TEST_F(TraceFileSink, TheLinesOfSeveralProcessesDoNotMix)
 
 TEST_F(TraceFileSink, CreatesTheFileAsTheUmaskAllows)
 {
-    for (const mode_t mask : {0000, 0027, 0077}) {
+    for (const mode_t mask : {0000U, 0027U, 0077U}) {
         const mode_t before = umask(mask);
         const CZeTraceFileSink sink(6, path);
         umask(before);

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <cstdarg>
 #include <cstdlib>
 #include <deque>
 #include <new>
@@ -15,7 +16,6 @@
 
 #include <fcntl.h>
 #include <pthread.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -47,6 +47,7 @@ std::deque<Answer> answers;
 std::vector<std::string> written;
 bool memoryIsOut = false;
 bool closeFails = false;
+bool duplicationFails = false;
 
 } // namespace
 
@@ -73,9 +74,27 @@ extern "C" int close(int fd)
     return result;
 }
 
+extern "C" int fcntl(int fd, int cmd, ...)
+{
+    if (cmd == F_DUPFD_CLOEXEC && duplicationFails) {
+        errno = EMFILE;
+        return -1;
+    }
+    std::va_list arguments;
+    va_start(arguments, cmd);
+    const auto result = static_cast<int>(syscall(SYS_fcntl, fd, cmd, va_arg(arguments, int)));
+    va_end(arguments);
+    return result;
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return memoryIsOut ? nullptr : std::malloc(size);
+}
+
 __attribute__((noinline)) void* operator new(std::size_t size)
 {
-    void* memory = memoryIsOut ? nullptr : std::malloc(size);
+    void* memory = operator new(size, std::nothrow);
     if (memory == nullptr)
         throw std::bad_alloc();
     return memory;
@@ -194,27 +213,19 @@ TEST_F(Write, ALineWithoutMemoryIsDroppedAndCounted)
     EXPECT_EQ(sink.dropped(), 1U);
 }
 
-/// Leaves descriptor 0 as the only one that is free.
-void occupyAllButZero()
-{
-    const rlimit limit{16, 16};
-    setrlimit(RLIMIT_NOFILE, &limit);
-    while (open("/", O_RDONLY) >= 0)
-        continue;
-    close(0);
-}
-
 TEST(Open, WithoutADescriptorAboveTheStandardThreeFailsAndKeepsNone)
 {
     const TemporaryFolder folder;
+    const std::string path = folder.file("trace.log");
     EXPECT_TRUE(holdsInChild([&] {
-        occupyAllButZero();
+        close(0);
+        duplicationFails = true;
         closeFails = true;
         try {
-            CZeTraceFileSink(6, folder.file("trace.log"));
+            CZeTraceFileSink(6, path);
         } catch (const std::system_error& error) {
-            return error.code() == std::errc::too_many_files_open && fcntl(0, F_GETFD) < 0 &&
-                   std::string(error.what()).find(folder.file("trace.log")) == 0;
+            return error.code() == std::errc::too_many_files_open &&
+                   syscall(SYS_fcntl, 0, F_GETFD) < 0 && std::string(error.what()).find(path) == 0;
         }
         return false;
     }));
