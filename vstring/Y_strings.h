@@ -64,13 +64,11 @@ Y_EXPORT size_t Y_strlncpy(char* dst, const char* src, size_t count, size_t size
 Y_EXPORT size_t Y_wcslncpy(wchar_t* dst, const wchar_t* src, size_t count, size_t size);
 
 /* Appends at most `count` characters of `src` to the string in `dst`, which holds `size`
- * characters: as many as fit, and a terminator.
- *
- * REQUIRES: `dst` is not null and has a terminator, which is looked for beyond `size` too.
+ * characters: as many as fit, and a terminator. REQUIRES: `dst` is not null.
  *
  * Returns the number of characters appended. Returns 0 and writes nothing when `src` is null, when
- * `count` or `size` is 0, when the terminator of `dst` is not among the first `size` characters, or
- * when they have no room for another character. A result below `count` means that `src` was cut for
+ * `count` or `size` is 0, when the first `size` characters of `dst` have no terminator, or when
+ * they have no room for another character. A result below `count` means that `src` was cut for
  * want of room, unless src[result] is its terminator. */
 Y_EXPORT size_t Y_strlncat(char* dst, const char* src, size_t count, size_t size)
     __attribute__((nonnull(1)));
