@@ -76,7 +76,7 @@ struct Reference {
     [[gnu::noinline]] static std::size_t appendCounted(Char* dst, const Char* src,
                                                        std::size_t count, std::size_t size)
     {
-        const std::size_t end = Traits::length(dst);
+        const std::size_t end = measure(dst, size);
         const std::size_t length = measure(src, std::min(count, size - end - 1));
         Traits::copy(dst + end, src, length);
         dst[end + length] = 0;

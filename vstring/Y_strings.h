@@ -5,18 +5,19 @@
  * state, or sets or reads errno itself; the C library's formatters and allocation may set it. All
  * are safe between threads that do not share a buffer.
  *
- * A narrow function and its wide twin differ in nothing but the character type.
+ * A narrow function and its wide twin differ in nothing but the character type, except for the
+ * formatters.
  *
  * Sizes are capacities of buffers in characters, terminator included: bytes for narrow strings,
  * wchar_t of 4 bytes for wide ones. Counts and results are characters without a terminator; the
  * count SIZE_MAX sets no limit.
  *
- * Sources are read up to their terminator, or up to the last character that finds room; there they
- * need no terminator. Source and destination must not overlap.
+ * Sources are read up to their terminator, or up to the last character that finds room; one that
+ * is at least so long needs no terminator. Source and destination must not overlap.
  *
  * Copying and appending return the number of characters written, not the length that the text
- * would have had in full. Where the result is the number of characters taken from the source, it is
- * also the place of the first one that found no room:
+ * would have had in full. Where the result is the number of characters taken from a terminated
+ * source, it is also the place of the first one that found no room:
  *
  *     char name[32];
  *     if (path[Y_strlcpy(name, path, sizeof name)] != '\0')
@@ -37,8 +38,8 @@ extern "C" {
  * terminator. Size 1 makes `dst` the empty string.
  *
  * Returns the number of characters copied. Returns 0 and writes nothing when `dst` or `src` is null
- * or `size` is 0; the result alone does not tell this from an empty source. src[result] is the
- * terminator exactly when all of `src` was copied. */
+ * or `size` is 0; the result alone does not tell this from an empty source. When `src` has a
+ * terminator, it is src[result] exactly when all of `src` was copied. */
 Y_EXPORT size_t Y_strlcpy(char* dst, const char* src, size_t size);
 Y_EXPORT size_t Y_wcslcpy(wchar_t* dst, const wchar_t* src, size_t size);
 
@@ -48,7 +49,7 @@ Y_EXPORT size_t Y_wcslcpy(wchar_t* dst, const wchar_t* src, size_t size);
  * Returns the number of characters appended. Returns 0 and writes nothing when `dst` or `src` is
  * null, when `size` is 0, when the first `size` characters of `dst` have no terminator, or when
  * they have no room for another character; the result alone does not tell these from an empty
- * source. src[result] is the terminator exactly when nothing of `src` is missing. */
+ * source. When `src` has a terminator, it is src[result] exactly when all of `src` was appended. */
 Y_EXPORT size_t Y_strlcat(char* dst, const char* src, size_t size);
 Y_EXPORT size_t Y_wcslcat(wchar_t* dst, const wchar_t* src, size_t size);
 
@@ -64,14 +65,13 @@ Y_EXPORT size_t Y_strlncpy(char* dst, const char* src, size_t count, size_t size
 Y_EXPORT size_t Y_wcslncpy(wchar_t* dst, const wchar_t* src, size_t count, size_t size);
 
 /* Appends at most `count` characters of `src` to the string in `dst`, which holds `size`
- * characters: as many as fit, and a terminator.
- *
- * REQUIRES: `dst` is not null and has a terminator, which is looked for beyond `size` too.
+ * characters: as many as fit, and a terminator. REQUIRES: `dst` is not null.
  *
  * Returns the number of characters appended. Returns 0 and writes nothing when `src` is null, when
- * `count` or `size` is 0, when the terminator of `dst` is not among the first `size` characters, or
- * when they have no room for another character. A result below `count` means that `src` was cut for
- * want of room, unless src[result] is its terminator. */
+ * `count` or `size` is 0, when the first `size` characters of `dst` have no terminator, or when
+ * they have no room for another character; the result alone does not tell these from an empty
+ * source. A result below `count` means that `src` was cut for want of room, unless src[result] is
+ * its terminator. */
 Y_EXPORT size_t Y_strlncat(char* dst, const char* src, size_t count, size_t size)
     __attribute__((nonnull(1)));
 Y_EXPORT size_t Y_wcslncat(wchar_t* dst, const wchar_t* src, size_t count, size_t size)

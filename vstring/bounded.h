@@ -52,12 +52,12 @@ std::size_t copyPadded(Char* dst, const Char* src, std::size_t count, std::size_
     return limit;
 }
 
-/// Appends at most `count` characters to the `length` that `dst` holds. No sum here can wrap.
+/// No sum here can wrap, whatever the count.
 template <class Char>
-std::size_t appendBehind(Char* dst, std::size_t length, const Char* src, std::size_t count,
-                         std::size_t size)
+std::size_t appendCounted(Char* dst, const Char* src, std::size_t count, std::size_t size)
 {
-    if (length >= size) // no terminator within the buffer
+    const std::size_t length = measure(dst, size);
+    if (length == size)
         return 0;
     const std::size_t room = std::min(count, size - length - 1);
     return room == 0 ? 0 : copy(dst + length, src, room + 1);
@@ -66,15 +66,7 @@ std::size_t appendBehind(Char* dst, std::size_t length, const Char* src, std::si
 template <class Char>
 std::size_t append(Char* dst, const Char* src, std::size_t size)
 {
-    if (!usable(dst, src, size))
-        return 0;
-    return appendBehind(dst, measure(dst, size), src, size, size);
-}
-
-template <class Char>
-std::size_t appendCounted(Char* dst, const Char* src, std::size_t count, std::size_t size)
-{
-    return appendBehind(dst, std::char_traits<Char>::length(dst), src, count, size);
+    return usable(dst, src, size) ? appendCounted(dst, src, size, size) : 0;
 }
 
 template <class Char>

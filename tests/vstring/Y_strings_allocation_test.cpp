@@ -99,6 +99,12 @@ TEST(WideFormatterOnTheHeap, LeavesTheDestinationAloneWhenMemoryIsExhausted)
     EXPECT_STREQ(dst, L"dddddd");
 }
 
+TEST(WideFormatterOnTheHeap, LeavesTheHeapAloneInSizeZero)
+{
+    wchar_t dst[7] = L"dddddd";
+    EXPECT_EQ(watch(false, [&] { Y_snwprintf(dst, 0, L"ab"); }).mallocs, 0);
+}
+
 TEST(WideFormatterOnTheHeap, AsksForTheLargestSizeButNoneBeyondTheAddressSpace)
 {
     const std::size_t largest = PTRDIFF_MAX / sizeof(wchar_t);

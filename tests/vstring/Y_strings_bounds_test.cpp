@@ -192,7 +192,7 @@ TYPED_TEST(BoundedString, CountedAppendOfTheLargestCountTakesAllThatFits)
     }
 }
 
-TYPED_TEST(BoundedString, CountedAppendLooksForTheTerminatorBehindTheSizeToo)
+TYPED_TEST(BoundedString, CountedAppendLeavesADestinationWithoutTerminatorAlone)
 {
     EXPECT_EQ(TypeParam::appendCounted(this->destination("abcd\0"s), this->text("e"), 1, 4), 0);
     EXPECT_EQ(this->written(), "abcd\0ddddd"s);

@@ -1,7 +1,7 @@
-// Every small case and many larger ones of the copy, append and check functions, against a model.
+// Every small case and many larger ones of the functions that copy, append, check and format,
+// against a model.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <ostream>
 #include <random>
@@ -73,10 +73,10 @@ protected:
         return text;
     }
 
-    static Text destination(const Case& it, std::size_t room)
+    static Text destination(const Case& it)
     {
-        Text text(room, Char('d'));
-        if (it.filling < room)
+        Text text(it.size, Char('d'));
+        if (it.filling < it.size)
             text[it.filling] = Char();
         return text;
     }
@@ -85,15 +85,14 @@ protected:
     std::string disagreement(const Case& it)
     {
         const Text src = source(it);
-        const Text dst = destination(it, it.size);
-        const Text terminated = destination(it, std::max(it.size, it.filling + 1));
+        const Text dst = destination(it);
         std::string names;
         names += m_functions.copy(dst, src, it.size) ? "" : "copy ";
         names += m_functions.append(dst, src, it.size) ? "" : "append ";
         names += m_functions.copyPadded(dst, src, it.count, it.size) ? "" : "copyPadded ";
-        names +=
-            m_functions.appendCounted(terminated, src, it.count, it.size) ? "" : "appendCounted ";
+        names += m_functions.appendCounted(dst, src, it.count, it.size) ? "" : "appendCounted ";
         names += m_functions.verify(dst, it.size) ? "" : "verify ";
+        names += m_functions.format(dst, src, it.size) ? "" : "format ";
         return names;
     }
 

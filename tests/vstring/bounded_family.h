@@ -14,6 +14,11 @@ struct Narrow {
     static constexpr auto copyPadded = Y_strlncpy;
     static constexpr auto appendCounted = Y_strlncat;
     static constexpr auto verify = Y_strverify;
+
+    static std::int32_t format(char* dst, std::size_t size, const char* text)
+    {
+        return Y_snprintf(dst, size, "%s", text);
+    }
 };
 
 /// The wide functions.
@@ -24,6 +29,11 @@ struct Wide {
     static constexpr auto copyPadded = Y_wcslncpy;
     static constexpr auto appendCounted = Y_wcslncat;
     static constexpr auto verify = Y_wstrverify;
+
+    static std::int32_t format(wchar_t* dst, std::size_t size, const wchar_t* text)
+    {
+        return Y_snwprintf(dst, size, L"%ls", text);
+    }
 };
 
 #endif

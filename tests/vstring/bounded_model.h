@@ -51,12 +51,20 @@ std::size_t copy(std::vector<Char>& dst, Source<Char>& src, std::size_t size)
     return size == 0 ? 0 : copyTo(0, dst, src, size);
 }
 
+/// Returns the place of the terminator, `size` when there is none before.
+template <class Char>
+std::size_t lengthOf(const std::vector<Char>& text, std::size_t size)
+{
+    std::size_t length = 0;
+    while (length < size && text.at(length) != 0)
+        ++length;
+    return length;
+}
+
 template <class Char>
 std::size_t append(std::vector<Char>& dst, Source<Char>& src, std::size_t size)
 {
-    std::size_t length = 0;
-    while (length < size && dst.at(length) != 0)
-        ++length;
+    const std::size_t length = lengthOf(dst, size);
     return size - length < 2 ? 0 : copyTo(length, dst, src, size - length);
 }
 
@@ -80,9 +88,7 @@ template <class Char>
 std::size_t appendCounted(std::vector<Char>& dst, Source<Char>& src, std::size_t count,
                           std::size_t size)
 {
-    std::size_t length = 0;
-    while (dst.at(length) != 0)
-        ++length;
+    const std::size_t length = lengthOf(dst, size);
     const bool wraps = count > SIZE_MAX - length - 1;
     return append(dst, src, wraps ? size : std::min(length + count + 1, size));
 }
@@ -91,11 +97,23 @@ std::size_t appendCounted(std::vector<Char>& dst, Source<Char>& src, std::size_t
 template <class Char>
 std::pair<std::int32_t, std::size_t> verify(const std::vector<Char>& buf, std::size_t size)
 {
-    for (std::size_t i = 0; i < size; ++i) {
-        if (buf.at(i) == 0)
-            return {0, i};
-    }
-    return {-1, 0};
+    const std::size_t length = lengthOf(buf, size);
+    if (length == size)
+        return {-1, 0};
+    return {0, length};
+}
+
+/// Formats the source alone. A text that is cut fails for wide characters only.
+template <class Char>
+std::int32_t format(std::vector<Char>& dst, Source<Char>& src, std::size_t size)
+{
+    if (size == 0)
+        return -1;
+    std::size_t length = 0;
+    while (src.at(length) != 0)
+        ++length;
+    const std::size_t copied = copyTo(0, dst, src, size);
+    return copied == length || sizeof(Char) == 1 ? static_cast<std::int32_t>(copied) : -1;
 }
 
 } // namespace model

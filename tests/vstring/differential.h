@@ -64,6 +64,13 @@ public:
             [=](auto& text, auto&) { return model::verify(text, size); });
     }
 
+    bool format(const Text& dst, const Text& src, std::size_t size)
+    {
+        return agree(
+            dst, src, [=](Char* to, const Char* from) { return Family::format(to, size, from); },
+            [=](auto& to, auto& from) { return model::format(to, from, size); });
+    }
+
 private:
     template <class Ours, class Model>
     bool agree(const Text& dst, const Text& src, Ours ours, Model model)
