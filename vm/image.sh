@@ -75,6 +75,9 @@ build() {
     rm -rf tree ./*.deb
 }
 
+# Images that nobody used for a month.
+remove_old_images() { find "$cache" -mindepth 1 -maxdepth 1 -type d -mtime +30 -exec rm -rf {} +; }
+
 main() {
     local list image
     list=$(sources) || { update_package_lists && list=$(sources); }
@@ -87,7 +90,9 @@ main() {
         rm -rf "$cache/new" && mkdir "$cache/new"
         (cd "$cache/new" && build)
         mv "$cache/new" "$image"
+        remove_old_images
     fi
+    touch "$image"
     printf '%s\n' "$image"
 }
 

@@ -1,11 +1,19 @@
 #!/usr/bin/env bash
-# run.sh PREFIX [CHECK...]: boots a small machine with real multipathed disks, makes the checks in
-# it with the library and the command of the installed tree PREFIX, and ends as they end. The
-# checks are the names of guest/checks/*.sh; list, partitions and powerpath if none is named.
+# Boots a small machine with real multipathed disks, makes checks in it with an installed library
+# and command, and ends as the checks end.
 set -euo pipefail
 
 silence_limit=100 # seconds without a line from the guest: it hangs
 total_limit=900   # seconds; a guest that is alive needs far less on a busy machine
+
+usage() {
+    cat <<'USAGE'
+usage: vm/run.sh PREFIX [CHECK...]
+
+PREFIX is an installed tree with bin/dmpclaim. A CHECK is a program of vm/guest/checks; if none is
+named, these are made: list partitions powerpath.
+USAGE
+}
 
 say() { printf 'vm: %s\n' "$*" >&2; }
 
@@ -28,26 +36,23 @@ start() {
     guest=$!
 }
 
-# Shows the report until the guest falls silent or ends, and takes the verdict out of it.
+# Shows the report up to the verdict, which it keeps, or until the guest falls silent or ends.
 follow() {
     local line
     while IFS= read -r -t "$silence_limit" -u "$report" line; do
-        if [[ $line == "$nonce "* ]]; then
-            verdict=${line#* }
-        else
-            printf '%s\n' "$line"
-        fi
+        [[ $line == "$nonce "* ]] && verdict=${line#* } && return
+        printf '%s\n' "$line"
     done
-    stop
 }
 
-# A guest that hangs does not end by itself.
 stop() {
-    kill "$guest" 2>/dev/null || true
+    if [[ $guest ]]; then kill "$guest" 2>/dev/null || true; fi
+    rm -rf "$work"
 }
 
 main() {
-    local prefix=$1 image
+    local prefix=${1-} image
+    [[ -x $prefix/bin/dmpclaim ]] || { usage >&2 && exit 2; }
     shift
     (($#)) || set -- list partitions powerpath
     image=$("$here/image.sh")
@@ -66,5 +71,5 @@ work=$(mktemp -d)
 nonce=$(</proc/sys/kernel/random/uuid)
 verdict=''
 guest=''
-trap '[[ $guest ]] && stop; rm -rf "$work"' EXIT
+trap stop EXIT
 main "$@"

@@ -3,6 +3,7 @@
 # the second one, sde and sdf the third one. The kernel probes in the background, so each comes
 # after the one before is there; else names are random.
 set -eu
+# shellcheck source=wait.sh
 . /lib/vm/wait.sh
 
 driver=/sys/bus/pseudo/drivers/scsi_debug

@@ -2,6 +2,7 @@
 # Gives the disks their names: mpatha with the partitions mpathap1 and so on, mpathb with
 # mpathb-part1 and so on, emcpowera with emcpowera1 and so on.
 set -eu
+# shellcheck source=wait.sh
 . /lib/vm/wait.sh
 
 # alias_node NODE DISK: a second node for a device, as PowerPath's pseudo device would be.

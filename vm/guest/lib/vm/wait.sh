@@ -1,4 +1,4 @@
-# shellcheck shell=sh
+#!/bin/sh
 # Waiting with a deadline, for other scripts to source.
 
 uptime_seconds() {

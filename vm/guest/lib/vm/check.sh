@@ -1,16 +1,11 @@
-# shellcheck shell=sh
+#!/bin/sh
 # What a check is made of, for the checks to source.
 
-passed=0
-failed=0
-
-# check WHAT EXPECTED ACTUAL
+# check WHAT EXPECTED ACTUAL: the one line of a check.
 check() {
     if [ "$2" = "$3" ]; then
-        passed=$((passed + 1))
         echo "ok: $1"
     else
-        failed=$((failed + 1))
         echo "FAILED: $1: expected '$2', got '$3'"
     fi
 }

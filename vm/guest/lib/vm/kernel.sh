@@ -1,5 +1,8 @@
-# shellcheck shell=sh
+#!/bin/sh
 # What the kernel's sysfs says about block devices, for the checks to source.
+
+# shellcheck source=maps.sh
+. /lib/vm/maps.sh
 
 # All block device nodes that names are asked about.
 nodes() {
@@ -12,15 +15,6 @@ sysfs_of() {
     # shellcheck disable=SC2046 # two words, in base 16
     set -- $(stat -L -c '0x%t 0x%T' "$1")
     readlink -f "/sys/dev/block/$(($1)):$(($2))"
-}
-
-# The map that stands over a device, if that is a path of one.
-map_over() {
-    for map in "$1"/holders/*/dm; do
-        [ -e "$map/uuid" ] || continue
-        read -r uuid <"$map/uuid"
-        [ "${uuid#mpath-}" = "$uuid" ] || cat "$map/name"
-    done
 }
 
 # node_beside NODE FOLDER: the node of the device in that folder whose name is of the same driver.
@@ -50,7 +44,7 @@ row_of_map() {
 }
 
 # row_of_disk NODE FOLDER: a SCSI disk or its partition. PowerPath's driver is not here, so only
-# the node's name tells its devices. What stands over a path owns it.
+# the node's name tells its devices. A map owns its paths.
 row_of_disk() {
     case $1 in
     /dev/emcpower*) owner='powerpath 16' ;;
