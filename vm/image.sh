@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Prints the folder with the guest's kernel and its base archive (vmlinuz, base.cpio) and busybox: Debian's
-# packages, unpacked and thinned out. Made once, and again when this recipe or a package changes.
+# Prints the folder with the guest's kernel, its base archive and a busybox (vmlinuz, base.cpio,
+# busybox): Debian's packages, unpacked and thinned out. Made once, and again when this recipe or a
+# package changes.
 set -euo pipefail
 
 # What the guest runs, and the libraries of that.
@@ -18,7 +19,19 @@ cache=${XDG_CACHE_HOME:-$HOME/.cache}/dmpclaim-vm
 
 say() { printf 'vm: %s\n' "$*" >&2; }
 
-apt_download() { apt-get -qq -o APT::Sandbox::User=root download "$@"; }
+# The package behind the one that always names Debian's newest kernel for virtual machines.
+kernel_package() {
+    apt-cache show --no-all-versions linux-image-cloud-amd64 |
+        sed -n 's/^Depends: \(linux-image-[^ ,]*\).*/\1/p'
+}
+
+# Downloads all packages to the current folder; with --print-uris it only prints where they come
+# from, a line each, with version and checksum.
+download() {
+    local kernel
+    kernel=$(kernel_package) && [[ $kernel ]] &&
+        apt-get -qq -o APT::Sandbox::User=root download "$@" "$kernel" "${packages[@]}"
+}
 
 update_package_lists() {
     local as_root=()
@@ -27,17 +40,8 @@ update_package_lists() {
     "${as_root[@]}" apt-get -qq update >&2
 }
 
-# The package behind the one that always names Debian's newest kernel for virtual machines.
-kernel_package() {
-    apt-cache show --no-all-versions linux-image-cloud-amd64 |
-        sed -n 's/^Depends: \(linux-image-[^ ,]*\).*/\1/p'
-}
-
-# Where the packages come from, a line each, with version and checksum.
-sources() {
-    local kernel
-    kernel=$(kernel_package) && [[ $kernel ]] && apt_download --print-uris "$kernel" "${packages[@]}"
-}
+# What the package lists name may be gone, or there are none yet.
+download_somehow() { download "$@" || { update_package_lists && download "$@"; }; }
 
 # Removes all modules but the wanted ones and those that they depend on.
 thin_out_modules() {
@@ -61,7 +65,7 @@ link_applets() {
 # Makes the image in the current folder.
 build() {
     local package version
-    apt_download "$(kernel_package)" "${packages[@]}"
+    download_somehow
     for package in *.deb; do dpkg-deb -x "$package" tree; done
     mv tree/boot/vmlinuz-* vmlinuz
     cp tree/bin/busybox .
@@ -80,8 +84,8 @@ remove_old_images() { find "$cache" -mindepth 1 -maxdepth 1 -type d -mtime +30 -
 
 main() {
     local list image
-    list=$(sources) || { update_package_lists && list=$(sources); }
-    image=$cache/$(sha256sum "$recipe" - <<<"$list" | sha256sum | cut -c 1-16)
+    list=$(download_somehow --print-uris)
+    image=$cache/$(cat "$recipe" - <<<"$list" | sha256sum | cut -c 1-16)
     mkdir -p "$cache"
     exec {lock}>"$cache/lock"
     flock "$lock"

@@ -22,7 +22,9 @@ root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 cp -r "$guest/." "$root"
 mkdir -p "$root/opt/dmpclaim"
-(cd "$prefix" && find bin lib* \( -path 'bin/*' -o -name '*.so*' \) -exec cp -P --parents {} "$root/opt/dmpclaim" \;)
+cd "$prefix"
+find . ! -type d \( -path '*/bin/*' -o -name '*.so*' \) -print0 |
+    xargs -0 cp -P --parents -t "$root/opt/dmpclaim"
 libraries | xargs cp -L --parents -t "$root"
 cd "$root"
 find . | "$busybox" cpio -o -H newc -R 0:0

@@ -46,7 +46,7 @@ follow() {
 }
 
 stop() {
-    if [[ $guest ]]; then kill "$guest" 2>/dev/null || true; fi
+    if [[ $guest ]] && kill "$guest" 2>/dev/null; then wait "$guest" || true; fi
     rm -rf "$work"
 }
 
