@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# Boots a small machine with real multipathed disks, makes checks in it with an installed library
+# and command, and ends as the checks end.
+set -euo pipefail
+
+silence_limit=100 # seconds without a line from the guest: it hangs
+total_limit=900   # seconds; a guest that is alive needs far less on a busy machine
+
+usage() {
+    cat <<'USAGE'
+usage: vm/run.sh PREFIX [CHECK...]
+
+PREFIX is an installed tree with bin/dmpclaim. A CHECK is a program of vm/guest/checks; if none is
+named, these are made: list partitions powerpath.
+USAGE
+}
+
+say() { printf 'vm: %s\n' "$*" >&2; }
+
+# Nobody can tell by /dev/kvm alone: there are machines where it opens and no guest ever runs.
+accelerator() {
+    if [[ -w /dev/kvm ]] && grep -qwE 'vmx|svm' /proc/cpuinfo; then echo kvm; else echo tcg; fi
+}
+
+# The archive, its unpacked copy, and 400 MiB for what runs.
+memory() { echo $((400 + 3 * $(stat -c %s "$1") / 1048576)); }
+
+# Starts the guest. Its report comes on $report, its console goes to a file.
+start() {
+    local image=$1 checks=$2
+    exec {report}< <(exec timeout "$total_limit" qemu-system-x86_64 -nodefaults -display none \
+        -accel "$(accelerator)" -cpu max -machine q35 -smp 2 -m "$(memory "$work/initrd")" \
+        -kernel "$image/vmlinuz" -initrd "$work/initrd" \
+        -append "console=ttyS0 panic=-1 dont_del_part_nodes NONCE=$nonce CHECKS=$checks" \
+        -no-reboot -serial "file:$work/console" -serial stdio </dev/null 2>&1)
+    guest=$!
+}
+
+# Shows the report up to the verdict, which it keeps, or until the guest falls silent or ends.
+follow() {
+    local line
+    while IFS= read -r -t "$silence_limit" -u "$report" line; do
+        [[ $line == "$nonce "* ]] && verdict=${line#* } && return
+        printf '%s\n' "$line"
+    done
+}
+
+stop() {
+    if [[ $guest ]] && kill "$guest" 2>/dev/null; then wait "$guest" || true; fi
+    rm -rf "$work"
+}
+
+main() {
+    local prefix=${1-} image
+    [[ -x $prefix/bin/dmpclaim ]] || { usage >&2 && exit 2; }
+    shift
+    (($#)) || set -- list partitions powerpath
+    image=$("$here/image.sh")
+    "$here/payload.sh" "$prefix" "$image/busybox" | cat "$image/base.cpio" - >"$work/initrd"
+    start "$image" "$(IFS=, && echo "$*")"
+    follow
+    [[ $verdict == 0 ]] && return
+    say "the end of the guest's console:"
+    tail -n 60 "$work/console" >&2
+    if [[ $verdict ]]; then say 'failed'; else say 'failed: the guest gave no verdict'; fi
+    return 1
+}
+
+here=$(dirname "$(readlink -f "$0")")
+work=$(mktemp -d)
+nonce=$(</proc/sys/kernel/random/uuid)
+verdict=''
+guest=''
+trap stop EXIT
+main "$@"
