@@ -2,6 +2,7 @@
 
 #include "volume_manager.h"
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 

@@ -11,12 +11,13 @@ using CallLog = SimulatedTools;
 TEST_F(CallLog, ALineHasTimeProcessToolAndArguments)
 {
     useScenario("healthy");
-    Process call(tool("kodmpadm", {"getdmpnode", "nodename=sdc"}));
-    const std::string id = std::to_string(call.id());
-    call.finish();
+    const std::string script = "echo $$; exec \"$0\" scandisks";
+    const std::string output =
+        start({"/bin/sh", "-c", script, SIMULATOR_TOOLS "/kodisk"}).finish().output;
+    const std::string id = output.substr(0, output.find('\n'));
     EXPECT_THAT(log(), ElementsAre(MatchesRegex(
                            "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z \\[" +
-                           id + "\\] kodmpadm \"getdmpnode\" \"nodename=sdc\"")));
+                           id + "\\] kodisk \"scandisks\"")));
 }
 
 TEST_F(CallLog, EveryCallIsLoggedInItsOrder)

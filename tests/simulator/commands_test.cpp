@@ -36,7 +36,7 @@ TEST_F(Commands, ACallOfTheWrongFormSaysSo)
         {"kodisk", {"scandisks", "sdc"}, "expected device=, got \"sdc\""},
     };
     for (const WrongCall& call : calls)
-        EXPECT_THAT(Process(tool(call.tool, call.arguments)).finish(), Fails(2, call.message));
+        EXPECT_THAT(start(tool(call.tool, call.arguments)).finish(), Fails(2, call.message));
     EXPECT_THAT(pathsOf("arr0_17"), testing::Field(&Result::status, 0));
 }
 

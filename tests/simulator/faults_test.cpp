@@ -91,16 +91,11 @@ TEST_F(Faults, ACallDiesByEachSignalThatEndsAProcess)
 
 TEST_F(Faults, ACallDiesThoughItsCallerBlocksAndIgnoresTheSignal)
 {
-    useFault({{"subcommand", "getdmpnode"}, {"signal", "TERM"}});
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    signal(SIGTERM, SIG_IGN);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    const Result call = nodeOf("sdc");
-    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
-    signal(SIGTERM, SIG_DFL);
-    EXPECT_THAT(call, DiesBy(SIGTERM));
+    useFault({{"subcommand", "scandisks"}, {"signal", "TERM"}});
+    for (const char* option : {"--block-signal=TERM", "--ignore-signal=TERM"})
+        EXPECT_THAT(
+            start({"/usr/bin/env", option, SIMULATOR_TOOLS "/kodisk", "scandisks"}).finish(),
+            DiesBy(SIGTERM));
 }
 
 TEST_F(Faults, ALateDeathLeavesAPartOfTheOutput)
@@ -111,25 +106,28 @@ TEST_F(Faults, ALateDeathLeavesAPartOfTheOutput)
     EXPECT_EQ(call.output, std::string(healthyNode).substr(0, 50));
 }
 
-TEST_F(Faults, AHangingCallEndsByASignalOnlyAndHoldsNobodyUp)
+TEST_F(Faults, AHangingCallPrintsNothingAndDoesNothing)
 {
-    useFault({{"subcommand", "getdmpnode"}, {"call", 1}, {"hang", true}});
-    Process call(tool("kodmpadm", {"getdmpnode", "nodename=sdc"}));
-    EXPECT_FALSE(call.endsWithin(200));
+    useFault({{"subcommand", "rm"}, {"hang", true}});
+    EXPECT_THAT(limited(tool("kodisk", {"rm", "arr0_17"})), Fails(limitPassed, ""));
     EXPECT_THAT(nodeOf("sdc"), Succeeds(healthyNode));
-    call.signal(SIGTERM);
-    const Result killed = call.finish();
-    EXPECT_THAT(killed, DiesBy(SIGTERM));
-    EXPECT_EQ(killed.output, "");
 }
 
-TEST_F(Faults, ALateHangComesAfterTheOutput)
+TEST_F(Faults, ALateHangComesAfterTheOutputAndHoldsNobodyUp)
 {
-    useScenario("fault-hang-after-output");
-    Process call(tool("kodmpadm", {"getdmpnode", "nodename=sdc"}));
-    EXPECT_FALSE(call.endsWithin(200));
-    call.signal(SIGKILL);
-    EXPECT_EQ(call.finish().output, healthyNode);
+    useFault({{"subcommand", "getdmpnode"}, {"call", 1}, {"hang", true}, {"late", true}});
+    Process call = start(tool("kodmpadm", {"getdmpnode", "nodename=sdc"}));
+    std::string output;
+    for (int line = 0; line < 3; ++line)
+        output += call.receiveLine();
+    EXPECT_EQ(output, healthyNode);
+    EXPECT_THAT(nodeOf("sdc"), Succeeds(healthyNode));
+}
+
+TEST_F(Faults, ALateHangHasNoEnd)
+{
+    useFault({{"subcommand", "rm"}, {"hang", true}, {"late", true}});
+    EXPECT_EQ(limited(tool("kodisk", {"rm", "arr0_17"})).status, limitPassed);
 }
 
 TEST_F(Faults, ADelayedCallTakesItsTimeAndThenAnswers)

@@ -119,7 +119,7 @@ TEST_F(Shaping, AFloodEndsWhenNobodyReads)
 {
     useScenario("fault-flood");
     const std::string script = "\"$0\" getdmpnode nodename=sdc | head -c 10; echo ${PIPESTATUS[0]}";
-    EXPECT_EQ(Process({"/bin/bash", "-c", script, SIMULATOR_TOOLS "/kodmpadm"}).finish().output,
+    EXPECT_EQ(start({"/bin/bash", "-c", script, SIMULATOR_TOOLS "/kodmpadm"}).finish().output,
               "NAME      141\n");
 }
 

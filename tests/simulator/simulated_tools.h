@@ -4,46 +4,19 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "process.h"
+#include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
 
 using Json = nlohmann::ordered_json;
 
-inline std::string fileText(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// A new folder that goes with its owner.
-class TemporaryFolder {
-public:
-    TemporaryFolder()
-    {
-        std::string name = std::filesystem::temp_directory_path() / "dmpclaim-XXXXXX";
-        if (mkdtemp(name.data()) == nullptr)
-            throw std::system_error(errno, std::generic_category(), name);
-        m_path = name;
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() { std::filesystem::remove_all(m_path); }
-
-    const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
-
 /// The lines of a text, without their ends.
-inline std::vector<std::string> linesOf(const std::string& text)
+inline std::vector<std::string> splitLines(const std::string& text)
 {
     std::vector<std::string> lines;
     std::istringstream stream(text);
@@ -55,11 +28,12 @@ inline std::vector<std::string> linesOf(const std::string& text)
 /// The simulated tools with a state file of the test's own.
 class SimulatedTools : public testing::Test {
 protected:
-    SimulatedTools() { setenv("KOVM_SIMULATOR_STATE", statePath().c_str(), 1); }
-
-    const std::filesystem::path& folder() const { return m_folder.path(); }
-    std::filesystem::path statePath() const { return folder() / "state.json"; }
-    std::filesystem::path logPath() const { return folder() / "state.json.log"; }
+    std::string statePath() const { return m_folder.file("state.json"); }
+    std::string logPath() const { return m_folder.file("state.json.log"); }
+    std::filesystem::path folder() const
+    {
+        return std::filesystem::path(statePath()).parent_path();
+    }
 
     static std::filesystem::path scenarios() { return SIMULATOR_SCENARIOS; }
 
@@ -69,7 +43,7 @@ protected:
 
     static Json scenario(const std::string& name)
     {
-        return Json::parse(fileText(scenarios() / (name + ".json")));
+        return Json::parse(textOf(scenarios() / (name + ".json")));
     }
 
     /// The scenario `healthy` with one fault.
@@ -88,8 +62,8 @@ protected:
         write(state);
     }
 
-    Json state() const { return Json::parse(fileText(statePath())); }
-    std::vector<std::string> log() const { return linesOf(fileText(logPath())); }
+    Json state() const { return Json::parse(textOf(statePath())); }
+    std::vector<std::string> log() const { return linesOf(logPath()); }
 
     /// The command line of one of the tools.
     static std::vector<std::string> tool(const std::string& name,
@@ -100,27 +74,50 @@ protected:
         return command;
     }
 
-    static Result kodmpadm(const std::vector<std::string>& arguments)
+    /// Starts `command` for this test's state file.
+    Process start(const std::vector<std::string>& command) const
     {
-        return Process(tool("kodmpadm", arguments)).finish();
+        return Process(command, environment());
     }
 
-    static Result kodisk(const std::vector<std::string>& arguments)
+    Result kodmpadm(const std::vector<std::string>& arguments) const
     {
-        return Process(tool("kodisk", arguments)).finish();
+        return start(tool("kodmpadm", arguments)).finish();
     }
 
-    static Result nodeOf(const std::string& disk)
+    Result kodisk(const std::vector<std::string>& arguments) const
+    {
+        return start(tool("kodisk", arguments)).finish();
+    }
+
+    Result nodeOf(const std::string& disk) const
     {
         return kodmpadm({"getdmpnode", "nodename=" + disk});
     }
 
-    static Result pathsOf(const std::string& node)
+    Result pathsOf(const std::string& node) const
     {
         return kodmpadm({"getsubpaths", "dmpnodename=" + node});
     }
 
+    /// The call under a limit of 200 ms, past which it is ended by SIGTERM, and the status is 124.
+    Result limited(const std::vector<std::string>& call) const
+    {
+        std::vector<std::string> command{"/usr/bin/timeout", "0.2"};
+        command.insert(command.end(), call.begin(), call.end());
+        return start(command).finish();
+    }
+
+    static constexpr int limitPassed = 124;
+
 private:
+    Setting environment() const
+    {
+        Setting setting;
+        setting.environment = {"KOVM_SIMULATOR_STATE=" + statePath()};
+        return setting;
+    }
+
     TemporaryFolder m_folder;
 };
 

@@ -28,61 +28,65 @@ protected:
 TEST_F(StateFile, AMissingFileIsNamed)
 {
     EXPECT_THAT(nodeOf("sdc"),
-                Fails(78, "simulator: cannot read " + statePath().string() + ": No such file"));
-    EXPECT_FALSE(exists(statePath()));
+                Fails(78, "simulator: cannot read " + statePath() + ": No such file"));
+    EXPECT_FALSE(std::filesystem::exists(statePath()));
 }
 
 TEST_F(StateFile, AMissingFolderIsNamed)
 {
-    setenv("KOVM_SIMULATOR_STATE", "/nowhere/state.json", 1);
-    EXPECT_THAT(nodeOf("sdc"), Fails(78, "/nowhere/state.json"));
+    EXPECT_THAT(start({"/usr/bin/env", "KOVM_SIMULATOR_STATE=/nowhere/state.json",
+                       SIMULATOR_TOOLS "/kodisk", "scandisks"})
+                    .finish(),
+                Fails(78, "/nowhere/state.json"));
 }
 
 TEST_F(StateFile, WithoutAVariableTheStateIsUnderRun)
 {
     if (std::filesystem::exists("/run/kovm-simulator"))
         GTEST_SKIP() << "somebody uses the default state file";
-    unsetenv("KOVM_SIMULATOR_STATE");
-    EXPECT_THAT(nodeOf("sdc"), Fails(78, "/run/kovm-simulator/state.json"));
+    EXPECT_THAT(start({"/usr/bin/env", "-u", "KOVM_SIMULATOR_STATE", SIMULATOR_TOOLS "/kodisk",
+                       "scandisks"})
+                    .finish(),
+                Fails(78, "/run/kovm-simulator/state.json"));
 }
 
 TEST_F(StateFile, ADamagedFileIsNamedAndLeftAlone)
 {
     for (const char* text : {"", "{", "{\"arrays\": []", "{}}", "\xff", "[]", "null"}) {
         write(std::string(text));
-        EXPECT_THAT(kodisk({"rm", "arr0_17"}), Fails(78, statePath().string())) << text;
-        EXPECT_EQ(fileText(statePath()), text);
+        EXPECT_THAT(kodisk({"rm", "arr0_17"}), Fails(78, statePath())) << text;
+        EXPECT_EQ(textOf(statePath()), text);
     }
 }
 
 TEST_F(StateFile, InAReadOnlyFolderNothingIsDone)
 {
     useScenario("stale-repaired-by-waiting");
-    const std::string before = fileText(statePath());
+    const std::string before = textOf(statePath());
     const std::string script = "mount --bind \"$1\" \"$1\" && mount -o remount,bind,ro \"$1\" && "
                                "exec \"$2\" scandisks";
-    if (Process({"/usr/bin/unshare", "-Urm", "true"}).finish().status != 0)
+    if (start({"/usr/bin/unshare", "-Urm", "true"}).finish().status != 0)
         GTEST_SKIP() << "private mount namespaces are not permitted";
-    EXPECT_THAT(Process({"/usr/bin/unshare", "-Urm", "sh", "-c", script, "sh", folder(),
-                         SIMULATOR_TOOLS "/kodisk"})
+    EXPECT_THAT(start({"/usr/bin/unshare", "-Urm", "sh", "-c", script, "sh", folder(),
+                       SIMULATOR_TOOLS "/kodisk"})
                     .finish(),
                 Fails(78, "Read-only file system"));
-    EXPECT_EQ(fileText(statePath()), before);
+    EXPECT_EQ(textOf(statePath()), before);
 }
 
 TEST_F(StateFile, AStateThatCannotBeReplacedIsLeftAlone)
 {
     useScenario("healthy");
-    const std::string before = fileText(statePath());
+    const std::string before = textOf(statePath());
     create_directory(folder() / "state.json.new");
-    EXPECT_THAT(kodisk({"scandisks"}), Fails(78, "cannot write " + statePath().string() + ".new"));
-    EXPECT_EQ(fileText(statePath()), before);
+    EXPECT_THAT(kodisk({"scandisks"}), Fails(78, "cannot write " + statePath() + ".new"));
+    EXPECT_EQ(textOf(statePath()), before);
 }
 
 TEST_F(StateFile, CallsInParallelLoseNoCount)
 {
     useScenario("healthy");
-    inParallel(8, 10, [](int caller) {
+    inParallel(8, 10, [this](int caller) {
         if (caller % 2 == 0)
             nodeOf("sdc");
         else
@@ -95,7 +99,7 @@ TEST_F(StateFile, CallsInParallelLoseNoCount)
 TEST_F(StateFile, RescansInParallelAreAllCounted)
 {
     useStale({{"rescans", 41}});
-    inParallel(8, 5, [](int) { kodisk({"scandisks", "device=sdc"}); });
+    inParallel(8, 5, [this](int) { kodisk({"scandisks", "device=sdc"}); });
     EXPECT_THAT(nodeOf("sdc"), Fails(1, "disk \"sdc\""));
     kodisk({"scandisks", "device=sdc"});
     EXPECT_EQ(nodeOf("sdc").status, 0);
@@ -109,9 +113,9 @@ TEST_F(StateFile, AReaderAlwaysFindsItWhole)
     int reads = 0;
     std::thread reader([&] {
         for (; !done; ++reads)
-            torn += Json::accept(fileText(statePath())) ? 0 : 1;
+            torn += Json::accept(textOf(statePath())) ? 0 : 1;
     });
-    inParallel(4, 10, [](int) { nodeOf("sdc"); });
+    inParallel(4, 10, [this](int) { nodeOf("sdc"); });
     done = true;
     reader.join();
     EXPECT_GT(reads, 0);
@@ -121,13 +125,13 @@ TEST_F(StateFile, AReaderAlwaysFindsItWhole)
 TEST_F(StateFile, ACallWaitsForTheLock)
 {
     useScenario("healthy");
-    const int lock =
-        open((statePath().string() + ".lock").c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0600);
-    flock(lock, LOCK_EX);
-    Process call(tool("kodisk", {"scandisks"}));
-    EXPECT_FALSE(call.endsWithin(100));
-    close(lock);
-    EXPECT_THAT(call.finish(), Succeeds());
+    {
+        const Descriptor lock = openFile((statePath() + ".lock").c_str(), O_RDONLY | O_CREAT);
+        flock(lock.number(), LOCK_EX);
+        EXPECT_THAT(limited(tool("kodisk", {"scandisks"})), Fails(limitPassed, ""));
+    }
+    EXPECT_THAT(kodisk({"scandisks"}), Succeeds());
+    EXPECT_EQ(state()["calls"], Json({{"scandisks", 1}}));
 }
 
 TEST_F(StateFile, AnUnwantedCallIsNotWritten)

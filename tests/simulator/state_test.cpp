@@ -40,7 +40,7 @@ TEST_F(State, AMistakeIsNamedWithItsPlace)
         state[Json::json_pointer(mistake.place)] = mistake.value;
         write(state);
         EXPECT_THAT(nodeOf("sdc"), Fails(78, mistake.message)) << state;
-        EXPECT_EQ(fileText(statePath()), state.dump());
+        EXPECT_EQ(textOf(statePath()), state.dump());
     }
 }
 
