@@ -14,7 +14,7 @@ protected:
     void SetUp() override
     {
         useScenario("healthy");
-        if (Process(inNamespace({"true"})).wait().status != notPermitted)
+        if (Process(inNamespace({"true"})).finish().status != notPermitted)
             return;
         if (std::getenv("CI") != nullptr)
             FAIL() << "private mount namespaces are not permitted, and CI must have them";
@@ -38,17 +38,17 @@ protected:
         return inNamespace(command);
     }
 
-    Ended run(const std::vector<std::string>& arguments) const
+    Result run(const std::vector<std::string>& arguments) const
     {
-        return Process(active(arguments)).wait();
+        return Process(active(arguments)).finish();
     }
 
     /// What the JSON says of the only path.
     Json answer(std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), "-J");
-        const Ended ended = run(arguments);
-        EXPECT_EQ(ended.error, "");
+        const Result ended = run(arguments);
+        EXPECT_EQ(ended.errors, "");
         const Json document = Json::parse(ended.output);
         EXPECT_EQ(document["schema"], 1);
         EXPECT_EQ(document["paths"].size(), 1U);
@@ -56,7 +56,7 @@ protected:
     }
 
     /// The seconds that the library asked to sleep, in order.
-    std::vector<std::string> sleeps() const { return linesOf(fileText(sleepLog())); }
+    std::vector<std::string> sleeps() const { return linesOf(sleepLog()); }
 
     /// The calls of the tools as their log shows them, without time and process.
     std::vector<std::string> calls() const

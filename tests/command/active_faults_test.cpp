@@ -127,7 +127,7 @@ TEST_F(ActiveRepair, ADiskThatNobodyKnowsStaysAsItIs)
 TEST_F(ActiveRepair, TheTimelineTellsHowLongCommandsAndWaitsTook)
 {
     useFault({{"subcommand", "getdmpnode"}, {"call", 1}, {"exit", 3}, {"delay_ms", 150}});
-    const Ended ended = Process(active({"-J", "/dev/sdc"}, "300")).wait();
+    const Result ended = Process(active({"-J", "/dev/sdc"}, "300")).finish();
     const Json path = Json::parse(ended.output)["paths"][0];
     EXPECT_GE(path["timeline"][0]["seconds"], 0.15);
     EXPECT_GE(path["timeline"][1]["wait"], 0.3);
@@ -147,7 +147,7 @@ TEST_F(ActiveRepair, AToolThatCannotBeRunHasNoResult)
         permissions(folder() / "tools" / tool, std::filesystem::perms::owner_all);
     std::vector<std::string> command = active({"-J", "/dev/sdc"});
     command[2] = folder() / "tools";
-    const Json path = Json::parse(Process(command).wait().output)["paths"][0];
+    const Json path = Json::parse(Process(command).finish().output)["paths"][0];
     EXPECT_EQ(path["active"], "/dev/sdc");
     EXPECT_EQ(path["timeline"][0]["result"], nullptr);
     EXPECT_EQ(path["timeline"].size(), 12U);

@@ -13,8 +13,8 @@ std::vector<std::string> runningTools(const std::filesystem::path& state)
 {
     std::vector<std::string> found;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        const std::string name = fileText(entry.path() / "comm");
-        const std::string environment = fileText(entry.path() / "environ");
+        const std::string name = textOf(entry.path() / "comm");
+        const std::string environment = textOf(entry.path() / "environ");
         const bool isTool = name == "kodmpadm\n" || name == "kodisk\n";
         if (isTool && environment.find(state.string()) != std::string::npos)
             found.push_back(entry.path());
@@ -35,11 +35,11 @@ protected:
     /// Sends the signal and expects the status, soon, and nothing left running.
     void expectEnd(Process& process, int signal, int status) const
     {
-        process.send(signal);
+        process.signal(signal);
         EXPECT_TRUE(process.endsWithin(3000));
-        const Ended ended = process.wait();
+        const Result ended = process.finish();
         EXPECT_EQ(ended.status, status);
-        EXPECT_EQ(ended.error, "");
+        EXPECT_EQ(ended.errors, "");
         EXPECT_THAT(runningTools(statePath()), IsEmpty());
     }
 };
@@ -75,7 +75,7 @@ TEST_F(ActiveInterrupt, ToolsHaveNoSignalsBlocked)
     Process process(active({"/dev/sdc"}));
     awaitCalls(process, 1);
     for (const std::string& tool : runningTools(statePath()))
-        EXPECT_THAT(fileText(tool + "/status"), testing::HasSubstr("SigBlk:\t0000000000000000"));
+        EXPECT_THAT(textOf(tool + "/status"), testing::HasSubstr("SigBlk:\t0000000000000000"));
     expectEnd(process, SIGINT, 130);
 }
 
@@ -107,7 +107,7 @@ TEST_F(ActiveInterrupt, AnIgnoredSignalStaysIgnored)
     }
     Process process(command);
     awaitCalls(process, 1);
-    process.send(SIGINT);
+    process.signal(SIGINT);
     EXPECT_FALSE(process.endsWithin(300));
     expectEnd(process, SIGTERM, 143);
 }
@@ -121,9 +121,9 @@ TEST_F(ActiveInterrupt, AReaderThatGoesAwayLeavesNoToolEither)
     useFault({{"subcommand", "getdmpnode"}, {"delay_ms", 500}});
     Process process(shell);
     EXPECT_TRUE(process.endsWithin(20000));
-    const Ended ended = process.wait();
+    const Result ended = process.finish();
     EXPECT_EQ(ended.output, "141\n");
-    EXPECT_EQ(ended.error, "");
+    EXPECT_EQ(ended.errors, "");
     EXPECT_THAT(runningTools(statePath()), IsEmpty());
 }
 
@@ -135,9 +135,9 @@ TEST_F(ActiveInterrupt, AnOutputThatFailsLeavesNoToolEither)
     shell.insert(shell.end(), command.begin(), command.end());
     Process process(shell);
     EXPECT_TRUE(process.endsWithin(10000));
-    const Ended ended = process.wait();
+    const Result ended = process.finish();
     EXPECT_EQ(ended.status, 1);
-    EXPECT_EQ(ended.error, "dmpclaim: cannot write to standard output: No space left on device\n");
+    EXPECT_EQ(ended.errors, "dmpclaim: cannot write to standard output: No space left on device\n");
     EXPECT_THAT(runningTools(statePath()), IsEmpty());
 }
 

@@ -32,7 +32,7 @@ TEST_F(ActiveJobs, JobsPauseAtTheSameTime)
     for (char letter = 'a'; letter < 'i'; ++letter)
         arguments.push_back(std::string("/dev/sd") + letter);
     const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(Process(active(arguments, "1000")).wait().status, 0);
+    EXPECT_EQ(Process(active(arguments, "1000")).finish().status, 0);
     // One after the other they would pause for 32 seconds.
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(16));
     EXPECT_EQ(sleeps().size(), 32U);
@@ -45,7 +45,7 @@ TEST_F(ActiveJobs, TraceLinesOfAllJobsGoToTheFile)
                                 "/dev/sdc", "/dev/sdd"});
     EXPECT_EQ(outline(answers[1]["timeline"]).size(), 2U);
     std::vector<std::string> disks;
-    for (const std::string& line : linesOf(fileText(trace))) {
+    for (const std::string& line : linesOf(trace)) {
         EXPECT_THAT(line, testing::MatchesRegex("[-0-9T:.+]+ \\[[0-9]+\\] [123] .*"));
         const std::size_t name = line.find("3 ExecuteCommand command: ");
         if (name != std::string::npos && line.find("nodename=sd") != std::string::npos)
@@ -61,17 +61,17 @@ TEST_F(ActiveJobs, PathsOnStandardInputAreSharedOut)
                                    "bash"};
     const std::vector<std::string> command = active({"-j2", "-n", "-o", "active", "-"});
     shell.insert(shell.end(), command.begin(), command.end());
-    EXPECT_THAT(Process(shell).wait(), Succeeds("/dev/sdb\n/dev/sdb\n"));
+    EXPECT_THAT(Process(shell).finish(), Succeeds("/dev/sdb\n/dev/sdb\n"));
 }
 
 TEST_F(ActiveJobs, TheNumberHasBounds)
 {
     for (const char* jobs : {"0", "65", "-1", "x", "1.5", ""}) {
-        const Ended ended = run({"-j", jobs, "/dev/sdc"});
+        const Result ended = run({"-j", jobs, "/dev/sdc"});
         EXPECT_EQ(ended.status, 2) << jobs;
         EXPECT_EQ(ended.output, "");
     }
-    EXPECT_THAT(run({"-j", "65", "/dev/sdc"}).error,
+    EXPECT_THAT(run({"-j", "65", "/dev/sdc"}).errors,
                 testing::HasSubstr("'65' is not a number of jobs (1 to 64)"));
     EXPECT_TRUE(log().empty());
     EXPECT_EQ(run({"-j", "64", "/dev/sdc"}).status, 0);

@@ -38,7 +38,7 @@ protected:
     {
         std::filesystem::remove(logPath());
         const std::string path = "/dev/sd" + name;
-        const Ended ended = run({"-J", path});
+        const Result ended = run({"-J", path});
         EXPECT_EQ(ended.status, 0);
         const Json document = Json::parse(ended.output);
         EXPECT_EQ(document["paths"][0]["changed"], false);

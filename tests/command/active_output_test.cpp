@@ -6,7 +6,7 @@ class ActiveOutput : public ActiveCommand {};
 
 TEST_F(ActiveOutput, ATableShowsOwnerActivePathAndTime)
 {
-    const Ended ended = run({"/dev/sdb", "/dev/sdc", "/dev/mapper/mpatha"});
+    const Result ended = run({"/dev/sdb", "/dev/sdc", "/dev/mapper/mpatha"});
     EXPECT_EQ(ended.status, 0);
     const std::vector<std::string> lines = linesOf(ended.output);
     ASSERT_EQ(lines.size(), 4U);
@@ -23,8 +23,8 @@ TEST_F(ActiveOutput, StatusesTellWhetherPathsAreClaimed)
 {
     EXPECT_EQ(run({"/dev/sdc", "x"}).status, 64);
     EXPECT_THAT(run({"-n", "-o", "NAME,OWNER,ACTIVE,CHANGED", "-r", "x"}),
-                testing::AllOf(testing::Field(&Ended::status, 32),
-                               testing::Field(&Ended::output, "x - - no\n")));
+                testing::AllOf(testing::Field(&Result::status, 32),
+                               testing::Field(&Result::output, "x - - no\n")));
     EXPECT_EQ(run({}).status, 2);
 }
 
@@ -49,7 +49,7 @@ TEST_F(ActiveOutput, JsonHasTheTimeAsANumberAndTheTimeline)
 TEST_F(ActiveOutput, ADryRunRunsNothing)
 {
     for (const char* form : {"-J", "-r"}) {
-        const Ended ended = run({"--dry-run", "--refresh", form, "/dev/sdc", "/dev/mapper/a"});
+        const Result ended = run({"--dry-run", "--refresh", form, "/dev/sdc", "/dev/mapper/a"});
         EXPECT_EQ(ended.status, 0);
         EXPECT_THAT(ended.output, testing::HasSubstr("NODE"));
     }
@@ -66,7 +66,7 @@ TEST_F(ActiveOutput, ADryRunsJsonListsTheCommands)
 
 TEST_F(ActiveOutput, TraceLinesGoToStandardErrorToo)
 {
-    EXPECT_THAT(run({"--trace=3", "/dev/sdc"}).error,
+    EXPECT_THAT(run({"--trace=3", "/dev/sdc"}).errors,
                 testing::HasSubstr(" 3 ExecuteCommand command: /usr/sbin/kodmpadm   getdmpnode"));
 }
 
@@ -84,7 +84,7 @@ protected:
         std::string line;
         for (const std::string& word : active(arguments, "700"))
             line += "'" + word + "' ";
-        return Process({"script", "-qec", line, "/dev/null"}).wait().output;
+        return Process({"script", "-qec", line, "/dev/null"}).finish().output;
     }
 };
 
@@ -118,8 +118,8 @@ TEST_F(ActiveTerminal, ThereIsNoneAmongTraceLines)
 TEST_F(ActiveOutput, WithoutATerminalThereIsNoProgress)
 {
     useScenario("stale-repaired-by-waiting");
-    const Ended ended = Process(active({"/dev/sdc"}, "700")).wait();
-    EXPECT_EQ(ended.error, "");
+    const Result ended = Process(active({"/dev/sdc"}, "700")).finish();
+    EXPECT_EQ(ended.errors, "");
     EXPECT_EQ(sleeps().size(), 2U);
 }
 

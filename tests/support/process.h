@@ -18,6 +18,7 @@
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -120,6 +121,16 @@ public:
         }
     }
 
+    void signal(int number) const { kill(m_pid, number); }
+
+    /// Whether it ends before so many milliseconds have passed.
+    bool endsWithin(int milliseconds) const
+    {
+        const Descriptor child(static_cast<int>(syscall(SYS_pidfd_open, m_pid, 0)));
+        pollfd end{child.number(), POLLIN, 0};
+        return poll(&end, 1, milliseconds) == 1;
+    }
+
     /// Writes to the child's standard input; what the child does not take is lost.
     void send(std::string_view text)
     {
@@ -178,8 +189,8 @@ private:
         std::vector<std::string> environment = setting.environment;
         for (char** variable = environ; *variable != nullptr; ++variable)
             environment.emplace_back(*variable);
-        const int error = posix_spawn(&m_pid, arguments.front().c_str(), &actions, &attributes,
-                                      pointers(arguments).data(), pointers(environment).data());
+        const int error = posix_spawnp(&m_pid, arguments.front().c_str(), &actions, &attributes,
+                                       pointers(arguments).data(), pointers(environment).data());
         posix_spawnattr_destroy(&attributes);
         posix_spawn_file_actions_destroy(&actions);
         if (error != 0)
