@@ -56,7 +56,8 @@ public:
     ~CZeExecPipeBase() override;
 
     /// Runs `command` and waits until it has ended. Returns its exit status, 0 to 255, or one of
-    /// the results above; throws EZeExecPipe, and nothing else, when it cannot be run.
+    /// the results above; throws EZeExecPipe when it cannot be run, for want of memory too. Nothing
+    /// else is thrown but what the trace log throws.
     ///
     /// `command` is an absolute path and its arguments, separated by runs of spaces. There is no
     /// shell and no quoting: every other character reaches the program as it is.
@@ -82,7 +83,12 @@ public:
     /// Past `timeLimitSeconds` (0: the default limit; more than 1,000,000,000 counts as that), or
     /// past a bound, its whole process group gets SIGTERM and, after the grace at the latest,
     /// SIGKILL. The call then returns within another second. A program that even SIGKILL cannot
-    /// end, because it waits for a device that does not answer, is left behind.
+    /// end, because it waits for a device that does not answer, is left behind. So is, before
+    /// kernel 6.9 and in a host that reaps every child itself, what outlives the program in its
+    /// group: its number may mean another group by then.
+    ///
+    /// The host gets its SIGCHLD as for any child. Signals to this thread wait while the program
+    /// starts, a cancellation of it until the call returns.
     ///
     /// With a trace log, writes how long the command took and how it ended: at level 6 for
     /// success, else at level 2.

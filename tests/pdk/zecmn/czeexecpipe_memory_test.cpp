@@ -29,6 +29,11 @@ bool allocationFails()
     return memory;
 }
 
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocationFails() ? nullptr : std::malloc(size);
+}
+
 [[gnu::noinline]] void operator delete(void* memory) noexcept
 {
     std::free(memory);

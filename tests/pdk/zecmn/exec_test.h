@@ -48,14 +48,24 @@ protected:
         }
     }
 
-    /// Runs a program that ignores SIGTERM, with a child, past a bound and a grace of 100 ms.
+    /// Ends a program as soon as it prints a word, which is past a bound.
+    int execToFirstWord(const std::string& command, std::chrono::nanoseconds grace)
+    {
+        koze_pdk_4_4::runner::Program program;
+        program.arguments = {commandLine(command)};
+        program.environment = {mark()};
+        Lines lines;
+        const auto start = std::chrono::steady_clock::now();
+        const int result = koze_pdk_4_4::runner::run(
+            program, "", {std::chrono::seconds(60), grace, 1000, 4}, lines, lines);
+        m_took = std::chrono::steady_clock::now() - start;
+        return result;
+    }
+
+    /// Runs a program that ignores SIGTERM, with a child that does, too.
     void expectUnrulyOnesEnd()
     {
-        koze_pdk_4_4::runner::Program unruly;
-        unruly.arguments = {commandLine("ignore_term")};
-        unruly.environment = {mark()};
-        Lines lines;
-        EXPECT_EQ(koze_pdk_4_4::runner::run(unruly, "", briefly, lines, lines),
+        EXPECT_EQ(execToFirstWord("ignore_term", std::chrono::milliseconds(100)),
                   koze_pdk_4_4::CZeExecPipeBase::boundExceeded);
         expectNobodyLeft();
     }
@@ -65,9 +75,6 @@ protected:
     void traceTo(const koze_pdk_4_4::CZeTraceLogHandle& log) { m_log = log; }
 
 private:
-    static constexpr koze_pdk_4_4::runner::Limits briefly{std::chrono::seconds(60),
-                                                          std::chrono::milliseconds(100), 1000, 4};
-
     Lines m_output;
     std::chrono::steady_clock::duration m_took{};
     koze_pdk_4_4::CZeTraceLogHandle m_log;

@@ -58,6 +58,12 @@ static void identity()
         std::printf("%u\n", group);
 }
 
+static void directory()
+{
+    char path[4096];
+    std::puts(getcwd(path, sizeof path));
+}
+
 /// All of standard input, as it is.
 static void input()
 {
@@ -83,7 +89,7 @@ int main(int, char** argv)
     else if (what == "group")
         std::puts(getpgrp() == getpid() && getsid(0) != getpid() ? "leads its group" : "does not");
     else if (what == "directory")
-        std::puts(get_current_dir_name());
+        directory();
     else
         return 99;
     return 0;
