@@ -8,7 +8,7 @@ TEST_F(ActiveOutput, ATableShowsOwnerActivePathAndTime)
 {
     const Result ended = run({"/dev/sdb", "/dev/sdc", "/dev/mapper/mpatha"});
     EXPECT_EQ(ended.status, 0);
-    const std::vector<std::string> lines = linesOf(ended.output);
+    const std::vector<std::string> lines = splitLines(ended.output);
     ASSERT_EQ(lines.size(), 4U);
     EXPECT_THAT(lines[0], testing::MatchesRegex("NAME +OWNER +ACTIVE +CHANGED +TOOK"));
     EXPECT_THAT(lines[1],
