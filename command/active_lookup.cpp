@@ -40,7 +40,7 @@ namespace command {
 
 ActiveLookup::ActiveLookup(bool refresh, koze_pdk_4_4::CZeTraceSinkHandle sink, StopRequest& stop,
                            LookupStatus& status)
-    : m_refresh(refresh), m_sink(std::move(sink)), m_stop(stop), m_status(status)
+    : m_refresh(refresh), m_sink(sink), m_stop(stop), m_status(status)
 {}
 
 ActiveLookup::~ActiveLookup()

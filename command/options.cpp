@@ -203,7 +203,7 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app)
         return kind + plain(argument) + "'";
     }
     // "--output: 1 required LIST missing", "json was given a disallowed flag override"
-    const std::string text = error.what();
+    std::string text = error.what();
     const std::size_t end = text.find_first_of(": ");
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr || end == std::string::npos)
         return text;

@@ -12,7 +12,7 @@ RawOutput::RawOutput(OutputStream& output, std::vector<Column> columns, bool wit
     Row row;
     for (const Column& column : m_columns)
         row[column.key] = column.heading;
-    write(row);
+    RawOutput::write(row);
 }
 
 void RawOutput::write(const Row& row)

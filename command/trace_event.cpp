@@ -4,7 +4,6 @@
 
 namespace {
 
-using command::TraceEvent;
 using Kind = command::TraceEvent::Kind;
 
 constexpr std::string_view starts = "ExecuteCommand command: ";

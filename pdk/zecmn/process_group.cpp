@@ -22,6 +22,7 @@ namespace {
 bool runsIn(int proc, const char* entry, pid_t group)
 {
     char path[NAME_MAX + 6];
+    // NOLINTNEXTLINE(cert-err33-c): the path fits
     std::snprintf(path, sizeof path, "%s/stat", entry);
     const koze_pdk_4_4::runner::Descriptor file(openat(proc, path, O_RDONLY | O_CLOEXEC));
     char line[512] = "";
@@ -46,6 +47,7 @@ bool groupRuns(pid_t group)
     const std::unique_ptr<DIR, int (*)(DIR*)> proc(opendir("/proc"), closedir);
     if (proc == nullptr)
         return true;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the folder is open here only
     while (const dirent* entry = readdir(proc.get())) {
         if (entry->d_name[0] >= '1' && entry->d_name[0] <= '9' &&
             runsIn(dirfd(proc.get()), entry->d_name, group))

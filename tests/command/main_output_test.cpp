@@ -3,9 +3,6 @@
 
 #include "dmpclaim.h"
 
-using testing::HasSubstr;
-using testing::StartsWith;
-
 namespace {
 
 Result runIn(const std::string& locale, const std::vector<std::string>& arguments)

@@ -6,7 +6,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using command::Timeline;
-using command::TraceEvent;
 using Kind = command::TraceEvent::Kind;
 
 /// A timeline whose lines come at times that the test names.

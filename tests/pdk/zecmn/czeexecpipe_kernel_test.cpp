@@ -150,8 +150,6 @@ namespace {
 using koze_pdk_4_4::CZeExecPipeBase;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
-using testing::EndsWith;
-using testing::Pair;
 using testing::StartsWith;
 
 class ExecKernel : public ExecTest {

@@ -24,7 +24,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::Field;
-using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
