@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Adds `text` to what becomes a C string of the child: a NUL byte would cut it short.
+/// `text`, which becomes a C string of the child: a NUL byte would cut it short.
 const std::string& checked(const std::string& text, const char* what)
 {
     if (text.find('\0') != std::string::npos)
