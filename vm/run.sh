@@ -3,7 +3,7 @@
 # and command, and ends as the checks end.
 set -euo pipefail
 
-silence_limit=100 # seconds without a line from the guest: it hangs
+silence_limit=110 # seconds without a line from the guest: it hangs
 total_limit=900   # seconds; a guest that is alive needs far less on a busy machine
 
 usage() {
