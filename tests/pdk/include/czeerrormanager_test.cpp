@@ -68,7 +68,7 @@ public:
     explicit FilledErrorManager(const CZeMessageHandle& shared)
     {
         m_messages[1] = new Message("first");
-        m_messages[4294967295] = new Message("last");
+        m_messages[65537] = new Message("last");
         m_messages[7] = shared;
         m_buffer.reset(new char[16]);
         watched = m_buffer.get();

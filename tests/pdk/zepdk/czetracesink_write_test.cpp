@@ -60,8 +60,10 @@ extern "C" ssize_t write(int fd, const void* buf, size_t n)
         return static_cast<ssize_t>(n);
     const Answer answer = answers.front();
     answers.pop_front();
+    if (answer.error == 0)
+        return static_cast<ssize_t>(answer.taken);
     errno = answer.error;
-    return answer.error != 0 ? -1 : static_cast<ssize_t>(answer.taken);
+    return -1;
 }
 
 // The C library's ends a thread that is being cancelled, and may tell of an earlier write's error.
@@ -152,6 +154,14 @@ TEST_F(Write, IsAskedAgainWhenASignalInterruptsIt)
     ASSERT_THAT(written, SizeIs(3));
     EXPECT_EQ(written[0], written[2]);
     EXPECT_EQ(sink.dropped(), 0U);
+}
+
+TEST_F(Write, IsNotAskedAgainWhenItTakesNothing)
+{
+    answers = {{EINTR, 0}, {0, 0}};
+    sink.write(2, "lost");
+    EXPECT_THAT(written, SizeIs(2));
+    EXPECT_EQ(sink.dropped(), 1U);
 }
 
 TEST_F(Write, IsNotAskedAgainAfterAnyOtherError)
