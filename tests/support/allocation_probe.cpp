@@ -10,6 +10,7 @@ namespace {
 // Operator new may be called before any constructor has run, so all of this starts out as zeros.
 bool watching = false;
 std::size_t allocations = 0;
+std::size_t largestAllocation = 0;
 std::size_t failingAllocation = 0;
 std::array<void*, 4096> blocks = {};
 std::size_t blockCount = 0;
@@ -30,6 +31,7 @@ void* operator new(std::size_t size)
 {
     if (!watching)
         return allocate(size);
+    largestAllocation = std::max(largestAllocation, size);
     if (++allocations == failingAllocation)
         throw std::bad_alloc();
     void* block = allocate(size);
@@ -82,6 +84,7 @@ void operator delete[](void* block, std::size_t /*size*/) noexcept
 AllocationProbe::AllocationProbe(std::size_t failing)
 {
     allocations = 0;
+    largestAllocation = 0;
     failingAllocation = failing;
     blockCount = 0;
     watching = true;
@@ -96,6 +99,11 @@ AllocationProbe::~AllocationProbe()
 std::size_t AllocationProbe::made() const
 {
     return allocations;
+}
+
+std::size_t AllocationProbe::largest() const
+{
+    return largestAllocation;
 }
 
 bool AllocationProbe::failed() const

@@ -19,6 +19,9 @@ public:
     /// The number of allocations so far, the failed one included.
     std::size_t made() const;
 
+    /// The size of the largest allocation so far.
+    std::size_t largest() const;
+
     /// Whether the allocation that was to fail did.
     bool failed() const;
 

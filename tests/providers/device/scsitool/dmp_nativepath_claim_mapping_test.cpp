@@ -1,43 +1,17 @@
 // Reading the tables that map disk names to nodes and nodes to their best path.
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <new>
+#include <optional>
 
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
+#include "tests/support/allocation_probe.h"
 #include "tests/support/scripted_tools.h"
 #include "tests/support/trace_outline.h"
 
 using koze_pdk_4_4::EZeExecPipe;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace {
-
-constexpr std::size_t longLine = 4096;
-int longAllocations = 0;
-
-} // namespace
-
-// Not inlined: the compiler would take the pair below for a mismatch.
-[[gnu::noinline]] void* operator new(std::size_t size)
-{
-    longAllocations += size > longLine ? 1 : 0;
-    void* memory = std::malloc(size);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    return memory;
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept
-{
-    std::free(memory);
-}
 
 namespace {
 
@@ -356,18 +330,20 @@ TEST_F(KoDmpMapping, TheNameMayBePassedAsItsOwnResult)
 
 TEST_F(KoDmpMapping, NoLineIsCopiedWithoutALog)
 {
-    CKoDMPSupport silent;
+    constexpr std::size_t longLine = 4096;
     const Lines table{"NAME", "=", "sdb DISABLED x" + std::string(longLine, ' '),
                       "sdc ENABLED x" + std::string(longLine, ' ')};
-    m_tools.answer({pathCommand, 0, table, [] { longAllocations = 0; }});
-    EXPECT_EQ(silent.getOSDiskHandleForKoVMDisk("arr0_17", m_name), 0);
-    EXPECT_EQ(m_name, "sdc");
-    EXPECT_EQ(longAllocations, 0);
-    m_tools.answer({pathCommand, 1, table, [] { longAllocations = 0; }});
-    EXPECT_EQ(silent.getOSDiskHandleForKoVMDisk("arr0_17", m_name), 1);
-    EXPECT_EQ(longAllocations, 0);
-    EXPECT_EQ(path(table), 0);
-    EXPECT_GT(longAllocations, 0); // With a log the lines are joined for its message.
+    CKoDMPSupport silent;
+    for (const int status : {0, 1}) {
+        std::optional<AllocationProbe> probe;
+        m_tools.answer({pathCommand, status, table, [&] { probe.emplace(); }});
+        EXPECT_EQ(silent.getOSDiskHandleForKoVMDisk("arr0_17", m_name), status);
+        EXPECT_LT(probe->largest(), longLine);
+    }
+    std::optional<AllocationProbe> probe;
+    m_tools.answer({pathCommand, 0, table, [&] { probe.emplace(); }});
+    m_support.getOSDiskHandleForKoVMDisk("arr0_17", m_name);
+    EXPECT_GT(probe->largest(), longLine); // With a log the lines are joined for its message.
 }
 
 TEST_F(KoDmpMapping, ResultsDoNotDependOnTracing)
