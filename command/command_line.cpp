@@ -43,6 +43,26 @@ unless trace lines go there.
 An interrupt (SIGINT, SIGTERM, SIGHUP) ends the tools that run, and the command
 with status 130, 143 or 129.)";
 
+constexpr char doctorFooter[] =
+    R"(Looks at the volume manager's tools and asks them about every native disk, or the
+PATHs; asking changes nothing. Then it holds the names in /dev against the kernel's
+devices. A tool that takes more than 30 seconds is ended and not asked again.
+
+Every finding has a state: ok, note (good to know), warning (an answer may be
+wrong) or error (it is wrong, or none is given), and says what to do. JSON holds
+besides what somebody who helps from afar needs: versions, modules (in the order
+in which they are asked), names, commands (what the tools printed) and trace.
+
+Exit status:
+   0  nothing is wrong
+  64  there are warnings
+  32  there are errors
+
+An interrupt (SIGINT, SIGTERM, SIGHUP) ends the tool that runs, and the command
+with status 130, 143 or 129.
+
+-J and --trace: see 'dmpclaim --help'.)";
+
 constexpr char sharedFooter[] =
     "-J, -o, -n, -r, --trace and the exit status: see 'dmpclaim --help'.";
 
@@ -102,15 +122,16 @@ CLI::App* addSubcommand(CLI::App& app, const char* name, const char* help, std::
     return subcommand;
 }
 
-void addPaths(CLI::App* subcommand)
+CLI::Option* addPaths(CLI::App* subcommand)
 {
-    subcommand->add_option("PATH")
-        ->option_text(" ...")
-        ->description(pathHelp)
-        ->required()
-        ->expected(1, CLI::detail::expected_max_vector_size)
-        ->allow_extra_args();
+    CLI::Option* paths = subcommand->add_option("PATH")
+                             ->option_text(" ...")
+                             ->description(pathHelp)
+                             ->required()
+                             ->expected(1, CLI::detail::expected_max_vector_size)
+                             ->allow_extra_args();
     addFlag(*subcommand, "-0,--null", "Paths on standard input are NUL-separated");
+    return paths;
 }
 
 void addActive(CLI::App& app)
@@ -132,6 +153,14 @@ void addActive(CLI::App& app)
     addFlag(*active, "--no-progress", "Show no progress");
 }
 
+void addDoctor(CLI::App& app)
+{
+    CLI::App* doctor =
+        app.add_subcommand("doctor", "Tell what is wrong on this machine, and what to do");
+    doctor->footer(doctorFooter);
+    addPaths(doctor)->required(false);
+}
+
 void addSubcommands(CLI::App& app)
 {
     using namespace command;
@@ -146,6 +175,7 @@ void addSubcommands(CLI::App& app)
     addPaths(addSubcommand(app, "strip", "Print the paths of the disks that hold partitions",
                            bareFooter, &diskColumns()));
     addActive(app);
+    addDoctor(app);
     addSubcommand(app, "prefixes", "Print the path prefixes that the drivers claim", bareFooter,
                   &prefixColumns());
 }

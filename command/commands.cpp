@@ -6,6 +6,7 @@
 #include "bare_output.h"
 #include "block_devices.h"
 #include "device_row.h"
+#include "doctor/doctor.h"
 #include "drivers.h"
 #include "dry_run.h"
 #include "explanation.h"
@@ -168,6 +169,8 @@ namespace command {
 
 int runCommand(const Options& options, OutputStream& output)
 {
+    if (options.subcommand == Subcommand::doctor)
+        return runDoctor(options, output);
     return Run(options, output).run();
 }
 

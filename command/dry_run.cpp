@@ -1,69 +1,18 @@
 #include "dry_run.h"
 
-#include <functional>
-
 #include "device_row.h"
-#include "pdk/include/czetracesink.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
-#include "trace_event.h"
+#include "tool_commands.h"
 
 namespace {
 
+using command::nodeQuery;
+using command::pathQuery;
+using command::removal;
+using command::rescan;
 using command::Row;
 
 constexpr char placeholder[] = "NODE";
-
-/// A command line that was about to run.
-struct NotRun {
-    std::string command;
-};
-
-/// The command line that `operation` would run first, as the library builds it: the line that
-/// announces it is where the operation ends.
-std::string commandOf(const std::function<void(CKoDMPSupport&)>& operation)
-{
-    koze_pdk_4_4::CZeTraceLogHandle log = new koze_pdk_4_4::CZeTraceLog;
-    log->setSink(new koze_pdk_4_4::CZeTraceCallbackSink(
-        koze_pdk_4_4::CZeTraceSink::everything, [](int level, std::string_view text) {
-            const command::TraceEvent event = command::traceEvent(level, text);
-            if (event.kind == command::TraceEvent::Kind::toolStarts)
-                throw NotRun{std::string(event.command)};
-        }));
-    CKoDMPSupport support;
-    support.registerTraceLog(log);
-    try {
-        operation(support);
-    } catch (const NotRun& found) {
-        return found.command;
-    }
-    return {};
-}
-
-std::string nodeQuery(const std::string& disk)
-{
-    return commandOf([&](CKoDMPSupport& support) {
-        std::string node;
-        support.getKoVMDiskForOSDiskHandler(disk, node);
-    });
-}
-
-std::string pathQuery()
-{
-    return commandOf([](CKoDMPSupport& support) {
-        std::string disk;
-        support.getOSDiskHandleForKoVMDisk(placeholder, disk);
-    });
-}
-
-std::string removal()
-{
-    return commandOf([](CKoDMPSupport& support) { support.removeDisksFromKoVM(placeholder); });
-}
-
-std::string rescan(const std::vector<std::string>& disks)
-{
-    return commandOf([&](CKoDMPSupport& support) { support.kovmScanDisks(disks); });
-}
 
 struct Step {
     std::string command;
@@ -76,16 +25,16 @@ std::vector<Step> waitingSteps(const std::string& disk)
 {
     return {{nodeQuery(disk), "first; up to 4 times until it succeeds"},
             {rescan({disk}), "5 seconds after each failure of the line above"},
-            {pathQuery(), finding}};
+            {pathQuery(placeholder), finding}};
 }
 
 std::vector<Step> refreshingSteps(const std::string& disk)
 {
     return {{nodeQuery(disk), "first"},
-            {removal(), "when the line above succeeded"},
+            {removal(placeholder), "when the line above succeeded"},
             {rescan({}), "before each of the following"},
             {nodeQuery(disk), "up to 4 times until it succeeds, 10 seconds after each failure"},
-            {pathQuery(), finding}};
+            {pathQuery(placeholder), finding}};
 }
 
 } // namespace

@@ -1,38 +1,16 @@
 #include "explanation_output.h"
 
 #include "printable.h"
+#include "wrapped.h"
 
 namespace {
 
-constexpr std::size_t lineWidth = 79;
 constexpr std::size_t labelWidth = 15;
 
 std::string padded(std::string text, std::size_t width)
 {
     text.resize(std::max(width, text.size()), ' ');
     return text;
-}
-
-/// Breaks `text` at blanks, so that lines indented by `indent` stay within the width. A word that
-/// is too long for any line gets one of its own.
-std::string wrapped(std::string_view text, std::size_t indent)
-{
-    std::string result;
-    std::size_t column = indent;
-    while (!text.empty()) {
-        const std::string_view word = text.substr(0, std::min(text.find(' '), text.size()));
-        text.remove_prefix(std::min(word.size() + 1, text.size()));
-        if (column > indent && column + 1 + word.size() > lineWidth) {
-            result += '\n' + std::string(indent, ' ');
-            column = indent;
-        } else if (column > indent) {
-            result += ' ';
-            ++column;
-        }
-        result += word;
-        column += word.size();
-    }
-    return result;
 }
 
 std::string prefixList(const command::Row& prefixes)

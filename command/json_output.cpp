@@ -2,6 +2,12 @@
 
 namespace command {
 
+std::string jsonText(const Row& document)
+{
+    const auto replace = nlohmann::ordered_json::error_handler_t::replace;
+    return document.dump(2, ' ', false, replace) + '\n';
+}
+
 JsonOutput::JsonOutput(OutputStream& output, const char* array, std::vector<Column> columns)
     : m_output(output), m_array(array), m_columns(std::move(columns)),
       m_document({{"schema", 1}, {array, Row::array()}})
@@ -16,8 +22,7 @@ void JsonOutput::write(const Row& row)
 
 void JsonOutput::finish()
 {
-    const auto replace = nlohmann::ordered_json::error_handler_t::replace;
-    m_output.write(m_document.dump(2, ' ', false, replace) + '\n');
+    m_output.write(jsonText(m_document));
 }
 
 } // namespace command

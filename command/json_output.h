@@ -1,16 +1,19 @@
 #ifndef JSON_OUTPUT_H
 #define JSON_OUTPUT_H
 
+#include <string>
+
 #include "output_stream.h"
 #include "row_writer.h"
 
 namespace command {
 
+/// The document as text, with its line end. Bytes that are not UTF-8 become U+FFFD.
+std::string jsonText(const Row& document);
+
 /// Writes all rows as one document when the last has come:
 ///
 ///     { "schema": 1, ARRAY: [ { KEY: FIELD, ... }, ... ] }
-///
-/// Bytes that are not UTF-8 become U+FFFD.
 class JsonOutput : public RowWriter {
 public:
     /// Writes the fields of `columns`, or whole rows when there are none.

@@ -112,14 +112,15 @@ Subcommand subcommandNamed(const std::string& name)
         {"list", Subcommand::list},       {"show", Subcommand::show},
         {"explain", Subcommand::explain}, {"append", Subcommand::append},
         {"strip", Subcommand::strip},     {"prefixes", Subcommand::prefixes},
-        {"active", Subcommand::active}};
+        {"active", Subcommand::active},   {"doctor", Subcommand::doctor}};
     return subcommands.at(name);
 }
 
-bool asksForPaths(Subcommand subcommand)
+bool takesPaths(Subcommand subcommand)
 {
     return subcommand == Subcommand::show || subcommand == Subcommand::explain ||
-           subcommand == Subcommand::strip || subcommand == Subcommand::active;
+           subcommand == Subcommand::strip || subcommand == Subcommand::active ||
+           subcommand == Subcommand::doctor;
 }
 
 /// Null for a subcommand that prints no table.
@@ -129,6 +130,7 @@ const ColumnSet* columnsOf(const Options& options)
     case Subcommand::active:
         return options.dryRun ? &commandColumns() : &activeColumns();
     case Subcommand::explain:
+    case Subcommand::doctor:
         return nullptr;
     case Subcommand::append:
         return &partitionColumns();
@@ -147,26 +149,27 @@ bool isTabular(Subcommand subcommand)
            subcommand == Subcommand::active;
 }
 
-Form chosenForm(const CLI::App& app, Subcommand subcommand, bool isTable)
+Form chosenForm(const CLI::App& app, bool hasColumns, bool isTable)
 {
     if (isGiven(app, "--json"))
         return Form::json;
-    if (subcommand == Subcommand::explain)
+    if (!hasColumns)
         return Form::text;
     if (isGiven(app, "--raw"))
         return Form::raw;
     return isTable ? Form::table : Form::bare;
 }
 
-void readOutput(const CLI::App& app, Options& options)
+/// `name` is the subcommand's.
+void readOutput(const CLI::App& app, const std::string& name, Options& options)
 {
     const std::optional<std::string> list = lastValue(app, "--output");
     const bool isTable = list || isTabular(options.subcommand);
-    options.form = chosenForm(app, options.subcommand, isTable);
-    options.withHeadings = isTable && !isGiven(app, "--noheadings");
     const ColumnSet* columns = columnsOf(options);
+    options.form = chosenForm(app, columns != nullptr, isTable);
+    options.withHeadings = isTable && !isGiven(app, "--noheadings");
     if (list && columns == nullptr)
-        throw UsageError("explain prints no columns that --output could choose");
+        throw UsageError(name + " prints no columns that --output could choose");
     if (columns == nullptr)
         return;
     const std::vector<Column>& usual = options.form == Form::json ? columns->all : columns->usual;
@@ -175,7 +178,7 @@ void readOutput(const CLI::App& app, Options& options)
 
 void readArguments(const CLI::App& subcommand, Options& options)
 {
-    if (asksForPaths(options.subcommand)) {
+    if (takesPaths(options.subcommand)) {
         options.paths = valuesOf(subcommand.get_option("PATH"));
         options.nulSeparated = isGiven(subcommand, "--null");
     } else if (options.subcommand == Subcommand::append) {
@@ -231,7 +234,7 @@ Options readOptions(const CLI::App& app)
     Options options;
     options.subcommand = subcommandNamed(subcommand.get_name());
     readArguments(subcommand, options);
-    readOutput(app, options);
+    readOutput(app, subcommand.get_name(), options);
     options.trace.level = parseLevel(lastValue(app, "--trace"));
     options.trace.file = lastValue(app, "--trace-file");
     return options;

@@ -10,14 +10,14 @@
 
 namespace command {
 
-enum class Subcommand { list, show, explain, append, strip, prefixes, active };
+enum class Subcommand { list, show, explain, append, strip, prefixes, active, doctor };
 
 enum class Form { table, raw, bare, text, json };
 
 /// What the user asks for.
 struct Options {
     Subcommand subcommand = Subcommand::list;
-    std::vector<std::string> paths; // of append: the disk
+    std::vector<std::string> paths; // of append: the disk; of doctor: none for all disks
     unsigned int partnum = 0;       // of append
     bool nulSeparated = false;
     bool refresh = false; // of active, like the next three
@@ -26,7 +26,7 @@ struct Options {
     unsigned int jobs = 1;
     Form form = Form::table;
     bool withHeadings = true;
-    std::vector<Column> columns; // of explain: none
+    std::vector<Column> columns; // of explain and doctor: none
     TraceOptions trace;
 };
 

@@ -44,6 +44,18 @@ private:
     std::atomic<int> m_tools{0};
 };
 
+/// Counts as a tool that runs, as long as it lives. Throws what beginTool throws.
+class RunningTool {
+public:
+    explicit RunningTool(StopRequest& stop) : m_stop(stop) { m_stop.beginTool(); }
+    RunningTool(const RunningTool&) = delete;
+    RunningTool& operator=(const RunningTool&) = delete;
+    ~RunningTool() { m_stop.endTool(); }
+
+private:
+    StopRequest& m_stop;
+};
+
 } // namespace command
 
 #endif

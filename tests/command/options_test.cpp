@@ -189,15 +189,26 @@ TEST(Options, FlagsTakeNoValue)
     EXPECT_EQ(complaint({"show", "x", "--null=1"}), "show: --null takes no value");
 }
 
-TEST(Options, ExplainHasNoColumns)
+TEST(Options, ExplainAndDoctorHaveNoColumns)
 {
     EXPECT_THAT(complaint({"explain", "x", "-o", "NAME"}), HasSubstr("explain prints no columns"));
+    EXPECT_THAT(complaint({"doctor", "-o", "NAME"}), HasSubstr("doctor prints no columns"));
+}
+
+TEST(Options, DoctorNeedsNoPathsAndPrintsText)
+{
+    EXPECT_EQ(options({"doctor"}).form, Form::text);
+    EXPECT_THAT(options({"doctor"}).paths, testing::IsEmpty());
+    EXPECT_EQ(options({"doctor", "-J"}).form, Form::json);
+    EXPECT_THAT(options({"doctor", "/dev/sda", "/dev/sdb"}).paths,
+                testing::ElementsAre("/dev/sda", "/dev/sdb"));
 }
 
 TEST(Options, HelpIsAnAnswer)
 {
     EXPECT_THAT(information({"--help"}), HasSubstr("Exit status:"));
-    for (const char* subcommand : {"list", "show", "explain", "append", "strip", "prefixes"}) {
+    for (const char* subcommand :
+         {"list", "show", "explain", "append", "strip", "prefixes", "active", "doctor"}) {
         EXPECT_THAT(information({"-h"}), HasSubstr(std::string("\n  ") + subcommand));
         EXPECT_THAT(information({subcommand, "--help"}),
                     HasSubstr(std::string("Usage: dmpclaim ") + subcommand));

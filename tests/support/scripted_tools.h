@@ -9,9 +9,12 @@
 #include <algorithm>
 #include <deque>
 #include <functional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 #include "pdk/include/czeexecpipe.h"
 
@@ -71,8 +74,11 @@ public:
 
     /// What was asked for, in order: command lines, "access PATH MODE", "sleep SECONDS".
     std::vector<std::string> events;
-    /// What `access` answers.
+    /// What `access` answers: all that is asked about is there and executable, or nothing; but for
+    /// these files.
     bool installed = true;
+    std::set<std::string> missing;
+    std::set<std::string> notExecutable;
     /// What a sleep leaves over, as when a signal interrupts it; the next ones leave nothing.
     unsigned int sleepLeavesOver = 0;
     int runners = 0;
@@ -118,7 +124,8 @@ extern "C" int access(const char* name, int type) noexcept
 {
     ScriptedTools& tools = *ScriptedTools::current();
     tools.events.push_back("access " + std::string(name) + " " + std::to_string(type));
-    return tools.installed ? 0 : -1;
+    const bool isDenied = type == X_OK && tools.notExecutable.count(name) > 0;
+    return tools.installed && tools.missing.count(name) == 0 && !isDenied ? 0 : -1;
 }
 
 extern "C" unsigned int sleep(unsigned int seconds)

@@ -1,0 +1,232 @@
+#include "doctor/device_examination.h"
+
+#include <algorithm>
+#include <fstream>
+#include <system_error>
+
+#include "doctor/kernel_maps.h"
+#include "row_writer.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using command::KernelMap;
+using command::Row;
+using State = command::Finding::State;
+
+constexpr char mapperFolder[] = "/dev/mapper/";
+
+/// A driver of the library, and its name in the kernel's list.
+struct Driver {
+    const char* name;
+    const char* kernelName;
+};
+
+constexpr Driver drivers[] = {
+    {"native", "sd"}, {"powerpath", "emcpower"}, {"device-mapper", "device-mapper"}};
+
+/// Whether the list of drivers names this one.
+///
+///     line = [ blank+ ] major " " name          253 device-mapper
+bool isInKernel(const fs::path& list, const std::string& name)
+{
+    std::ifstream file(list);
+    std::string major;
+    for (std::string word; file >> major >> word;) {
+        if (word == name)
+            return true;
+    }
+    return false;
+}
+
+bool isThere(const fs::path& path)
+{
+    std::error_code error;
+    return fs::exists(path, error);
+}
+
+std::string lastPart(const std::string& path, const std::string& folder)
+{
+    return path.substr(folder.size());
+}
+
+bool isMapper(const std::string& path)
+{
+    return path.rfind(mapperFolder, 0) == 0;
+}
+
+/// The names of the modules that claim a path.
+std::vector<std::string> claimers(const Row& row)
+{
+    std::vector<std::string> names;
+    for (const Row& module : row["modules"]) {
+        if (module["claim"] != 0)
+            names.push_back(module["module"]);
+    }
+    return names;
+}
+
+/// What a map is to the kernel, or the library's reading of its node.
+enum Kind { disk, partition, other };
+
+Kind kindOf(const KernelMap& map)
+{
+    if (map.isMultipathDisk())
+        return disk;
+    return map.isMultipathPartition() ? partition : other;
+}
+
+Kind readingOf(const Row& row)
+{
+    if (row["owner"].is_null())
+        return other;
+    return row["partition"] ? partition : disk;
+}
+
+struct Difference {
+    State state = State::ok;
+    const char* text = nullptr; // null when kernel and library agree
+    const char* advice = nullptr;
+};
+
+constexpr Difference falseClaim{
+    State::note, "the library takes it for a multipath device, which it is not to the kernel",
+    "Do not hand it to hosts that expect disks. A name with a '-' would be left unclaimed."};
+
+// By what it is to the kernel, and by what it is to the library.
+constexpr Difference differences[3][3] = {
+    {{},
+     {State::warning, "a multipath disk, but the library takes it for a partition",
+      "Give it an alias that does not end in 'p' and a digit."},
+     {State::warning, "a multipath disk, but no driver claims its name",
+      "Give it an alias without '-' in multipath.conf."}},
+    {{State::warning, "a partition of a multipath disk, but the library takes it for a disk",
+      "Name partitions with a 'p' and one digit: kpartx -a -p p"},
+     {},
+     {State::note, "a partition of a multipath disk, but no driver claims its name",
+      "Ask about the disk, or name partitions with a 'p': kpartx -a -p p"}},
+    {falseClaim, falseClaim, {}}};
+
+class DeviceExamination {
+public:
+    DeviceExamination(const command::Places& places, const Row& names,
+                      const command::FindingReceiver& report)
+        : m_places(places), m_names(names), m_report(report),
+          m_maps(command::kernelMaps(places.sysfsBlock))
+    {}
+
+    void run()
+    {
+        for (const Driver& driver : drivers)
+            count(driver);
+        for (const Row& row : m_names)
+            examineName(row);
+        for (const KernelMap& map : m_maps)
+            examineMap(map);
+        tellOfWarnings();
+    }
+
+private:
+    void count(const Driver& driver)
+    {
+        const auto claimed = std::count_if(m_names.begin(), m_names.end(), [&](const Row& row) {
+            return row["owner"] == driver.name;
+        });
+        m_report(
+            {State::ok, driver.name,
+             std::string(isInKernel(m_places.drivers, driver.kernelName) ? "in the kernel"
+                                                                         : "not in the kernel") +
+                 "; owns " + std::to_string(claimed) + " of " + std::to_string(m_names.size()) +
+                 " block devices",
+             ""});
+    }
+
+    void examineName(const Row& row)
+    {
+        const std::string path = row["name"];
+        const std::vector<std::string> names = claimers(row);
+        if (names.size() > 1)
+            m_report({State::warning, path,
+                      names[0] + " and " + names[1] + " claim it, and " +
+                          command::cellText(row["owner"]) + " gets it",
+                      "Use a path that holds the prefix of one driver only."});
+        if (isMapper(path))
+            examineMapperNode(path);
+        else if (!names.empty())
+            examineNode(path);
+    }
+
+    void examineMapperNode(const std::string& path)
+    {
+        const std::string name = lastPart(path, mapperFolder);
+        const bool isKnown = std::any_of(m_maps.begin(), m_maps.end(),
+                                         [&](const KernelMap& map) { return map.name == name; });
+        if (!isKnown)
+            m_report({State::warning, path, "a node, but the kernel has no such map",
+                      "'dmsetup mknodes' removes nodes that were left behind."});
+    }
+
+    /// Of a native or PowerPath device.
+    void examineNode(const std::string& path)
+    {
+        std::string name = lastPart(path, "/dev/");
+        const bool hasNode = isThere(m_places.dev / name);
+        std::replace(name.begin(), name.end(), '/', '!');
+        const bool hasDevice = isThere(m_places.sysfsBlock / name);
+        if (hasDevice && !hasNode)
+            m_report({State::error, path, "a device of the kernel, but the node is missing",
+                      "Have udev make it: udevadm trigger --action=add --subsystem-match=block"});
+        if (hasNode && !hasDevice)
+            m_report({State::warning, path, "a node, but the kernel has no such device",
+                      "Check that its driver is loaded, else remove the node."});
+    }
+
+    void examineMap(const KernelMap& map)
+    {
+        const std::string path = mapperFolder + map.name;
+        const auto row = std::find_if(m_names.begin(), m_names.end(),
+                                      [&](const Row& name) { return name["name"] == path; });
+        if (row != m_names.end())
+            compare(map, *row);
+        else if (kindOf(map) != other)
+            m_report({State::error, path, "a map of the kernel, but the node is missing",
+                      "Have it made: dmsetup mknodes"});
+    }
+
+    void compare(const KernelMap& map, const Row& row)
+    {
+        const Difference& difference = differences[kindOf(map)][readingOf(row)];
+        if (difference.text != nullptr)
+            m_report({difference.state, row["name"], difference.text, difference.advice});
+    }
+
+    void tellOfWarnings()
+    {
+        const auto isAmbiguous = [](const Row& row) { return !row["warnings"].empty(); };
+        const auto count = std::count_if(m_names.begin(), m_names.end(), isAmbiguous);
+        if (count == 0)
+            return;
+        const auto first = std::find_if(m_names.begin(), m_names.end(), isAmbiguous);
+        m_report({State::note, (*first)["name"],
+                  "other tools may read or name it differently, as " + std::to_string(count) +
+                      " of " + std::to_string(m_names.size()) + " block devices",
+                  "'dmpclaim explain' tells more about each."});
+    }
+
+    const command::Places& m_places;
+    const Row& m_names;
+    const command::FindingReceiver& m_report;
+    std::vector<KernelMap> m_maps;
+};
+
+} // namespace
+
+namespace command {
+
+void examineDevices(const Places& places, const Row& names, const FindingReceiver& report)
+{
+    DeviceExamination(places, names, report).run();
+}
+
+} // namespace command

@@ -1,0 +1,183 @@
+#include "doctor/doctor.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "block_devices.h"
+#include "device_row.h"
+#include "doctor/device_examination.h"
+#include "doctor/finding_output.h"
+#include "doctor/tool_examination.h"
+#include "doctor/versions.h"
+#include "drivers.h"
+#include "explanation.h"
+#include "interrupt.h"
+#include "json_output.h"
+#include "trace.h"
+#include "wanted_paths.h"
+
+using namespace command;
+using namespace koze_pdk_4_4;
+
+namespace {
+
+/// Takes the findings: as text they are written at once, for JSON they are kept.
+class Findings {
+public:
+    /// `output` is null for JSON.
+    explicit Findings(OutputStream* output) : m_output(output) {}
+
+    void take(const Finding& finding)
+    {
+        ++m_counts[finding.state];
+        m_rows.push_back(findingRow(finding));
+        if (m_output == nullptr)
+            return;
+        m_output->write(findingText(finding));
+        m_output->flush();
+    }
+
+    const FindingCounts& counts() const { return m_counts; }
+    const Row& rows() const { return m_rows; }
+
+private:
+    OutputStream* m_output;
+    FindingCounts m_counts;
+    Row m_rows = Row::array();
+};
+
+/// Keeps the trace lines that it gets, and hands them on to where the user wants them.
+class TraceRecorder {
+public:
+    explicit TraceRecorder(CZeTraceSinkHandle userSink) : m_userSink(userSink) {}
+
+    /// A log for lines to this recorder, which must outlive it.
+    CZeTraceLogHandle openLog()
+    {
+        CZeTraceLogHandle log = new CZeTraceLog;
+        log->setSink(new CZeTraceCallbackSink(
+            CZeTraceSink::everything,
+            [this](int level, std::string_view text) { take(level, text); }));
+        return log;
+    }
+
+    const Row& lines() const { return m_lines; }
+
+private:
+    void take(int level, std::string_view text)
+    {
+        m_lines.push_back({{"level", level}, {"text", text}});
+        if (m_userSink && m_userSink->wants(level))
+            m_userSink->write(level, text);
+    }
+
+    CZeTraceSinkHandle m_userSink;
+    Row m_lines = Row::array();
+};
+
+class Doctor {
+public:
+    Doctor(const Options& options, CZeTraceLogHandle log, StopRequest& stop, Findings& findings)
+        : m_options(options), m_receiver([&](const Finding& finding) { findings.take(finding); }),
+          m_modules(makeModules(log)), m_tools(log, stop, m_receiver)
+    {
+        m_manager.registerTraceLog(log);
+    }
+
+    void examine()
+    {
+        const Places places;
+        for (const std::string& path : blockDevices(places.sysfsBlock, places.dev))
+            m_names.push_back(explanation(m_manager, m_modules, path));
+        m_tools.examineTools();
+        if (m_options.paths.empty())
+            askAboutAll();
+        else
+            askAboutGiven();
+        examineDevices(places, m_names, m_receiver);
+    }
+
+    /// What a support engineer asks for, but for findings and trace.
+    Row report() const
+    {
+        Row modules = Row::array();
+        for (const auto& module : m_modules)
+            modules.push_back({{"module", driverName(module.get())},
+                               {"prefixes", module->getDeviceClaimStrings()}});
+        return {{"schema", 1},
+                {"versions", versions()},
+                {"modules", modules},
+                {"names", m_names},
+                {"commands", m_tools.commands()}};
+    }
+
+private:
+    void askAboutAll()
+    {
+        for (const Row& row : m_names) {
+            if (row["owner"] == "native" && !row["partition"])
+                m_tools.examineDisk(row["name"]);
+        }
+    }
+
+    void askAboutGiven()
+    {
+        PathSource paths = wantedPaths(m_options, [] {});
+        while (const std::optional<std::string> path = paths.next()) {
+            const Row row = deviceRow(m_manager, *path);
+            if (row["owner"] == "native")
+                m_tools.examineDisk(*path);
+            else
+                m_receiver({Finding::State::note, *path,
+                            "no native path: the volume manager is not asked about it", ""});
+        }
+    }
+
+    const Options& m_options;
+    FindingReceiver m_receiver;
+    CDmpClaimManager m_manager;
+    std::vector<std::unique_ptr<CDmpDeviceClaimBase>> m_modules;
+    ToolExamination m_tools;
+    Row m_names = Row::array();
+};
+
+int exitStatus(const FindingCounts& counts)
+{
+    if (counts.count(Finding::State::error) > 0)
+        return 32;
+    return counts.count(Finding::State::warning) > 0 ? 64 : 0;
+}
+
+} // namespace
+
+namespace command {
+
+int runDoctor(const Options& options, OutputStream& output)
+{
+    const bool isJson = options.form == Form::json;
+    TraceRecorder trace(openTraceSink(options.trace));
+    Findings findings(isJson ? nullptr : &output);
+    StopRequest stop;
+    Interrupt interrupt(stop, [] {});
+    Doctor doctor(options, trace.openLog(), stop, findings);
+    try {
+        doctor.examine();
+    } catch (const Interrupted&) {
+        // The one who interrupts ends the process.
+    }
+    interrupt.finish();
+    if (isJson) {
+        Row report = doctor.report();
+        report["findings"] = findings.rows();
+        report["trace"] = trace.lines();
+        output.write(jsonText(report));
+    } else {
+        output.write(summary(findings.counts()));
+    }
+    output.flush();
+    return exitStatus(findings.counts());
+}
+
+} // namespace command

@@ -1,0 +1,25 @@
+#ifndef DOCTOR_FINDING_H
+#define DOCTOR_FINDING_H
+
+#include <functional>
+#include <string>
+
+namespace command {
+
+/// One thing that the examination of a machine found.
+struct Finding {
+    /// A note is good to know, a warning may make an answer wrong, an error makes it.
+    enum class State { ok, note, warning, error };
+
+    State state;
+    std::string subject; // a device, a tool or a driver
+    std::string text;    // what was found
+    std::string advice;  // what to do; empty when nothing need be done
+};
+
+/// Takes the findings as they come.
+using FindingReceiver = std::function<void(const Finding&)>;
+
+} // namespace command
+
+#endif

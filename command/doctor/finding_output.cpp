@@ -1,0 +1,67 @@
+#include "doctor/finding_output.h"
+
+#include "printable.h"
+#include "wrapped.h"
+
+namespace {
+
+constexpr std::size_t indent = 9;
+
+std::string counted(std::size_t count, const char* noun)
+{
+    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+} // namespace
+
+namespace command {
+
+const char* stateName(Finding::State state)
+{
+    switch (state) {
+    case Finding::State::ok:
+        return "ok";
+    case Finding::State::note:
+        return "note";
+    case Finding::State::warning:
+        return "warning";
+    default:
+        return "error";
+    }
+}
+
+std::string findingText(const Finding& finding)
+{
+    std::string text = stateName(finding.state);
+    text.resize(indent, ' ');
+    text += wrapped(printable(finding.subject + ": " + finding.text), indent) + '\n';
+    if (!finding.advice.empty())
+        text += std::string(indent, ' ') + wrapped(printable("To do: " + finding.advice), indent) +
+                '\n';
+    return text;
+}
+
+Row findingRow(const Finding& finding)
+{
+    return {{"state", stateName(finding.state)},
+            {"subject", finding.subject},
+            {"text", finding.text},
+            {"advice", finding.advice.empty() ? Row() : Row(finding.advice)}};
+}
+
+std::string summary(const FindingCounts& counts)
+{
+    const auto count = [&](Finding::State state) {
+        const auto found = counts.find(state);
+        return found == counts.end() ? 0 : found->second;
+    };
+    const std::size_t errors = count(Finding::State::error);
+    const std::size_t warnings = count(Finding::State::warning);
+    if (errors == 0 && warnings == 0)
+        return "Nothing is wrong.\n";
+    if (errors == 0)
+        return counted(warnings, "warning") + '\n';
+    return counted(errors, "error") + ", " + counted(warnings, "warning") + '\n';
+}
+
+} // namespace command

@@ -1,0 +1,59 @@
+#include "doctor/kernel_maps.h"
+
+#include <fstream>
+#include <string_view>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view mark = "mpath-";
+constexpr std::string_view partitionMark = "part";
+
+bool startsWith(std::string_view text, std::string_view beginning)
+{
+    return text.substr(0, beginning.size()) == beginning;
+}
+
+std::string firstLine(const fs::path& file)
+{
+    std::ifstream stream(file);
+    std::string line;
+    std::getline(stream, line);
+    return line;
+}
+
+} // namespace
+
+namespace command {
+
+bool KernelMap::isMultipathDisk() const
+{
+    return startsWith(uuid, mark);
+}
+
+bool KernelMap::isMultipathPartition() const
+{
+    if (!startsWith(uuid, partitionMark))
+        return false;
+    const std::size_t digitsEnd = uuid.find_first_not_of("0123456789", partitionMark.size());
+    return digitsEnd != std::string::npos && digitsEnd > partitionMark.size() &&
+           startsWith(std::string_view(uuid).substr(digitsEnd), "-" + std::string(mark));
+}
+
+std::vector<KernelMap> kernelMaps(const fs::path& sysfsBlock)
+{
+    std::vector<KernelMap> maps;
+    std::error_code error;
+    fs::directory_iterator device(sysfsBlock, error);
+    for (; !error && device != fs::directory_iterator(); device.increment(error)) {
+        KernelMap map{firstLine(device->path() / "dm" / "name"),
+                      firstLine(device->path() / "dm" / "uuid")};
+        if (!map.name.empty())
+            maps.push_back(std::move(map));
+    }
+    return maps;
+}
+
+} // namespace command

@@ -1,0 +1,16 @@
+#ifndef WRAPPED_H
+#define WRAPPED_H
+
+#include <string>
+#include <string_view>
+
+namespace command {
+
+/// Breaks `text` at blanks, so that lines indented by `indent` stay within 79 columns. The first
+/// line is not indented here: the caller has written so much before it. A word that is too long for
+/// any line gets one of its own.
+std::string wrapped(std::string_view text, std::size_t indent);
+
+} // namespace command
+
+#endif

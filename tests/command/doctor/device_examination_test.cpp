@@ -1,0 +1,179 @@
+#include "command/doctor/device_examination.h"
+
+#include <gmock/gmock.h>
+
+#include "command/block_devices.h"
+#include "command/doctor/finding_output.h"
+#include "command/drivers.h"
+#include "command/explanation.h"
+#include "fake_machine.h"
+
+namespace {
+
+using command::Finding;
+using command::Row;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class DeviceExamination : public testing::Test {
+protected:
+    /// "STATE SUBJECT: TEXT" for each finding.
+    std::vector<std::string> all() const
+    {
+        CDmpClaimManager manager;
+        const auto modules = command::makeModules({});
+        Row names = Row::array();
+        for (const std::string& path :
+             command::blockDevices(machine.places().sysfsBlock, machine.places().dev))
+            names.push_back(command::explanation(manager, modules, path));
+        std::vector<std::string> lines;
+        command::examineDevices(machine.places(), names, [&](const Finding& finding) {
+            lines.push_back(std::string(command::stateName(finding.state)) + ' ' + finding.subject +
+                            ": " + finding.text);
+            const bool mustAct = finding.state != Finding::State::ok;
+            EXPECT_EQ(finding.advice.empty(), !mustAct) << lines.back();
+        });
+        return lines;
+    }
+
+    /// Those that are about single devices and not about their names alone.
+    std::vector<std::string> findings() const
+    {
+        std::vector<std::string> lines;
+        for (const std::string& line : all()) {
+            if (line.rfind("ok ", 0) != 0 && line.find("other tools") == std::string::npos)
+                lines.push_back(line);
+        }
+        return lines;
+    }
+
+    FakeMachine machine;
+};
+
+TEST_F(DeviceExamination, TheDriversAreCounted)
+{
+    EXPECT_THAT(all(),
+                ElementsAre("ok native: not in the kernel; owns 0 of 0 block devices",
+                            "ok powerpath: not in the kernel; owns 0 of 0 block devices",
+                            "ok device-mapper: not in the kernel; owns 0 of 0 block devices"));
+    for (const char* line : {"  8 sd", "120 emcpower", "253 device-mapper", " 65 sdx"})
+        machine.addDriver(line);
+    machine.addDeviceWithNode("sda");
+    machine.addDeviceWithNode("sda1");
+    machine.addDeviceWithNode("nvme0n1");
+    EXPECT_THAT(all(), ElementsAre("ok native: in the kernel; owns 2 of 3 block devices",
+                                   "ok powerpath: in the kernel; owns 0 of 3 block devices",
+                                   "ok device-mapper: in the kernel; owns 0 of 3 block devices"));
+}
+
+TEST_F(DeviceExamination, ADriverIsKnownByItsWholeName)
+{
+    machine.addDriver(" 65 sdx");
+    EXPECT_THAT(all()[0], HasSubstr("native: not in the kernel"));
+}
+
+TEST_F(DeviceExamination, WhereKernelAndNamesAgreeNothingIsFound)
+{
+    machine.addDeviceWithNode("sda");
+    machine.addDeviceWithNode("emcpowera1");
+    machine.addMapWithNode("mpatha", "mpath-3600");
+    machine.addMapWithNode("mpathap1", "part1-mpath-3600");
+    machine.addMapWithNode("vg-root", "LVM-abc");
+    machine.addDevice("nvme0n1");
+    EXPECT_THAT(findings(), IsEmpty());
+}
+
+TEST_F(DeviceExamination, ANodeIsMissing)
+{
+    machine.addDevice("sda");
+    machine.addDevice("emcpowera");
+    EXPECT_THAT(findings(),
+                ElementsAre("error /dev/emcpowera: a device of the kernel, but the node is missing",
+                            "error /dev/sda: a device of the kernel, but the node is missing"));
+}
+
+TEST_F(DeviceExamination, ANodeIsLeftBehind)
+{
+    machine.addNode("emcpowera");
+    machine.addNode("mapper/mpatha");
+    machine.addMap("mpathb", "LVM-abc");
+    EXPECT_THAT(findings(),
+                ElementsAre("warning /dev/emcpowera: a node, but the kernel has no such device",
+                            "warning /dev/mapper/mpatha: a node, but the kernel has no such map"));
+}
+
+TEST_F(DeviceExamination, AMultipathMapsNodeIsMissing)
+{
+    machine.addMap("mpatha", "mpath-3600");
+    machine.addMap("mpatha-part1", "part1-mpath-3600");
+    EXPECT_THAT(
+        findings(),
+        ElementsAre(
+            "error /dev/mapper/mpatha: a map of the kernel, but the node is missing",
+            "error /dev/mapper/mpatha-part1: a map of the kernel, but the node is missing"));
+}
+
+TEST_F(DeviceExamination, ADiskIsTakenForSomethingElse)
+{
+    machine.addMapWithNode("my-disk", "mpath-1");
+    machine.addMapWithNode("mp1", "mpath-2");
+    EXPECT_THAT(
+        findings(),
+        ElementsAre("warning /dev/mapper/my-disk: a multipath disk, but no driver claims its name",
+                    "warning /dev/mapper/mp1: a multipath disk, but the library takes it for a "
+                    "partition"));
+}
+
+TEST_F(DeviceExamination, APartitionIsTakenForSomethingElse)
+{
+    machine.addMapWithNode("mpatha-part1", "part1-mpath-1");
+    machine.addMapWithNode("mpathb1", "part1-mpath-2");
+    EXPECT_THAT(
+        findings(),
+        ElementsAre("note /dev/mapper/mpatha-part1: a partition of a multipath disk, but no "
+                    "driver claims its name",
+                    "warning /dev/mapper/mpathb1: a partition of a multipath disk, but the "
+                    "library takes it for a disk"));
+}
+
+TEST_F(DeviceExamination, SomethingElseIsTakenForADisk)
+{
+    machine.addMapWithNode("luks", "CRYPT-LUKS2-1");
+    machine.addMapWithNode("luksp1", "");
+    EXPECT_THAT(findings(),
+                ElementsAre(StartsWith("note /dev/mapper/luks: the library takes it for a "),
+                            StartsWith("note /dev/mapper/luksp1: the library takes it for a ")));
+}
+
+TEST_F(DeviceExamination, TwoDriversClaimAName)
+{
+    machine.addDevice("mapper!dev!sda");
+    machine.addDevice("sda!dev!emcpowera");
+    EXPECT_THAT(findings(), Contains("warning /dev/sda/dev/emcpowera: native and powerpath claim "
+                                     "it, and powerpath gets it"));
+    EXPECT_THAT(findings(), Contains("warning /dev/mapper/dev/sda: native and device-mapper claim "
+                                     "it, and device-mapper gets it"));
+}
+
+TEST_F(DeviceExamination, ASlashStandsForAnExclamationMark)
+{
+    machine.addDevice("x!dev!sda");
+    EXPECT_THAT(findings(), ElementsAre("error /dev/x/dev/sda: a device of the kernel, but the "
+                                        "node is missing"));
+}
+
+TEST_F(DeviceExamination, NamesThatAreReadDifferentlyAreCounted)
+{
+    machine.addDeviceWithNode("sda");
+    EXPECT_THAT(all(), Not(Contains(HasSubstr("other tools"))));
+    machine.addMapWithNode("mpatha", "mpath-1");
+    machine.addMapWithNode("mpathb", "mpath-2");
+    EXPECT_EQ(all().back(), "note /dev/mapper/mpatha: other tools may read or name it differently, "
+                            "as 2 of 5 block devices");
+}
+
+} // namespace

@@ -1,0 +1,196 @@
+// The command as a process, on a made-up machine with the simulated tools.
+#include "fake_machine.h"
+#include "tests/command/namespaced_tools.h"
+
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+// Lays the machine's folders over the real ones. Programs need /dev/null there, too.
+constexpr char layOver[] = R"(set -e
+touch "$1/null" && mount --bind /dev/null "$1/null"
+mount --rbind "$1" /dev
+mount --bind "$2" /sys/class/block
+mount --bind "$3" /proc/devices
+shift 3
+exec "$@")";
+
+class Doctor : public NamespacedTools {
+protected:
+    std::vector<std::string> doctor(const std::vector<std::string>& arguments) const
+    {
+        const command::Places& places = machine.places();
+        std::vector<std::string> command{"sh",
+                                         "-c",
+                                         layOver,
+                                         "sh",
+                                         places.dev,
+                                         places.sysfsBlock,
+                                         places.drivers,
+                                         "env",
+                                         "--default-signal=INT,TERM,HUP,PIPE",
+                                         DMPCLAIM_COMMAND,
+                                         "doctor"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return inNamespace(command);
+    }
+
+    Result run(const std::vector<std::string>& arguments = {}, std::string_view input = {}) const
+    {
+        return Process(doctor(arguments)).finish(input);
+    }
+
+    Json report(std::vector<std::string> arguments = {}) const
+    {
+        arguments.emplace_back("-J");
+        const Result ended = run(arguments);
+        EXPECT_EQ(ended.errors, "");
+        return Json::parse(ended.output);
+    }
+
+    FakeMachine machine;
+};
+
+TEST_F(Doctor, AHealthyMachine)
+{
+    machine.addDriver("  8 sd");
+    for (const char* name : {"sdb", "sdb1", "sdc", "nvme0n1"})
+        machine.addDeviceWithNode(name);
+    const Result ended = run();
+    EXPECT_EQ(ended.errors, "");
+    EXPECT_EQ(ended.output, "ok       /usr/sbin/kodmpadm: can be run\n"
+                            "ok       /usr/sbin/kodisk: can be run\n"
+                            "ok       /dev/sdb: node arr0_17, active path /dev/sdb\n"
+                            "ok       /dev/sdc: node arr0_17, active path /dev/sdb\n"
+                            "ok       native: in the kernel; owns 3 of 4 block devices\n"
+                            "ok       powerpath: not in the kernel; owns 0 of 4 block devices\n"
+                            "ok       device-mapper: not in the kernel; owns 0 of 4 block devices\n"
+                            "Nothing is wrong.\n");
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(log(), Not(Contains(HasSubstr("scandisks"))));
+}
+
+TEST_F(Doctor, WarningsHaveAStatusOfTheirOwn)
+{
+    machine.addDeviceWithNode("sdx");
+    const Result ended = run();
+    EXPECT_EQ(ended.status, 64);
+    EXPECT_THAT(ended.output, HasSubstr("\nwarning  /dev/sdx: status 1, 'kodmpadm: ERROR disk "));
+    EXPECT_THAT(ended.output, testing::EndsWith("\n1 warning\n"));
+}
+
+TEST_F(Doctor, ErrorsHaveAStatusOfTheirOwn)
+{
+    machine.addDeviceWithNode("sdx");
+    machine.addDevice("emcpowera");
+    const Result ended = run();
+    EXPECT_EQ(ended.status, 32);
+    EXPECT_THAT(ended.output, testing::EndsWith("\n1 error, 1 warning\n"));
+    EXPECT_EQ(run({"-J"}).status, 32);
+}
+
+TEST_F(Doctor, AsksAboutTheGivenPathsOnly)
+{
+    for (const char* name : {"sdb", "sdc"})
+        machine.addDeviceWithNode(name);
+    const Result ended = run({"/dev/mapper/mpatha", "-"}, "/dev/sdc\n");
+    EXPECT_THAT(splitLines(ended.output),
+                AllOf(Contains("ok       /dev/sdc: node arr0_17, active path /dev/sdb"),
+                      Not(Contains(HasSubstr("/dev/sdb: "))),
+                      Contains("note     /dev/mapper/mpatha: no native path: the volume manager "
+                               "is not asked")));
+    EXPECT_EQ(ended.status, 0);
+}
+
+TEST_F(Doctor, JsonHoldsWhatSomebodyWhoHelpsNeeds)
+{
+    machine.addDeviceWithNode("sdb");
+    machine.addMapWithNode("mpatha", "mpath-1");
+    const Json found = report();
+    EXPECT_EQ(found["schema"], 1);
+    EXPECT_EQ(found["versions"]["dmpclaim"], DMPCLAIM_VERSION);
+    EXPECT_THAT(found["versions"]["kernel"].get<std::string>(), StartsWith("Linux "));
+    EXPECT_TRUE(found["versions"].contains("system"));
+    EXPECT_EQ(found["modules"],
+              Json({{{"module", "native"}, {"prefixes", {"/dev/sd"}}},
+                    {{"module", "powerpath"}, {"prefixes", {"/dev/emcpower"}}},
+                    {{"module", "device-mapper"}, {"prefixes", {"/dev/mapper/"}}}}));
+    EXPECT_EQ(found["findings"][2], Json({{"state", "ok"},
+                                          {"subject", "/dev/sdb"},
+                                          {"text", "node arr0_17, active path /dev/sdb"},
+                                          {"advice", nullptr}}));
+    ASSERT_EQ(found["names"].size(), 3U);
+    EXPECT_EQ(found["names"][1]["name"], "/dev/mapper/mpatha");
+    EXPECT_EQ(found["names"][1]["warnings"][0]["code"], "other-partition-names");
+    ASSERT_EQ(found["commands"].size(), 2U);
+    EXPECT_EQ(found["commands"][0]["command"], "/usr/sbin/kodmpadm   getdmpnode  nodename=sdb");
+    EXPECT_EQ(found["commands"][0]["output"], Json(splitLines(healthyNode)));
+}
+
+TEST_F(Doctor, JsonHoldsTheTraceOfNamesAndTools)
+{
+    machine.addDeviceWithNode("sdb");
+    const Json found = report();
+    std::vector<std::string> lines;
+    for (const Json& line : found["trace"])
+        lines.push_back(line["level"].dump() + ' ' + line["text"].get<std::string>());
+    EXPECT_THAT(lines, Contains(StartsWith("6 Entering Function getClaimModule")));
+    EXPECT_THAT(lines, Contains(StartsWith("3 ExecuteCommand command: /usr/sbin/kodmpadm")));
+}
+
+TEST_F(Doctor, TraceLinesGoWhereTheUserWantsThem)
+{
+    machine.addDeviceWithNode("sdb");
+    const Result ended = run({"--trace=3"});
+    EXPECT_THAT(ended.errors, HasSubstr(" 3 ExecuteCommand command: /usr/sbin/kodmpadm"));
+    EXPECT_THAT(ended.errors, Not(HasSubstr(" 6 ")));
+    EXPECT_EQ(run({"--trace-file", "/nowhere/trace"}).status, 2);
+}
+
+TEST_F(Doctor, TheReportCanBeReplayed)
+{
+    machine.addDeviceWithNode("sdb");
+    machine.addDeviceWithNode("sdx");
+    const Json recorded = report();
+    write(Json{{"replay", recorded["commands"]}});
+    const Json replayed = report();
+    EXPECT_EQ(replayed["findings"], recorded["findings"]);
+    EXPECT_EQ(replayed["commands"], recorded["commands"]);
+    EXPECT_THAT(recorded["findings"].dump(), HasSubstr("nodename=sdx"));
+}
+
+TEST_F(Doctor, AReportsFileCanBeReplayed)
+{
+    machine.addDeviceWithNode("sdb");
+    const Result recorded = run({"-J"});
+    std::ofstream(folder() / "case.json") << recorded.output;
+    write(Json{{"replay", "case.json"}});
+    EXPECT_EQ(report()["findings"], Json::parse(recorded.output)["findings"]);
+}
+
+TEST_F(Doctor, AnInterruptEndsTheToolThatHangs)
+{
+    useScenario("hanging-tool");
+    machine.addDeviceWithNode("sdb");
+    Process process(doctor({}));
+    while (log().empty() && !process.endsWithin(5))
+        continue;
+    process.signal(SIGTERM);
+    EXPECT_TRUE(process.endsWithin(3000));
+    const Result ended = process.finish();
+    EXPECT_EQ(ended.status, 143);
+    EXPECT_THAT(ended.output, StartsWith("ok       /usr/sbin/kodmpadm: can be run\n"));
+    EXPECT_EQ(log().size(), 1U);
+}
+
+TEST_F(Doctor, AChosenColumnIsBadUsage)
+{
+    const Result ended = run({"-o", "NAME"});
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_THAT(ended.errors, HasSubstr("doctor prints no columns that --output could choose"));
+}
+
+} // namespace

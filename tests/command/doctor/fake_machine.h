@@ -1,0 +1,65 @@
+#ifndef FAKE_MACHINE_H
+#define FAKE_MACHINE_H
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "command/doctor/device_examination.h"
+#include "tests/support/temporary_folder.h"
+
+/// Folders that look like those of a machine with block devices; none at first.
+class FakeMachine {
+public:
+    FakeMachine()
+    {
+        std::filesystem::create_directories(m_places.sysfsBlock);
+        std::filesystem::create_directories(m_places.dev / "mapper");
+        std::ofstream(m_places.drivers) << "Character devices:\n  1 mem\n\nBlock devices:\n";
+    }
+
+    const command::Places& places() const { return m_places; }
+
+    void addDriver(const std::string& line)
+    {
+        std::ofstream(m_places.drivers, std::ios::app) << line << '\n';
+    }
+
+    /// A device of the kernel without a node.
+    void addDevice(const std::string& name)
+    {
+        std::filesystem::create_directories(m_places.sysfsBlock / name);
+    }
+
+    void addNode(const std::string& name) { std::ofstream(m_places.dev / name).put('\n'); }
+
+    void addDeviceWithNode(const std::string& name)
+    {
+        addDevice(name);
+        addNode(name);
+    }
+
+    /// A map of the device-mapper without a node.
+    void addMap(const std::string& name, const std::string& uuid)
+    {
+        const std::filesystem::path folder =
+            m_places.sysfsBlock / ("dm-" + std::to_string(m_maps++)) / "dm";
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder / "name") << name << '\n';
+        std::ofstream(folder / "uuid") << uuid << '\n';
+    }
+
+    void addMapWithNode(const std::string& name, const std::string& uuid)
+    {
+        addMap(name, uuid);
+        addNode("mapper/" + name);
+    }
+
+private:
+    TemporaryFolder m_folder;
+    command::Places m_places{m_folder.file("block"), m_folder.file("dev"),
+                             m_folder.file("devices")};
+    int m_maps = 0;
+};
+
+#endif

@@ -1,0 +1,60 @@
+#include "command/doctor/finding_output.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using command::Finding;
+using command::findingRow;
+using command::findingText;
+using command::Row;
+using command::summary;
+
+TEST(FindingText, TheTextStandsBehindTheState)
+{
+    EXPECT_EQ(findingText({Finding::State::ok, "kodisk", "can be run", ""}),
+              "ok       kodisk: can be run\n");
+}
+
+TEST(FindingText, TheAdviceFollows)
+{
+    EXPECT_EQ(findingText({Finding::State::warning, "/dev/sdc", "odd", "look"}),
+              "warning  /dev/sdc: odd\n"
+              "         To do: look\n");
+}
+
+TEST(FindingText, LongTextsAreWrapped)
+{
+    const std::string words = std::string(40, 'x') + ' ' + std::string(40, 'y');
+    EXPECT_EQ(findingText({Finding::State::error, "a", words, words}),
+              "error    a: " + std::string(40, 'x') + "\n         " + std::string(40, 'y') +
+                  "\n         To do: " + std::string(40, 'x') + "\n         " +
+                  std::string(40, 'y') + '\n');
+}
+
+TEST(FindingText, ForgesNoLines)
+{
+    EXPECT_EQ(findingText({Finding::State::note, "a\n", "b\x1b", "c\r"}),
+              "note     a\\x0a: b\\x1b\n"
+              "         To do: c\\x0d\n");
+}
+
+TEST(FindingRow, HoldsTheTextsAsTheyAre)
+{
+    EXPECT_EQ(findingRow({Finding::State::error, "a\n", "b", "c"}),
+              Row({{"state", "error"}, {"subject", "a\n"}, {"text", "b"}, {"advice", "c"}}));
+    EXPECT_EQ(findingRow({Finding::State::ok, "a", "b", ""})["advice"], nullptr);
+}
+
+TEST(Summary, CountsWhatIsWrong)
+{
+    using State = Finding::State;
+    EXPECT_EQ(summary({}), "Nothing is wrong.\n");
+    EXPECT_EQ(summary({{State::ok, 3}, {State::note, 2}}), "Nothing is wrong.\n");
+    EXPECT_EQ(summary({{State::warning, 1}}), "1 warning\n");
+    EXPECT_EQ(summary({{State::warning, 2}}), "2 warnings\n");
+    EXPECT_EQ(summary({{State::error, 1}}), "1 error, 0 warnings\n");
+    EXPECT_EQ(summary({{State::error, 2}, {State::warning, 1}}), "2 errors, 1 warning\n");
+}
+
+} // namespace

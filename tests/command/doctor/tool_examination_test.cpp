@@ -1,0 +1,250 @@
+// What doctor asks the volume manager's tools, and what it makes of their answers.
+#include "command/doctor/tool_examination.h"
+
+#include <gmock/gmock.h>
+
+#include "command/doctor/finding_output.h"
+#include "tests/support/scripted_tools.h"
+
+namespace {
+
+using command::Finding;
+using command::Row;
+using koze_pdk_4_4::CZeExecPipeBase;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr char nodeQuery[] = "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc";
+constexpr char pathQuery[] = "/usr/sbin/kodmpadm   getsubpaths  dmpnodename=arr0_17";
+
+const std::vector<std::string> nodeTable{"NAME       STATE      GROUP    PATHS",
+                                         "====", "arr0_17    ENABLED    arr0     2"};
+const std::vector<std::string> pathTable{"NAME    STATE    TYPE    CTLR",
+                                         "====", "sdb     ENABLED(A)    PRIMARY    c1"};
+
+class ToolExamination : public testing::Test {
+protected:
+    void examine(const std::vector<std::string>& paths)
+    {
+        m_examination.examineTools();
+        for (const std::string& path : paths)
+            m_examination.examineDisk(path);
+    }
+
+    const Row& commands() const { return m_examination.commands(); }
+
+    /// "STATE SUBJECT: TEXT" for each finding behind those about the tools.
+    std::vector<std::string> findings() const
+    {
+        std::vector<std::string> lines;
+        for (const Finding& finding : m_findings) {
+            if (finding.text != "can be run")
+                lines.push_back(std::string(command::stateName(finding.state)) + ' ' +
+                                finding.subject + ": " + finding.text);
+        }
+        return lines;
+    }
+
+    const Finding& last() const { return m_findings.back(); }
+
+    command::StopRequest stop;
+    ScriptedTools tools;
+
+private:
+    std::vector<Finding> m_findings;
+    command::ToolExamination m_examination{
+        {}, stop, [this](const Finding& finding) { m_findings.push_back(finding); }};
+};
+
+TEST_F(ToolExamination, ToolsThatCanBeRunAreToldOf)
+{
+    std::vector<Finding> found;
+    command::ToolExamination({}, stop, [&](const Finding& finding) {
+        found.push_back(finding);
+    }).examineTools();
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(found[0].subject, "/usr/sbin/kodmpadm");
+    EXPECT_EQ(found[1].subject, "/usr/sbin/kodisk");
+    for (const Finding& finding : found) {
+        EXPECT_EQ(finding.state, Finding::State::ok);
+        EXPECT_EQ(finding.text, "can be run");
+        EXPECT_EQ(finding.advice, "");
+    }
+    EXPECT_THAT(tools.events, Contains("access /usr/sbin/kodmpadm 1"));
+}
+
+TEST_F(ToolExamination, WithoutTheToolsNothingIsAsked)
+{
+    tools.installed = false;
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(), ElementsAre("note KoVM: its tools are not installed: the active path "
+                                        "of a native path is that path"));
+    EXPECT_THAT(tools.events, Contains("access /usr/sbin/kodmpadm 0"));
+}
+
+TEST_F(ToolExamination, AnAdministrationToolThatMayNotBeExecutedIsAnError)
+{
+    tools.notExecutable = {"/usr/sbin/kodmpadm"};
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(), ElementsAre("error /usr/sbin/kodmpadm: may not be executed: active "
+                                        "paths are not looked up"));
+}
+
+TEST_F(ToolExamination, AMissingAdministrationToolIsAnErrorBesideTheOther)
+{
+    tools.missing = {"/usr/sbin/kodmpadm"};
+    tools.notExecutable = tools.missing;
+    examine({"/dev/sdc"});
+    EXPECT_THAT(
+        findings(),
+        ElementsAre("error /usr/sbin/kodmpadm: is missing: active paths are not looked up"));
+}
+
+TEST_F(ToolExamination, AMissingDiskToolIsAWarningAndDisksAreAskedAbout)
+{
+    tools.missing = {"/usr/sbin/kodisk"};
+    tools.answer(nodeQuery, 1);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(), Contains("warning /usr/sbin/kodisk: is missing: a lookup can neither "
+                                     "scan nor remove disks"));
+}
+
+TEST_F(ToolExamination, EachTableIsKeptAndThenReadAsTheLibraryReadsIt)
+{
+    tools.answer(nodeQuery, 0, nodeTable).answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, pathTable).answer(pathQuery, 0, pathTable);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(), ElementsAre("ok /dev/sdc: node arr0_17, active path /dev/sdb"));
+    EXPECT_EQ(commands(), Row({{{"command", nodeQuery}, {"status", 0}, {"output", nodeTable}},
+                               {{"command", pathQuery}, {"status", 0}, {"output", pathTable}}}));
+}
+
+TEST_F(ToolExamination, AnActivePathThatDoesNotExistIsAWarning)
+{
+    tools.missing = {"/dev/sdb"};
+    tools.answer(nodeQuery, 0, nodeTable).answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, pathTable).answer(pathQuery, 0, pathTable);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: node arr0_17, active path /dev/sdb, "
+                                        "which does not exist here"));
+    EXPECT_THAT(last().advice, HasSubstr("dmpclaim active --refresh /dev/sdc"));
+}
+
+TEST_F(ToolExamination, ATableWithoutANodeIsAWarning)
+{
+    tools.answer(nodeQuery, 0, {"NAME", "===="}).answer(nodeQuery, 0, {"NAME", "===="});
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(), ElementsAre(std::string("warning /dev/sdc: no node in the table of: ") +
+                                        nodeQuery));
+}
+
+TEST_F(ToolExamination, ATableWithoutAUsablePathIsAWarning)
+{
+    const std::vector<std::string> lines{"NAME", "====", "sdb DISABLED SECONDARY c1"};
+    tools.answer(nodeQuery, 0, nodeTable).answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, lines).answer(pathQuery, 0, lines);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(
+        findings(),
+        ElementsAre(std::string("warning /dev/sdc: no usable path in the table of: ") + pathQuery));
+}
+
+TEST_F(ToolExamination, AFailureIsAWarningThatTellsWhatTheToolSaid)
+{
+    tools.answer(nodeQuery, 1, {"", " \t\r", "ERROR sdc is not found", "more"});
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: status 1, 'ERROR sdc is not found' "
+                                        "from: " +
+                                        std::string(nodeQuery)));
+    EXPECT_EQ(commands()[0]["status"], 1);
+    EXPECT_EQ(commands()[0]["output"].size(), 4U);
+}
+
+TEST_F(ToolExamination, EachEndingHasItsWords)
+{
+    const std::pair<int, const char*> endings[] = {
+        {255, "status 255 from: "},
+        {CZeExecPipeBase::killedBySignal + 9, "signal 9 ended it from: "},
+        {CZeExecPipeBase::boundExceeded, "it printed too much from: "},
+        {CZeExecPipeBase::statusUnknown, "its status was lost from: "}};
+    for (const auto& [status, words] : endings) {
+        tools.answer(nodeQuery, status);
+        examine({"/dev/sdc"});
+        EXPECT_THAT(last().text, StartsWith(words));
+    }
+}
+
+TEST_F(ToolExamination, AFailureForANodeIsToldOfItsDisk)
+{
+    tools.answer(nodeQuery, 0, nodeTable).answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 3);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(),
+                ElementsAre(std::string("warning /dev/sdc: status 3 from: ") + pathQuery));
+}
+
+TEST_F(ToolExamination, EachDiskIsAskedAbout)
+{
+    tools.answer(nodeQuery, 1);
+    tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=sdd", 1);
+    examine({"/dev/sdc", "/dev/sdd"});
+    EXPECT_THAT(findings(), ElementsAre(StartsWith("warning /dev/sdc: status 1"),
+                                        StartsWith("warning /dev/sdd: status 1")));
+}
+
+TEST_F(ToolExamination, AToolThatHangsIsNotAskedAgain)
+{
+    tools.answer(nodeQuery, CZeExecPipeBase::deadlinePassed);
+    examine({"/dev/sdc", "/dev/sdd"});
+    EXPECT_THAT(findings(), ElementsAre("error /usr/sbin/kodmpadm: no answer within 30 seconds "
+                                        "to: " +
+                                        std::string(nodeQuery)));
+    EXPECT_EQ(tools.otherArguments, (std::vector<std::string>{"", "30", "", "", ""}));
+    EXPECT_EQ(commands()[0]["status"], 1100);
+}
+
+TEST_F(ToolExamination, AToolThatCannotBeRunIsNotAskedAgain)
+{
+    tools.answer(
+        {nodeQuery, 0, {}, [] { throw koze_pdk_4_4::EZeExecPipe("no such interpreter"); }});
+    examine({"/dev/sdc", "/dev/sdd"});
+    EXPECT_THAT(findings(), ElementsAre("error /usr/sbin/kodmpadm: no such interpreter"));
+    EXPECT_THAT(commands(), IsEmpty());
+    EXPECT_FALSE(stop.toolsRun());
+}
+
+TEST_F(ToolExamination, NothingIsScannedOrRemoved)
+{
+    tools.answer(nodeQuery, 1);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(tools.events, Not(Contains(HasSubstr("scandisks"))));
+    EXPECT_THAT(tools.events, Not(Contains(HasSubstr("sleep"))));
+}
+
+TEST_F(ToolExamination, WhatIsInterruptedIsNoFinding)
+{
+    tools.answer({nodeQuery, 1015, {}, [this] {
+                      EXPECT_TRUE(stop.toolsRun());
+                      stop.request();
+                  }});
+    EXPECT_THROW(examine({"/dev/sdc", "/dev/sdd"}), command::Interrupted);
+    EXPECT_THAT(findings(), IsEmpty());
+    EXPECT_FALSE(stop.toolsRun());
+}
+
+TEST_F(ToolExamination, WhatTheLibraryAsksAgainCountsAsARunningTool)
+{
+    const auto expectRunning = [this] { EXPECT_TRUE(stop.toolsRun()); };
+    tools.answer({nodeQuery, 0, nodeTable, expectRunning})
+        .answer({nodeQuery, 0, nodeTable, expectRunning})
+        .answer({pathQuery, 0, pathTable, expectRunning})
+        .answer({pathQuery, 0, pathTable, expectRunning});
+    examine({"/dev/sdc"});
+    EXPECT_FALSE(stop.toolsRun());
+}
+
+} // namespace

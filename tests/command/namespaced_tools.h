@@ -1,0 +1,35 @@
+#ifndef NAMESPACED_TOOLS_H
+#define NAMESPACED_TOOLS_H
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "tests/simulator/simulated_tools.h"
+
+/// Programs that see the simulated tools in /usr/sbin, in a mount namespace of their own. The tests
+/// are skipped where that is not permitted.
+class NamespacedTools : public SimulatedTools {
+protected:
+    void SetUp() override
+    {
+        useScenario("healthy");
+        if (Process(inNamespace({"true"})).finish().status != notPermitted)
+            return;
+        if (std::getenv("CI") != nullptr)
+            FAIL() << "private mount namespaces are not permitted, and CI must have them";
+        GTEST_SKIP() << "private mount namespaces are not permitted";
+    }
+
+    std::vector<std::string> inNamespace(const std::vector<std::string>& command) const
+    {
+        std::vector<std::string> all{SIMULATOR_WITH_TOOLS, "--tools", SIMULATOR_TOOLS, statePath()};
+        all.insert(all.end(), command.begin(), command.end());
+        return all;
+    }
+
+private:
+    static constexpr int notPermitted = 77;
+};
+
+#endif
