@@ -10,12 +10,15 @@ total_limit=900   # seconds; a guest that is alive needs far less on a busy mach
 # The partitions of a multipathed disk's paths keep their nodes.
 kernel_options='console=ttyS0 panic=-1 no_timer_check dont_del_part_nodes'
 
+# Those that change nothing come first.
+all_checks=(list partitions powerpath doctor active)
+
 usage() {
     cat <<'USAGE'
 usage: vm/run.sh PREFIX [CHECK...]
 
 PREFIX is an installed tree with bin/dmpclaim. A CHECK is a program of vm/guest/checks; if none is
-named, these are made: list partitions powerpath.
+named, all are made.
 USAGE
 }
 
@@ -58,7 +61,7 @@ main() {
     local prefix=${1-} image
     [[ -x $prefix/bin/dmpclaim ]] || { usage >&2 && exit 2; }
     shift
-    (($#)) || set -- list partitions powerpath
+    (($#)) || set -- "${all_checks[@]}"
     image=$("$here/image.sh")
     "$here/payload.sh" "$prefix" "$image/busybox" | cat "$image/base.cpio" - >"$work/initrd"
     start "$image" "$(IFS=, && echo "$*")"

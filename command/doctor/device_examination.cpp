@@ -102,10 +102,10 @@ constexpr Difference differences[3][3] = {
      {State::warning, "a multipath disk, but no driver claims its name",
       "Give it an alias without '-' in multipath.conf."}},
     {{State::warning, "a partition of a multipath disk, but the library takes it for a disk",
-      "Name partitions with a 'p' and one digit: kpartx -a -p p"},
+      "Ask about the disk. Partitions are known by a 'p' and one digit: kpartx -a -p p"},
      {},
      {State::note, "a partition of a multipath disk, but no driver claims its name",
-      "Ask about the disk, or name partitions with a 'p': kpartx -a -p p"}},
+      "Ask about the disk. Partitions are known by a 'p' and one digit: kpartx -a -p p"}},
     {falseClaim, falseClaim, {}}};
 
 class DeviceExamination {
@@ -164,7 +164,7 @@ private:
                                          [&](const KernelMap& map) { return map.name == name; });
         if (!isKnown)
             m_report({State::warning, path, "a node, but the kernel has no such map",
-                      "'dmsetup mknodes' removes nodes that were left behind."});
+                      "Have it removed: dmsetup mknodes"});
     }
 
     /// Of a native or PowerPath device.
@@ -176,7 +176,9 @@ private:
         const bool hasDevice = isThere(m_places.sysfsBlock / name);
         if (hasDevice && !hasNode)
             m_report({State::error, path, "a device of the kernel, but the node is missing",
-                      "Have udev make it: udevadm trigger --action=add --subsystem-match=block"});
+                      "Unless this is a container that is not to have it, make it with the "
+                      "numbers in /sys/class/block/" +
+                          name + "/dev: mknod " + path + " b MAJOR MINOR"});
         if (hasNode && !hasDevice)
             m_report({State::warning, path, "a node, but the kernel has no such device",
                       "Check that its driver is loaded, else remove the node."});

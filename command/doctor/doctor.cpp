@@ -81,7 +81,7 @@ class Doctor {
 public:
     Doctor(const Options& options, CZeTraceLogHandle log, StopRequest& stop, Findings& findings)
         : m_options(options), m_receiver([&](const Finding& finding) { findings.take(finding); }),
-          m_modules(makeModules(log)), m_tools(log, stop, m_receiver)
+          m_modules(makeModules({})), m_tools(log, stop, m_receiver)
     {
         m_manager.registerTraceLog(log);
     }

@@ -1,5 +1,6 @@
 #include "doctor/kernel_maps.h"
 
+#include <algorithm>
 #include <fstream>
 #include <string_view>
 #include <system_error>
@@ -53,6 +54,8 @@ std::vector<KernelMap> kernelMaps(const fs::path& sysfsBlock)
         if (!map.name.empty())
             maps.push_back(std::move(map));
     }
+    std::sort(maps.begin(), maps.end(),
+              [](const KernelMap& a, const KernelMap& b) { return a.name < b.name; });
     return maps;
 }
 

@@ -23,7 +23,8 @@ struct KernelMap {
     bool isMultipathPartition() const;
 };
 
-/// The maps in `sysfsBlock`, see blockDevices. Those that vanish meanwhile are left out.
+/// The maps in `sysfsBlock`, see blockDevices, by their names. Those that vanish meanwhile are left
+/// out.
 std::vector<KernelMap> kernelMaps(const std::filesystem::path& sysfsBlock);
 
 } // namespace command

@@ -15,6 +15,9 @@ const std::vector<std::vector<std::string>> everySubcommand{{"show", "/dev/sda"}
                                                             {"append", "/dev/sda", "1"},
                                                             {"prefixes"},
                                                             {"list"},
+                                                            {"active", "x"},
+                                                            {"doctor"},
+                                                            {"doctor", "-J"},
                                                             {"--help"},
                                                             {"--version"}};
 

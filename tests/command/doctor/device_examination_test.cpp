@@ -119,11 +119,11 @@ TEST_F(DeviceExamination, AMultipathMapsNodeIsMissing)
 
 TEST_F(DeviceExamination, ADiskIsTakenForSomethingElse)
 {
-    machine.addMapWithNode("my-disk", "mpath-1");
+    machine.addMapWithNode("a-disk", "mpath-1");
     machine.addMapWithNode("mp1", "mpath-2");
     EXPECT_THAT(
         findings(),
-        ElementsAre("warning /dev/mapper/my-disk: a multipath disk, but no driver claims its name",
+        ElementsAre("warning /dev/mapper/a-disk: a multipath disk, but no driver claims its name",
                     "warning /dev/mapper/mp1: a multipath disk, but the library takes it for a "
                     "partition"));
 }

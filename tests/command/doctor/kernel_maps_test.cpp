@@ -13,6 +13,15 @@ using testing::IsEmpty;
 
 namespace {
 
+void addMap(const TemporaryFolder& sysfs, const std::string& device, const std::string& name,
+            const std::string& uuid)
+{
+    const fs::path folder = sysfs.file(device + "/dm");
+    fs::create_directories(folder);
+    std::ofstream(folder / "name") << name << '\n';
+    std::ofstream(folder / "uuid") << uuid << '\n';
+}
+
 TEST(KernelMaps, AMultipathDiskIsKnownByItsUuid)
 {
     EXPECT_TRUE((KernelMap{"mpatha", "mpath-3600"}).isMultipathDisk());
@@ -33,13 +42,22 @@ TEST(KernelMaps, AreTheDevicesThatHaveAName)
 {
     const TemporaryFolder sysfs;
     fs::create_directories(sysfs.file("sda"));
-    fs::create_directories(sysfs.file("dm-3/dm"));
-    std::ofstream(sysfs.file("dm-3/dm/name")) << "mpatha\n";
-    std::ofstream(sysfs.file("dm-3/dm/uuid")) << "mpath-3600\n";
+    addMap(sysfs, "dm-3", "mpatha", "mpath-3600");
     const std::vector<KernelMap> maps = kernelMaps(sysfs.file(""));
     ASSERT_EQ(maps.size(), 1U);
     EXPECT_EQ(maps[0].name, "mpatha");
     EXPECT_EQ(maps[0].uuid, "mpath-3600");
+}
+
+TEST(KernelMaps, StandInTheOrderOfTheirNames)
+{
+    const TemporaryFolder sysfs;
+    for (const char* name : {"c", "a", "e", "b", "d"})
+        addMap(sysfs, std::string("dm-") + name, name, "");
+    std::string names;
+    for (const KernelMap& map : kernelMaps(sysfs.file("")))
+        names += map.name;
+    EXPECT_EQ(names, "abcde");
 }
 
 TEST(KernelMaps, OfAMissingFolderAreNone)

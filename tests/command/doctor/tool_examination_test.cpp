@@ -123,6 +123,18 @@ TEST_F(ToolExamination, EachTableIsKeptAndThenReadAsTheLibraryReadsIt)
                                {{"command", pathQuery}, {"status", 0}, {"output", pathTable}}}));
 }
 
+TEST_F(ToolExamination, TheRunnerTracesAndTakesStandardOutputOnly)
+{
+    const koze_pdk_4_4::CZeTraceLogHandle log = new koze_pdk_4_4::CZeTraceLog;
+    command::ToolExamination examination(log, stop, [](const Finding&) {});
+    examination.examineTools();
+    tools.answer(nodeQuery, 1);
+    examination.examineDisk("/dev/sdc");
+    EXPECT_EQ(tools.runnerArgument, 1);
+    EXPECT_EQ(tools.runnerLog, log.get());
+    EXPECT_EQ(tools.liveRunners, 0);
+}
+
 TEST_F(ToolExamination, AnActivePathThatDoesNotExistIsAWarning)
 {
     tools.missing = {"/dev/sdb"};
