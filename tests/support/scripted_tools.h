@@ -1,12 +1,13 @@
 #ifndef SCRIPTED_TOOLS_H
 #define SCRIPTED_TOOLS_H
 
-// Replaces the framework's command runner, `access` and `sleep` of the whole process. Include it in
-// the one source file of a test program.
+// Replaces the framework's command runner, `access`, `sleep` and the monotonic clock of the whole
+// process. Include it in the one source file of a test program.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <set>
@@ -14,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
 #include "pdk/include/czeexecpipe.h"
@@ -79,8 +82,13 @@ public:
     bool installed = true;
     std::set<std::string> missing;
     std::set<std::string> notExecutable;
-    /// What a sleep leaves over, as when a signal interrupts it; the next ones leave nothing.
-    unsigned int sleepLeavesOver = 0;
+    /// What each of the next sleeps leaves over, as when a signal interrupts it; later ones leave
+    /// nothing.
+    std::deque<std::chrono::milliseconds> sleepsLeaveOver;
+    /// What passes between the end of a sleep and its return.
+    std::chrono::seconds afterSleep{};
+    /// Passes in sleeps only.
+    std::chrono::nanoseconds clock{};
     int runners = 0;
     int liveRunners = 0;
     int runnerArgument = 0;
@@ -132,7 +140,23 @@ extern "C" unsigned int sleep(unsigned int seconds)
 {
     ScriptedTools& tools = *ScriptedTools::current();
     tools.events.push_back("sleep " + std::to_string(seconds));
-    return std::exchange(tools.sleepLeavesOver, 0);
+    std::chrono::milliseconds left{};
+    if (!tools.sleepsLeaveOver.empty()) {
+        left = tools.sleepsLeaveOver.front();
+        tools.sleepsLeaveOver.pop_front();
+    }
+    tools.clock += std::chrono::seconds(seconds) - left + tools.afterSleep;
+    return static_cast<unsigned int>(left / std::chrono::seconds(1));
+}
+
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
+{
+    const ScriptedTools* tools = ScriptedTools::current();
+    if (clock != CLOCK_MONOTONIC || tools == nullptr)
+        return static_cast<int>(syscall(SYS_clock_gettime, clock, time));
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(tools->clock);
+    *time = {seconds.count(), (tools->clock - seconds).count()};
+    return 0;
 }
 // NOLINTEND(misc-definitions-in-headers)
 

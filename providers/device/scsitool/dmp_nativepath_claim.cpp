@@ -1,5 +1,6 @@
 #include "dmp_nativepath_claim.h"
 
+#include <chrono>
 #include <numeric>
 #include <utility>
 
@@ -57,11 +58,15 @@ bool contains(const std::string& text, const char* part)
     return text.find(part) != std::string::npos;
 }
 
-/// Waits the full time, also in a host whose signals end a sleep early.
+/// Waits the full time but for less than a second, also in a host whose signals end sleeps early.
+/// What a sleep leaves over loses its fraction, which adds up in a host with a timer.
 void pauseSeconds(unsigned int seconds)
 {
-    while (seconds > 0)
-        seconds = sleep(seconds); // NOLINT(concurrency-mt-unsafe): safe in the C library used here
+    std::chrono::seconds left(seconds);
+    const auto end = std::chrono::steady_clock::now() + left;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): safe in the C library used here
+    while (left.count() > 0 && sleep(static_cast<unsigned int>(left.count())) > 0)
+        left = std::chrono::ceil<std::chrono::seconds>(end - std::chrono::steady_clock::now());
 }
 
 /// A row of a tool's table; columns that are missing are empty.

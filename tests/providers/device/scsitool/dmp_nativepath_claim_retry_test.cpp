@@ -12,6 +12,8 @@ using testing::ElementsAre;
 
 namespace {
 
+using namespace std::chrono_literals;
+
 using Lines = std::vector<std::string>;
 
 constexpr char file[] = "dmp_nativepath_claim.cpp";
@@ -116,6 +118,13 @@ TEST_F(KoDmpRetry, AFailedRescanIsTracedWithItsCommandAndOutput)
                                      "< kovmScanDisks"));
 }
 
+TEST_F(KoDmpRetry, AFailedRemovalIsNotReportedWithoutALogEither)
+{
+    CKoDMPSupport silent;
+    m_tools.answer(removal, 5, {"why"});
+    EXPECT_EQ(silent.removeDisksFromKoVM("arr0_17"), 0);
+}
+
 TEST_F(KoDmpRetry, AFailedRescanIsOneWithoutALogToo)
 {
     CKoDMPSupport silent;
@@ -204,12 +213,34 @@ TEST_F(KoDmpRetry, AnExceptionEndsTheWaitingLookup)
 
 TEST_F(KoDmpRetry, AnInterruptedPauseIsSleptToItsEnd)
 {
-    m_tools.sleepLeavesOver = 3;
+    m_tools.sleepsLeaveOver = {3s};
     lookupFails();
     answers(rescanDisk);
     lookupFinds("arr0_17");
     EXPECT_EQ(waited(), 0);
     EXPECT_THAT(m_tools.events, ElementsAre(lookup, "sleep 5", "sleep 3", rescanDisk, lookup));
+}
+
+TEST_F(KoDmpRetry, AHostWithATimerDoesNotShortenThePause)
+{
+    m_tools.sleepsLeaveOver = {4990ms, 4980ms, 1000ms, 10ms};
+    lookupFails();
+    answers(rescanDisk);
+    lookupFinds("arr0_17");
+    EXPECT_EQ(waited(), 0);
+    EXPECT_THAT(m_tools.events, ElementsAre(lookup, "sleep 5", "sleep 5", "sleep 5", "sleep 1",
+                                            rescanDisk, lookup));
+}
+
+TEST_F(KoDmpRetry, APauseThatTookTooLongIsOver)
+{
+    m_tools.sleepsLeaveOver = {3s};
+    m_tools.afterSleep = 7s; // The process was stopped meanwhile.
+    lookupFails();
+    answers(rescanDisk);
+    lookupFinds("arr0_17");
+    EXPECT_EQ(waited(), 0);
+    EXPECT_THAT(m_tools.events, ElementsAre(lookup, "sleep 5", rescanDisk, lookup));
 }
 
 TEST_F(KoDmpRetry, TheRefreshingLookupRemovesTheNodeAndRescansEveryDisk)
