@@ -169,6 +169,7 @@ const BadTable badTables[] = {
     {"one line without a header", {"sdc"}, 1, {noOutput}},
     {"no header anywhere", {"x", "=", "sdb ENABLED(A)"}, 0, {}},
     {"a header in small letters", {"name", "=", "sdb ENABLED(A)"}, 0, {}},
+    {"a header cut short", {"NAM STATE", "=", "sdb ENABLED(A)"}, 0, {}},
     {"a note above the header", {"note", "NAME", "===", "sdb ENABLED(A)"}, 1, {invalidOutput}},
     {"a header in the last line", {"a", "=", "NAME"}, 1, {invalidOutput}},
 };
@@ -270,7 +271,12 @@ TEST_F(KoDmpMapping, TheBestPathIsActiveThenEnabledThenPrimary)
         {"active needs no path type", {"sdb ENABLED(A)"}, "sdb"},
         {"the state may hold more", {"sdb xENABLED(A)y"}, "sdb"},
         {"so may the path type", {"sdb FAILED NONPRIMARYX"}, "sdb"},
+        {"so may that of an enabled path", {"sdb FAILED PRIMARY", "sdc xENABLEDy"}, "sdc"},
         {"small letters are no state", {"sdb enabled(a) PRIMARY", "sdc ENABLED"}, "sdc"},
+        {"another letter is not active", {"sdb ENABLED(B)", "sdc ENABLED(A)"}, "sdc"},
+        {"nor is a mark cut short", {"sdb ENABLED(A", "sdc ENABLED(A)"}, "sdc"},
+        {"nor is a mark alone", {"sdb FAILED(A) PRIMARY", "sdc ENABLED"}, "sdc"},
+        {"nor is a state cut short enabled", {"sdb ENABLE", "sdc FAILED PRIMARY"}, "sdc"},
         {"a primary path in any other state", {"sdb FAILED PRIMARY"}, "sdb"},
     };
     for (const Choice& choice : choices) {
