@@ -29,10 +29,11 @@ void LineCollector::finish()
         store(m_held);
 }
 
-/// Keeps the beginning of a line whose end is still to come; false when that is too long.
+/// Keeps the beginning of a line whose end is still to come; false when that is too long, even if
+/// its last character belongs to the end.
 bool LineCollector::hold(std::string_view piece)
 {
-    if (piece.size() > m_budget.longestLine - m_held.size()) {
+    if (piece.size() > m_budget.longestLine + 1 - m_held.size()) {
         m_budget.exceeded = true;
         m_held.clear();
         return false;

@@ -74,7 +74,7 @@ TEST(LineCollector, AddsToTheLinesThatAreThere)
 
 TEST(LineCollector, TakesALineOfTheLongestLengthAndNoneLonger)
 {
-    for (const std::string end : {"", "\n"}) {
+    for (const std::string end : {"", "\n", "\r\n"}) {
         Budget budget{1000, 3};
         EXPECT_EQ(collected({"abc" + end}, budget), Lines({"abc"}));
         EXPECT_FALSE(budget.exceeded);
@@ -92,6 +92,35 @@ TEST(LineCollector, CountsTheLengthOfALineThatArrivesInPieces)
         EXPECT_EQ(collected({"ab", "cd" + end}, budget), Lines());
         EXPECT_TRUE(budget.exceeded);
     }
+}
+
+TEST(LineCollector, CountsNoPartOfALineEnd)
+{
+    for (const auto& pieces : std::vector<std::vector<std::string>>{
+             {"a", "bc\r\n"}, {"abc", "\r\n"}, {"abc\r", "\n"}, {"abc", "\r", "\n"}}) {
+        Budget budget{1000, 3};
+        EXPECT_EQ(collected(pieces, budget), Lines({"abc"}));
+        EXPECT_FALSE(budget.exceeded);
+    }
+}
+
+TEST(LineCollector, CountsEveryOtherCarriageReturn)
+{
+    for (const auto& pieces : std::vector<std::vector<std::string>>{
+             {"abc\r"}, {"abc", "\r"}, {"abc\r", "d\n"}, {"abc\r", "\r\n"}, {"abc", "\r\r\n"}}) {
+        Budget budget{1000, 3};
+        EXPECT_EQ(collected(pieces, budget), Lines());
+        EXPECT_TRUE(budget.exceeded);
+    }
+}
+
+TEST(LineCollector, HoldsNoMoreOfALineThanItMayHave)
+{
+    Budget budget{1000, 3};
+    Lines lines;
+    LineCollector collector(lines, budget);
+    collector.add("abcde");
+    EXPECT_TRUE(budget.exceeded);
 }
 
 TEST(LineCollector, CountsEveryLineWithItsString)
