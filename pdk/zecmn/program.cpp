@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -55,8 +56,11 @@ std::vector<gid_t> groupsOf(const char* name, gid_t group)
 {
     int count = 32;
     std::vector<gid_t> groups(32);
-    while (getgrouplist(name, group, groups.data(), &count) < 0)
+    while (getgrouplist(name, group, groups.data(), &count) < 0) {
+        if (static_cast<std::size_t>(count) <= groups.size())
+            throw std::bad_alloc(); // more room is not what it wants
         groups.resize(static_cast<std::size_t>(count));
+    }
     groups.resize(static_cast<std::size_t>(count));
     return groups;
 }

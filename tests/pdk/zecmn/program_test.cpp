@@ -2,8 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <pwd.h>
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <numeric>
 #include <stdexcept>
+#include <system_error>
+
+#include <dlfcn.h>
+#include <grp.h>
+#include <pwd.h>
 
 using koze_pdk_4_4::runner::checkedDirectory;
 using koze_pdk_4_4::runner::childEnvironment;
@@ -14,6 +22,56 @@ using koze_pdk_4_4::runner::splitCommand;
 namespace {
 
 using Texts = std::vector<std::string>;
+
+/// What the host's accounts are like; without one they are the machine's.
+struct Accounts {
+    int groups = 0;            // of every account
+    std::size_t textsSize = 0; // of every account
+    bool memory = true;
+    int error = 0;
+};
+
+const Accounts* accounts;
+
+class LookUpUser : public testing::Test {
+protected:
+    LookUpUser() { accounts = &m_accounts; }
+    ~LookUpUser() override { accounts = nullptr; }
+
+    Accounts m_accounts;
+};
+
+} // namespace
+
+extern "C" int getgrouplist(const char* name, gid_t group, gid_t* groups, int* count)
+{
+    if (accounts == nullptr || accounts->groups == 0) {
+        static auto* const real =
+            reinterpret_cast<decltype(&getgrouplist)>(dlsym(RTLD_NEXT, "getgrouplist"));
+        return real(name, group, groups, count);
+    }
+    if (!accounts->memory)
+        return -1;
+    const int room = *count;
+    *count = accounts->groups;
+    std::iota(groups, groups + std::min(room, *count), group);
+    return room < *count ? -1 : *count;
+}
+
+extern "C" int getpwnam_r(const char* name, passwd* entry, char* texts, std::size_t size,
+                          passwd** found)
+{
+    *found = nullptr;
+    if (accounts != nullptr && accounts->error != 0)
+        return accounts->error;
+    if (accounts != nullptr && size < accounts->textsSize)
+        return ERANGE;
+    static auto* const real =
+        reinterpret_cast<decltype(&getpwnam_r)>(dlsym(RTLD_NEXT, "getpwnam_r"));
+    return real(name, entry, texts, size, found);
+}
+
+namespace {
 
 TEST(SplitCommand, CutsAtRunsOfSpaces)
 {
@@ -80,7 +138,7 @@ TEST(CheckedDirectory, RefusesANulByte)
     EXPECT_THROW(checkedDirectory(std::string("/a\0b", 4)), std::invalid_argument);
 }
 
-TEST(LookUpUser, FindsAnAccountWithItsGroups)
+TEST_F(LookUpUser, FindsAnAccountWithItsGroups)
 {
     const Identity root = lookUpUser("root");
     EXPECT_EQ(root.user, 0);
@@ -88,7 +146,41 @@ TEST(LookUpUser, FindsAnAccountWithItsGroups)
     EXPECT_FALSE(root.groups.empty());
 }
 
-TEST(LookUpUser, RefusesAnAccountThatIsNotThere)
+TEST_F(LookUpUser, FindsEveryGroupAndNoOther)
+{
+    for (const int count : {1, 31, 32, 33, 1000}) {
+        m_accounts.groups = count;
+        std::vector<gid_t> groups(static_cast<std::size_t>(count));
+        std::iota(groups.begin(), groups.end(), 0);
+        EXPECT_EQ(lookUpUser("root").groups, groups);
+    }
+}
+
+TEST_F(LookUpUser, DoesNotAskForEverWhenThereIsNoMemory)
+{
+    m_accounts.groups = 1;
+    m_accounts.memory = false;
+    EXPECT_THROW(lookUpUser("root"), std::bad_alloc);
+}
+
+TEST_F(LookUpUser, FindsAnAccountWithLongTexts)
+{
+    m_accounts.textsSize = 100000;
+    EXPECT_EQ(lookUpUser("root").user, 0);
+}
+
+TEST_F(LookUpUser, SaysThatTheLookUpFailed)
+{
+    m_accounts.error = EIO;
+    try {
+        lookUpUser("root");
+        ADD_FAILURE();
+    } catch (const std::system_error& reason) {
+        EXPECT_STREQ(reason.what(), "cannot look up user root: Input/output error");
+    }
+}
+
+TEST_F(LookUpUser, RefusesAnAccountThatIsNotThere)
 {
     EXPECT_THROW(lookUpUser("no such user"), std::invalid_argument);
     EXPECT_THROW(lookUpUser(std::string("root\0x", 6)), std::invalid_argument);
