@@ -76,9 +76,9 @@ public:
     ///                the host's, with LC_ALL=C and without LANGUAGE.
     ///   input        text of standard input; else it is /dev/null.
     ///
-    /// The program gets no other descriptor, default signal dispositions, no blocked signal and a
-    /// process group of its own. The call returns as soon as the program has ended and what it
-    /// printed until then is read; what it left running in the background is left alone.
+    /// The program gets no other descriptor, default signal dispositions, no blocked or pending
+    /// signal and a process group of its own. The call returns as soon as the program has ended and
+    /// what it printed until then is read; what it left running in the background is left alone.
     ///
     /// Past `timeLimitSeconds` (0: the default limit; more than 1,000,000,000 counts as that), or
     /// past a bound, its whole process group gets SIGTERM and, after the grace at the latest,

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <utility>
 
 #include <dirent.h>
@@ -21,9 +22,11 @@ using koze_pdk_4_4::runner::StandardStreams;
 
 static_assert(sizeof(long) == 8, "system calls take 64-bit arguments as they are");
 
-/// The kernel's signal set and action: all zero is the empty set and the default action.
+/// The kernel's signal set, action and time: all zero is the empty set, the default action and no
+/// time at all.
 constexpr std::size_t kernelSetSize = 8;
 constexpr char kernelZeros[64] = {};
+constexpr std::uint64_t everySignal = ~std::uint64_t{0};
 
 constexpr int firstOther = STDERR_FILENO + 1;
 
@@ -42,6 +45,13 @@ void resetDispositions()
 {
     for (int signal = 1; signal < _NSIG; ++signal)
         syscall(SYS_rt_sigaction, signal, kernelZeros, nullptr, kernelSetSize);
+}
+
+/// What was sent to the host's group, while this process was still in it, is not the program's.
+void dropSignals()
+{
+    while (syscall(SYS_rt_sigtimedwait, &everySignal, nullptr, kernelZeros, kernelSetSize) > 0) {
+    }
 }
 
 bool placeStreams(const StandardStreams& streams)
@@ -121,6 +131,7 @@ const char* ChildPlan::start() const
     resetDispositions();
     if (syscall(SYS_setpgid, 0, 0) != 0)
         return "cannot lead a process group";
+    dropSignals();
     if (!placeStreams(m_streams))
         return "cannot place its streams";
     if (!closeOthers())

@@ -28,6 +28,7 @@ struct Kernel {
     bool keepsExitInformation = true;
     bool sends = true;
     bool executes = true;
+    int groupSignal = 0; // reaches the child while it is in the host's group
 
     std::atomic<int> asked{0}; // how often the kernel denied something
     std::vector<std::pair<pid_t, int>> killed;
@@ -96,6 +97,8 @@ extern "C" long syscall(long number, ...) noexcept
             return deny(denied->second);
         if (number == SYS_pidfd_send_signal && !kernel->sends)
             return 0;
+        if (number == SYS_setpgid && kernel->groupSignal != 0)
+            realSyscall(SYS_kill, realSyscall(SYS_getpid), kernel->groupSignal);
         const timespec moment{0, 1000000};
         while (number == SYS_execve && !*const_cast<volatile bool*>(&kernel->executes))
             realSyscall(SYS_nanosleep, &moment, nullptr);
@@ -296,6 +299,15 @@ TEST_F(ExecKernel, SignalsNothingButTheProgramsGroup)
     EXPECT_LT(group, -1);
     for (const auto& [pid, signal] : m_kernel.killed)
         EXPECT_EQ(pid, group);
+}
+
+TEST_F(ExecKernel, ThatSignalsTheHostsGroupAtTheStartDoesNotMeanTheProgram)
+{
+    for (const int signal : {SIGINT, SIGQUIT, SIGUSR1, SIGTSTP, 64}) {
+        m_kernel.groupSignal = signal;
+        EXPECT_EQ(exec("exit_with 3"), 3);
+        EXPECT_LT(took(), 20s);
+    }
 }
 
 TEST_F(ExecKernel, WithAProcessThatKeepsAllThatWasOpenAtTheStart)
