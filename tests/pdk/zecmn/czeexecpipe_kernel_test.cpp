@@ -6,10 +6,13 @@
 
 #include <atomic>
 #include <cstdarg>
+#include <limits>
 #include <map>
 #include <thread>
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <malloc.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/syscall.h>
@@ -24,13 +27,17 @@ struct Kernel {
     std::map<long, int> deniedCalls; // number and errno's value
     bool hasPidfd = true;
     bool waitsByPidfd = true;
+    bool interruptsWaits = false; // every other one
+    int waits = 0;
     int exitInformationAfter = 0; // looks in vain before it is there
     bool keepsExitInformation = true;
     bool sends = true;
-    bool executes = true;
+    long hangsIn = 0; // the number of a call
+    bool clones = true;
     int groupSignal = 0; // reaches the child while it is in the host's group
 
-    std::atomic<int> asked{0}; // how often the kernel denied something
+    id_t lowestPidfd = std::numeric_limits<id_t>::max(); // that was waited for
+    std::atomic<int> asked{0};                           // how often the kernel denied something
     std::vector<std::pair<pid_t, int>> killed;
     pid_t sibling = 0; // 0: none wanted; -1: wanted
 };
@@ -70,6 +77,8 @@ extern "C" int clone(int (*function)(void*), void* stack, int flags, void* argum
     void* storage = va_arg(arguments, void*);
     void* cleared = va_arg(arguments, void*);
     va_end(arguments);
+    if (kernel != nullptr && !kernel->clones)
+        return deny(EAGAIN);
     if (kernel != nullptr && !kernel->hasPidfd) {
         ++kernel->asked;
         flags &= ~CLONE_PIDFD;
@@ -100,7 +109,7 @@ extern "C" long syscall(long number, ...) noexcept
         if (number == SYS_setpgid && kernel->groupSignal != 0)
             realSyscall(SYS_kill, realSyscall(SYS_getpid), kernel->groupSignal);
         const timespec moment{0, 1000000};
-        while (number == SYS_execve && !*const_cast<volatile bool*>(&kernel->executes))
+        while (number == *const_cast<volatile long*>(&kernel->hangsIn))
             realSyscall(SYS_nanosleep, &moment, nullptr);
     }
     return realSyscall(number, a[0], a[1], a[2], a[3], a[4], a[5]);
@@ -129,6 +138,10 @@ extern "C" int waitid(idtype_t type, id_t id, siginfo_t* info, int options)
 {
     if (kernel != nullptr && type == P_PIDFD && !kernel->waitsByPidfd)
         return deny(EINVAL);
+    if (kernel != nullptr && kernel->interruptsWaits && ++kernel->waits % 2 == 1)
+        return deny(EINTR);
+    if (kernel != nullptr && type == P_PIDFD)
+        kernel->lowestPidfd = std::min(kernel->lowestPidfd, id);
     return realWaitid(type, id, info, options);
 }
 
@@ -197,6 +210,39 @@ TEST_F(ExecKernel, ThatSignalsNoGroupByPidfd)
     m_kernel.deniedCalls[SYS_pidfd_send_signal] = EINVAL;
     expectEveryEnding();
     expectDenied();
+}
+
+TEST_F(ExecKernel, ThatInterruptsWaits)
+{
+    m_kernel.interruptsWaits = true;
+    expectEveryEnding();
+    expectDenied();
+}
+
+TEST_F(ExecKernel, WithoutPidfdsButWithAChildOfTheHosts)
+{
+    const pid_t own = fork();
+    if (own == 0)
+        _exit(5);
+    siginfo_t info;
+    ASSERT_EQ(realWaitid(P_PID, static_cast<id_t>(own), &info, WEXITED | WNOWAIT), 0);
+    m_kernel.hasPidfd = false;
+    EXPECT_EQ(exec("exit_with 3"), 3);
+    EXPECT_EQ(exec("close_early"), 7);
+    int status = 0;
+    EXPECT_EQ(waitpid(own, &status, 0), own);
+    EXPECT_EQ(WEXITSTATUS(status), 5);
+}
+
+TEST_F(ExecKernel, GivesNoStandardNumberToAPidfd)
+{
+    const int input = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
+    close(STDIN_FILENO);
+    EXPECT_EQ(exec("exit_with 0"), 0);
+    dup2(input, STDIN_FILENO);
+    close(input);
+    EXPECT_GT(m_kernel.lowestPidfd, STDERR_FILENO);
+    EXPECT_LT(m_kernel.lowestPidfd, 1000);
 }
 
 TEST_F(ExecKernel, BeforeCloseRange)
@@ -345,6 +391,18 @@ TEST_F(ExecKernel, SaysWhichStepItFailedAt)
     }
 }
 
+TEST_F(ExecKernel, ThatHasNoProcessLeftCostsNoMemory)
+{
+    m_kernel.clones = false;
+    const std::string reason =
+        "cannot run /bin/true: cannot start a process: Resource temporarily unavailable";
+    EXPECT_EQ(refusal("/bin/true"), reason);
+    const std::size_t before = mallinfo2().uordblks;
+    for (int attempt = 0; attempt < 20; ++attempt)
+        EXPECT_EQ(refusal("/bin/true"), reason);
+    EXPECT_LT(mallinfo2().uordblks, before + (std::size_t{64} << 10));
+}
+
 /// Runs a program with a limit of 300 milliseconds.
 int runBriefly(const std::string& command)
 {
@@ -357,19 +415,23 @@ int runBriefly(const std::string& command)
 
 TEST_F(ExecKernel, ThatDoesNotGetRoundToStartingTheProgram)
 {
-    m_kernel.executes = false;
-    for (const bool hasPidfd : {true, false}) {
-        m_kernel.hasPidfd = hasPidfd;
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(runBriefly("exit_with 0"), CZeExecPipeBase::deadlinePassed);
-        EXPECT_GE(std::chrono::steady_clock::now() - start, 300ms);
-        expectNoChild();
+    for (const long call : {SYS_setpgid, SYS_execve}) {
+        m_kernel.hangsIn = call;
+        for (const bool hasPidfd : {true, false}) {
+            m_kernel.hasPidfd = hasPidfd;
+            const auto start = std::chrono::steady_clock::now();
+            const auto busy = threadTime();
+            EXPECT_EQ(runBriefly("exit_with 0"), CZeExecPipeBase::deadlinePassed);
+            EXPECT_GE(std::chrono::steady_clock::now() - start, 300ms);
+            EXPECT_LT(threadTime() - busy, 150ms);
+            expectNoChild();
+        }
     }
 }
 
 TEST_F(ExecKernel, ThatCannotEndAProgramLeavesItItsMemory)
 {
-    m_kernel.executes = false;
+    m_kernel.hangsIn = SYS_execve;
     m_kernel.sends = false;
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(runBriefly("exit_with 5"), CZeExecPipeBase::deadlinePassed);
@@ -379,7 +441,7 @@ TEST_F(ExecKernel, ThatCannotEndAProgramLeavesItItsMemory)
     std::vector<std::vector<char>> others;
     for (std::size_t size = 16; size < 256 << 10; size += size / 4)
         others.emplace_back(size, 'x');
-    m_kernel.executes = true;
+    m_kernel.hangsIn = 0;
     int status = 0;
     EXPECT_GT(waitpid(-1, &status, 0), 0);
     EXPECT_TRUE(WIFEXITED(status));

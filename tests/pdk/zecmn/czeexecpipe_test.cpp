@@ -265,6 +265,16 @@ TEST_F(Exec, RunsAsTheUserThatItIsTold)
     rmdir(path.c_str());
 }
 
+TEST_F(Exec, LeavesAHostThatNobodyMayDumpAsItIs)
+{
+    ASSERT_EQ(prctl(PR_SET_DUMPABLE, 0), 0);
+    Settings settings;
+    settings.user = geteuid() == 0 ? "nobody" : "";
+    EXPECT_EQ(exec("exit_with 0", settings), 0);
+    EXPECT_EQ(prctl(PR_GET_DUMPABLE), 0);
+    prctl(PR_SET_DUMPABLE, 1);
+}
+
 TEST_F(Exec, RunsAsTheHostsUserOtherwise)
 {
     ASSERT_EQ(exec("show identity"), 0);

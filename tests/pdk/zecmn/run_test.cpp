@@ -173,6 +173,14 @@ TEST_F(RunTest, AGrandchildThatKeepsThePipeIsNotWaitedFor)
     EXPECT_LT(took(), never);
 }
 
+TEST_F(RunTest, AGrandchildIsLeftAlone)
+{
+    const std::string file = testing::TempDir() + mark();
+    EXPECT_EQ(run("leave_child 0 " + file), 0);
+    awaitNobodyLeft();
+    EXPECT_EQ(unlink(file.c_str()), 0);
+}
+
 TEST_F(RunTest, AGrandchildThatGoesOnPrintingIsNotWaitedFor)
 {
     Limits limits = ample;
@@ -186,6 +194,14 @@ TEST_F(RunTest, AProgramThatClosesItsStreamsIsWaitedFor)
 {
     EXPECT_EQ(run("close_early"), 7);
     EXPECT_EQ(output(), Lines({"closing"}));
+}
+
+TEST_F(RunTest, WaitingCostsNoProcessorTime)
+{
+    const auto busy = threadTime();
+    for (const char* command : {"hang", "stop", "close_early"})
+        run(command, {1s, 100ms, 1000, 1000});
+    EXPECT_LT(threadTime() - busy, 500ms);
 }
 
 TEST_F(RunTest, AProgramThatClosesItsStreamsHasALimitToo)

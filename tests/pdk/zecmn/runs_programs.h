@@ -16,6 +16,7 @@
 
 #include <sys/prctl.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 /// The command line of a helper program of programs/; a path stays as it is.
@@ -73,6 +74,14 @@ inline std::vector<std::string> signalState()
     return state;
 }
 
+/// The processor time that this thread has used.
+inline std::chrono::nanoseconds threadTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
 /// Base of the tests that run programs: each must leave the host as it found it.
 class RunsPrograms : public testing::Test {
 protected:
@@ -83,10 +92,7 @@ protected:
     /// What a program leaves in the background on purpose ends when nobody reads it any more.
     void TearDown() override
     {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!processesWith(m_mark).empty() && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        EXPECT_EQ(processesWith(m_mark), std::vector<std::string>());
+        awaitNobodyLeft();
         EXPECT_EQ(openDescriptors(), m_descriptors);
         EXPECT_EQ(signalState(), m_signals);
         EXPECT_EQ(std::filesystem::current_path(), m_directory);
@@ -96,6 +102,14 @@ protected:
 
     /// Nobody is left right now, without a moment of patience.
     void expectNobodyLeft() const { EXPECT_EQ(processesWith(m_mark), std::vector<std::string>()); }
+
+    void awaitNobodyLeft() const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!processesWith(m_mark).empty() && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        expectNobodyLeft();
+    }
 
     /// Neither running nor ended.
     static void expectNoChild()

@@ -1,9 +1,12 @@
-// leave_child STATUS [chatter]: prints a line and ends with that status. A child of it stays
-// behind and keeps the streams until nobody reads them any more; it may go on printing.
+// leave_child STATUS [chatter | FILE]: prints a line and ends with that status. A child of it stays
+// behind and keeps the streams until nobody reads them any more; it may go on printing, or create
+// the file a while later.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -13,11 +16,15 @@ int main(int argc, char** argv)
     std::fflush(stdout);
     if (fork() > 0)
         _exit(std::atoi(argv[1]));
-    if (argc > 2) {
+    const bool chatters = argc > 2 && std::strcmp(argv[2], "chatter") == 0;
+    if (chatters) {
         while (write(STDOUT_FILENO, "chatter\n", 8) == 8) {
         }
     }
     pollfd output{STDOUT_FILENO, 0, 0};
     poll(&output, 1, -1);
-    return 0;
+    if (argc <= 2 || chatters)
+        return 0;
+    usleep(50000);
+    return open(argv[2], O_WRONLY | O_CREAT | O_CLOEXEC, 0600) < 0 ? 1 : 0;
 }
