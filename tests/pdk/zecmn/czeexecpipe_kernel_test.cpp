@@ -19,6 +19,7 @@
 
 #include "exec_test.h"
 #include "pdk/zecmn/run.h"
+#include "tests/support/recording_log.h"
 
 namespace {
 
@@ -166,6 +167,7 @@ namespace {
 using koze_pdk_4_4::CZeExecPipeBase;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::StartsWith;
 
 class ExecKernel : public ExecTest {
@@ -293,6 +295,22 @@ TEST_F(ExecKernelThatReaps, AndKeepsNoStatus)
     m_kernel.keepsExitInformation = false;
     expectUnknown();
     expectDenied();
+}
+
+TEST_F(ExecKernelThatReaps, AndKeepsNoStatusIsTraced)
+{
+    m_kernel.keepsExitInformation = false;
+    {
+        RecordingLog log;
+        traceTo(log.handle());
+        exec("exit_with 0");
+        const std::vector<Line> lines = log.takeLines();
+        ASSERT_EQ(lines.size(), 1);
+        EXPECT_EQ(lines[0].level, 2);
+        EXPECT_THAT(lines[0].text,
+                    EndsWith(" ms and ended, but the host has taken its exit status away."));
+    }
+    traceTo({});
 }
 
 TEST_F(ExecKernelThatReaps, AndHasNoPidfds)
@@ -464,6 +482,14 @@ TEST_F(ExecKernel, ThatCannotEndAStartedProgramDoesNotHoldTheHostUp)
     for (const std::string& left : processesWith(mark()))
         realKill(std::stoi(left), SIGKILL);
     EXPECT_GT(waitpid(-1, nullptr, 0), 0);
+}
+
+TEST_F(ExecKernel, ThatCannotEndAGrandchildHoldsTheHostUpForASecond)
+{
+    m_kernel.sends = false;
+    EXPECT_EQ(execToFirstWord("leave_child 0", 300ms), CZeExecPipeBase::boundExceeded);
+    EXPECT_GE(took(), 1300ms);
+    EXPECT_LT(took(), 20s);
 }
 
 } // namespace

@@ -8,7 +8,9 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include <dlfcn.h>
 #include <grp.h>
+#include <link.h>
 #include <pwd.h>
 #include <sys/stat.h>
 
@@ -78,14 +80,15 @@ TEST_F(Exec, DeliversATableOfAMillionRows)
 
 TEST_F(Exec, AppendsToWhatTheListHolds)
 {
-    Lines lines = {"before"};
+    const std::string before(2 * CZeExecPipeBase::floodKept, 'b');
+    Lines lines = {before};
     CZeExecPipePosix runner(1);
     EXPECT_EQ(runner.Exec(commandLine("print 0 1 a\\n"), lines, "", 60, "", mark(), ""), 0);
     EXPECT_EQ(runner.Exec(commandLine("flood 2 1000"), lines, "", 60, "", mark(), ""),
               CZeExecPipeBase::boundExceeded);
-    ASSERT_GT(lines.size(), 3);
+    ASSERT_EQ(lines.size(), 2 + CZeExecPipeBase::floodKept / (1000 + sizeof(std::string)));
     EXPECT_EQ(Lines(lines.begin(), lines.begin() + 3),
-              Lines({"before", "a", std::string(1000, 'x')}));
+              Lines({before, "a", std::string(1000, 'x')}));
 }
 
 TEST_F(Exec, DeliversStandardErrorBehindTheOutputOfAFailure)
@@ -115,6 +118,27 @@ TEST(Runner, DeliversOneStreamOrTwo)
     EXPECT_THROW(CZeExecPipePosix(0), std::invalid_argument);
     EXPECT_THROW(CZeExecPipePosix(3), std::invalid_argument);
     EXPECT_FALSE((std::is_convertible_v<int, CZeExecPipePosix>));
+}
+
+/// Whether every symbol of the library that holds `address` is looked up when it is loaded.
+bool boundWhenLoaded(const void* address)
+{
+    Dl_info info;
+    link_map* library = nullptr;
+    if (dladdr1(address, &info, reinterpret_cast<void**>(&library), RTLD_DL_LINKMAP) == 0)
+        return false;
+    for (const ElfW(Dyn)* entry = library->l_ld; entry->d_tag != DT_NULL; ++entry) {
+        if (entry->d_tag == DT_FLAGS_1)
+            return (entry->d_un.d_val & DF_1_NOW) != 0;
+    }
+    return false;
+}
+
+TEST(Runner, LooksNoFunctionUpInAChild)
+{
+    const CZeExecPipePosix runner(1);
+    const void* table = *reinterpret_cast<void* const*>(&runner);
+    EXPECT_TRUE(boundWhenLoaded(table));
 }
 
 TEST_F(Exec, PassesEveryCharacterOfAnArgumentOn)
@@ -328,6 +352,18 @@ TEST_F(Exec, SaysWhichProgramCannotBeRunAndWhy)
               "cannot run /bin/true: it cannot be executed: Argument list too long");
 }
 
+TEST_F(Exec, NamesTheProgramWithoutTheSpacesAroundIt)
+{
+    CZeExecPipePosix runner(1);
+    Lines lines;
+    try {
+        runner.Exec("  /no/such/program  argument", lines, "", 60, "", "", "");
+        ADD_FAILURE();
+    } catch (const EZeExecPipe& reason) {
+        EXPECT_THAT(reason.what(), StartsWith("cannot run /no/such/program: it or"));
+    }
+}
+
 TEST_F(Exec, SaysWhichSettingCannotBeMet)
 {
     const std::string begin = "cannot run " + commandLine("lines") + ": ";
@@ -440,6 +476,13 @@ TEST_F(ExecTrace, SaysWhatASuccessfulCommandWarnedOf)
     const std::string begin = "Command [" + commandLine(command) + "] warns: ";
     EXPECT_THAT(m_log.takeLines(), ElementsAre(Line{2, begin + "a"}, Line{2, begin + "b"},
                                                Took(6, command, "ended with exit status 0.")));
+}
+
+TEST_F(ExecTrace, LeavesToTheCallerWhyACommandFailed)
+{
+    exec("print 3 2 why\\n");
+    EXPECT_THAT(m_log.takeLines(),
+                ElementsAre(Took(2, "print 3 2 why\\n", "ended with exit status 3.")));
 }
 
 TEST_F(ExecTrace, SaysWhyACommandCannotBeRun)

@@ -52,7 +52,7 @@ protected:
     int execToFirstWord(const std::string& command, std::chrono::nanoseconds grace)
     {
         koze_pdk_4_4::runner::Program program;
-        program.arguments = {commandLine(command)};
+        program.arguments = koze_pdk_4_4::runner::splitCommand(commandLine(command));
         program.environment = {mark()};
         Lines lines;
         const auto start = std::chrono::steady_clock::now();
