@@ -16,6 +16,7 @@
 #include <sys/syscall.h>
 #include <sys/time.h>
 
+#include "closed_standard.h"
 #include "exec_test.h"
 
 using koze_pdk_4_4::CZeExecPipeBase;
@@ -244,41 +245,6 @@ TEST_F(ExecHost, ThatBlocksAndIgnoresSignals)
     sigtimedwait(&child, nullptr, &none);
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
-
-/// Closes some of the standard descriptors while it lives.
-class ClosedStandard {
-public:
-    explicit ClosedStandard(const std::vector<int>& numbers)
-    {
-        for (const int number : numbers) {
-            m_kept.emplace_back(number, fcntl(number, F_DUPFD_CLOEXEC, 100));
-            close(number);
-        }
-    }
-    ClosedStandard(const ClosedStandard&) = delete;
-    ClosedStandard& operator=(const ClosedStandard&) = delete;
-    ~ClosedStandard()
-    {
-        for (const auto& [number, kept] : m_kept) {
-            dup2(kept, number);
-            close(kept);
-        }
-    }
-
-    /// The standard numbers that are open.
-    static std::vector<int> open()
-    {
-        std::vector<int> numbers;
-        for (int number = 0; number < 3; ++number) {
-            if (fcntl(number, F_GETFD) >= 0)
-                numbers.push_back(number);
-        }
-        return numbers;
-    }
-
-private:
-    std::vector<std::pair<int, int>> m_kept;
-};
 
 TEST_F(ExecHost, ThatHasClosedItsStandardDescriptors)
 {

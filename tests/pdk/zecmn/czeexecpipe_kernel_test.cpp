@@ -11,12 +11,12 @@
 #include <thread>
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <malloc.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/syscall.h>
 
+#include "closed_standard.h"
 #include "exec_test.h"
 #include "pdk/zecmn/run.h"
 #include "tests/support/recording_log.h"
@@ -238,11 +238,10 @@ TEST_F(ExecKernel, WithoutPidfdsButWithAChildOfTheHosts)
 
 TEST_F(ExecKernel, GivesNoStandardNumberToAPidfd)
 {
-    const int input = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
-    close(STDIN_FILENO);
-    EXPECT_EQ(exec("exit_with 0"), 0);
-    dup2(input, STDIN_FILENO);
-    close(input);
+    {
+        const ClosedStandard closed({STDIN_FILENO});
+        EXPECT_EQ(exec("exit_with 0"), 0);
+    }
     EXPECT_GT(m_kernel.lowestPidfd, STDERR_FILENO);
     EXPECT_LT(m_kernel.lowestPidfd, 1000);
 }

@@ -119,7 +119,10 @@ TEST(LineCollector, HoldsNoMoreOfALineThanItMayHave)
     Budget budget{1000, 3};
     Lines lines;
     LineCollector collector(lines, budget);
-    collector.add("abcde");
+    collector.add("ab");
+    collector.add("cd");
+    EXPECT_FALSE(budget.exceeded);
+    collector.add("e");
     EXPECT_TRUE(budget.exceeded);
 }
 

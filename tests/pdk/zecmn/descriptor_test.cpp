@@ -1,0 +1,130 @@
+#include "pdk/zecmn/descriptor.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <functional>
+#include <system_error>
+
+#include <sys/syscall.h>
+
+#include "closed_standard.h"
+#include "runs_programs.h"
+
+using koze_pdk_4_4::runner::aboveStandard;
+using koze_pdk_4_4::runner::Descriptor;
+using koze_pdk_4_4::runner::openInput;
+using koze_pdk_4_4::runner::openPipe;
+using koze_pdk_4_4::runner::Pipe;
+
+namespace {
+
+/// What the next writes come to: so many bytes at most, or, negative, an error; later ones succeed.
+std::vector<long> writes;
+
+} // namespace
+
+extern "C" ssize_t write(int descriptor, const void* text, std::size_t size)
+{
+    if (!writes.empty()) {
+        const long next = writes.front();
+        writes.erase(writes.begin());
+        if (next < 0) {
+            errno = static_cast<int>(-next);
+            return -1;
+        }
+        size = std::min(size, static_cast<std::size_t>(next));
+    }
+    return syscall(SYS_write, descriptor, text, size);
+}
+
+namespace {
+
+class DescriptorTest : public testing::Test {
+protected:
+    /// Runs `check` in hosts that have closed some, or none, of their standard descriptors.
+    static void inEveryHost(const std::function<void()>& check)
+    {
+        const std::set<std::string> before = openDescriptors();
+        const std::vector<std::vector<int>> sets = {{}, {0}, {1}, {2}, {0, 1}, {0, 1, 2}};
+        for (const std::vector<int>& set : sets) {
+            const ClosedStandard closed(set);
+            check();
+        }
+        EXPECT_EQ(openDescriptors(), before);
+    }
+
+    /// No program that the host starts gets it, and no printing of the host.
+    static bool isPrivate(const Descriptor& descriptor)
+    {
+        return descriptor.number() > STDERR_FILENO &&
+               fcntl(descriptor.number(), F_GETFD) == FD_CLOEXEC;
+    }
+
+    static std::string contents(const Descriptor& descriptor)
+    {
+        char text[100];
+        const ssize_t size = read(descriptor.number(), text, sizeof text);
+        return {text, static_cast<std::size_t>(std::max<ssize_t>(size, 0))};
+    }
+};
+
+TEST_F(DescriptorTest, APipeIsPrivate)
+{
+    inEveryHost([] {
+        const Pipe pipe = openPipe();
+        EXPECT_TRUE(isPrivate(pipe.readEnd));
+        EXPECT_TRUE(isPrivate(pipe.writeEnd));
+        EXPECT_EQ(write(pipe.writeEnd.number(), "text", 4), 4);
+        EXPECT_EQ(contents(pipe.readEnd), "text");
+    });
+}
+
+TEST_F(DescriptorTest, AnInputIsPrivateAndAtItsBeginning)
+{
+    for (const std::string text : {"", "text"}) {
+        inEveryHost([&] {
+            const Descriptor input = openInput(text);
+            EXPECT_TRUE(isPrivate(input));
+            EXPECT_EQ(contents(input), text);
+        });
+    }
+}
+
+TEST_F(DescriptorTest, AStandardNumberIsReplaced)
+{
+    for (const int number : {0, 1, 2}) {
+        const ClosedStandard closed({number});
+        Descriptor opened(open("/dev/null", O_RDONLY | O_CLOEXEC));
+        ASSERT_EQ(opened.number(), number);
+        const Descriptor moved = aboveStandard(std::move(opened));
+        EXPECT_TRUE(isPrivate(moved));
+        EXPECT_EQ(fcntl(number, F_GETFD), -1);
+    }
+}
+
+TEST_F(DescriptorTest, AnyOtherNumberIsKept)
+{
+    Descriptor opened(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
+    const int number = opened.number();
+    EXPECT_EQ(aboveStandard(std::move(opened)).number(), number);
+    EXPECT_EQ(fcntl(number, F_GETFD), -1);
+}
+
+TEST_F(DescriptorTest, AnInputIsStoredToItsEnd)
+{
+    writes = {-EINTR, 1, -EINTR, 0, 2};
+    EXPECT_EQ(contents(openInput("text")), "text");
+    EXPECT_TRUE(writes.empty());
+}
+
+TEST_F(DescriptorTest, AnInputThatCannotBeStoredIsRefused)
+{
+    const std::set<std::string> before = openDescriptors();
+    writes = {2, -ENOSPC};
+    EXPECT_THROW(openInput("text"), std::system_error);
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+} // namespace
