@@ -1,0 +1,119 @@
+#include "pdk/zecmn/process_group.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <limits>
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "pdk/zecmn/descriptor.h"
+
+using koze_pdk_4_4::runner::groupRuns;
+
+namespace {
+
+bool hasProc = true;
+
+} // namespace
+
+extern "C" DIR* opendir(const char* name)
+{
+    static auto* const real = reinterpret_cast<decltype(&opendir)>(dlsym(RTLD_NEXT, "opendir"));
+    return hasProc ? real(name) : nullptr;
+}
+
+namespace {
+
+/// A child in a group, of its own for group 0, that waits for a signal; reaped with its owner.
+class Member {
+public:
+    explicit Member(pid_t group, const char* name = "member")
+    {
+        koze_pdk_4_4::runner::Pipe pipe = koze_pdk_4_4::runner::openPipe();
+        m_pid = fork();
+        if (m_pid == 0) {
+            setpgid(0, group);
+            prctl(PR_SET_NAME, name);
+            pipe.writeEnd.reset();
+            for (;;)
+                pause();
+        }
+        pipe.writeEnd.reset();
+        char none = 0;
+        EXPECT_EQ(read(pipe.readEnd.number(), &none, 1), 0); // it is ready
+    }
+    Member(const Member&) = delete;
+    Member& operator=(const Member&) = delete;
+    ~Member()
+    {
+        kill(m_pid, SIGKILL);
+        waitpid(m_pid, nullptr, 0);
+    }
+
+    pid_t pid() const { return m_pid; }
+
+    /// Ends it, without reaping it.
+    void end() const
+    {
+        kill(m_pid, SIGKILL);
+        siginfo_t info;
+        EXPECT_EQ(waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOWAIT), 0);
+    }
+
+private:
+    pid_t m_pid;
+};
+
+TEST(ProcessGroup, RunsUntilItsLastMemberHasEnded)
+{
+    const Member leader(0);
+    const Member other(leader.pid());
+    EXPECT_TRUE(groupRuns(leader.pid()));
+    leader.end();
+    EXPECT_TRUE(groupRuns(leader.pid()));
+    other.end();
+    EXPECT_FALSE(groupRuns(leader.pid()));
+}
+
+TEST(ProcessGroup, RunsWhileItIsStopped)
+{
+    const Member leader(0);
+    kill(leader.pid(), SIGSTOP);
+    waitpid(leader.pid(), nullptr, WUNTRACED);
+    EXPECT_TRUE(groupRuns(leader.pid()));
+}
+
+TEST(ProcessGroup, ThatNobodyIsInDoesNotRun)
+{
+    pid_t gone = 0;
+    {
+        const Member leader(0);
+        gone = leader.pid();
+    }
+    EXPECT_FALSE(groupRuns(gone));
+}
+
+TEST(ProcessGroup, RunsWhateverItsMembersAreCalled)
+{
+    for (const char* name : {") Z 1 1", "a) Z 1", "(", ")", "a b", "\n"}) {
+        const Member leader(0, name);
+        EXPECT_TRUE(groupRuns(leader.pid())) << name;
+    }
+}
+
+TEST(ProcessGroup, RunsAsLongAsNobodyCanTell)
+{
+    const Member leader(0);
+    leader.end();
+    hasProc = false;
+    EXPECT_TRUE(groupRuns(leader.pid()));
+    EXPECT_FALSE(groupRuns(std::numeric_limits<pid_t>::max())); // no such number
+    hasProc = true;
+}
+
+} // namespace
