@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 using koze_pdk_4_4::runner::Budget;
-using koze_pdk_4_4::runner::Descriptor;
 using koze_pdk_4_4::runner::openPipe;
 using koze_pdk_4_4::runner::OutputReader;
 using koze_pdk_4_4::runner::Pipe;
