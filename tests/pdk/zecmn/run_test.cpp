@@ -125,7 +125,9 @@ TEST_F(RunTest, WhoHeedsSigtermIsNotWaitedForAnyLonger)
 TEST_F(RunTest, TheWholeGroupHasTheGraceToTidyUp)
 {
     const std::string file = testing::TempDir() + mark();
+    const auto busy = threadTime();
     EXPECT_EQ(run("tidy_up " + file, speechless), CZeExecPipeBase::boundExceeded);
+    EXPECT_LT(threadTime() - busy, 150ms);
     expectNobodyLeft();
     EXPECT_LT(took(), never);
     EXPECT_EQ(unlink(file.c_str()), 0);

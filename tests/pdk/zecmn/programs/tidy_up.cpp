@@ -10,7 +10,7 @@ static const char* file;
 
 static void tidyUp(int)
 {
-    usleep(100000);
+    usleep(300000);
     _exit(open(file, O_WRONLY | O_CREAT | O_CLOEXEC, 0600) < 0 ? 1 : 0);
 }
 
