@@ -341,7 +341,7 @@ TEST_F(ExecKernelThatReaps, IsNotAskedToSignalByANumberThatMayMeanSomethingElse)
     const std::string file = testing::TempDir() + mark();
     Settings second;
     second.limit = 1;
-    EXPECT_EQ(exec("tidy_up " + file, second), CZeExecPipeBase::deadlinePassed);
+    EXPECT_EQ(exec("tidy_up " + file + " 1", second), CZeExecPipeBase::deadlinePassed);
     EXPECT_EQ(unlink(file.c_str()), 0);
     expectDenied();
     // The leader has gone with SIGTERM, perhaps before SIGCONT. Signal 0 is none.

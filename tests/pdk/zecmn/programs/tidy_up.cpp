@@ -1,7 +1,10 @@
-// tidy_up FILE: dies of SIGTERM at once, but a child of it needs a while after SIGTERM to tidy up,
-// and then creates the file. The child prints a line when it is ready.
+// tidy_up FILE STREAM: dies of SIGTERM at once, but a child of it needs a while after SIGTERM to
+// tidy up, and then creates the file. The child prints a line when it is ready, and keeps only the
+// stream of that number. For stream 0 there is no child: the program does so itself and keeps none.
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <initializer_list>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -17,10 +20,20 @@ static void tidyUp(int)
 int main(int, char** argv)
 {
     file = argv[1];
-    if (fork() == 0) {
+    const int kept = std::atoi(argv[2]);
+    if (kept == 0 || fork() == 0) {
+        sigset_t term; // waits until the streams are closed
+        sigemptyset(&term);
+        sigaddset(&term, SIGTERM);
+        sigprocmask(SIG_BLOCK, &term, nullptr);
         std::signal(SIGTERM, tidyUp);
         std::puts("ready to tidy up");
         std::fflush(stdout);
+        for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+            if (stream != kept)
+                close(stream);
+        }
+        sigprocmask(SIG_UNBLOCK, &term, nullptr);
     }
     for (;;)
         pause();
