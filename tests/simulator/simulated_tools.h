@@ -143,7 +143,7 @@ inline auto Fails(int status, const std::string& reason)
 
 inline auto DiesBy(int signal)
 {
-    return testing::Field("status", &Result::status, 128 + signal);
+    return testing::Field("status", &Result::status, -signal);
 }
 
 inline void PrintTo(const Result& ended, std::ostream* stream)

@@ -86,7 +86,7 @@ struct Setting {
 
 /// How a process ended, and what it wrote to the pipes.
 struct Result {
-    int status; // of exit; 128 and the signal's number when one ended it
+    int status; // of exit; minus the signal's number when one ended it
     std::string output;
     std::string errors;
     long peakKilobytes; // of memory
@@ -261,7 +261,7 @@ private:
         int status = 0;
         rusage usage{};
         wait4(std::exchange(m_pid, -1), &status, 0, &usage);
-        m_result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        m_result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
         m_result.peakKilobytes = usage.ru_maxrss;
     }
 
