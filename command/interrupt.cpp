@@ -9,7 +9,8 @@
 
 namespace {
 
-/// Wakes the thread that waits for signals. Nobody sends it from outside.
+/// Wakes the thread that waits for signals, which takes those of lower numbers first. Nobody sends
+/// it from outside.
 int wakeSignal()
 {
     return SIGRTMIN;
@@ -58,7 +59,7 @@ void Interrupt::finish()
     if (!m_thread.joinable())
         return;
     m_finished = true;
-    pthread_kill(m_thread.native_handle(), wakeSignal());
+    kill(getpid(), wakeSignal()); // a thread's own signal would overtake the process's
     m_thread.join();
 }
 

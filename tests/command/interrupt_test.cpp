@@ -1,0 +1,82 @@
+#include "command/interrupt.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include <unistd.h>
+
+namespace {
+
+using command::Interrupt;
+using command::StopRequest;
+
+class InterruptTest : public testing::Test {
+protected:
+    /// Whatever started the tests may ignore signals.
+    InterruptTest()
+    {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+            std::signal(signal, SIG_DFL);
+    }
+
+    StopRequest stop;
+};
+
+using InterruptDeathTest = InterruptTest;
+
+/// Sends this process a signal under an Interrupt, finishes it at once and exits with 0.
+void finishBehindSignal(StopRequest& stop, int signal)
+{
+    Interrupt interrupt(stop, [] {});
+    kill(getpid(), signal);
+    interrupt.finish();
+    _exit(0);
+}
+
+TEST_F(InterruptDeathTest, ASignalThatCameBeforeTheEndIsNotLost)
+{
+    // Whether the signal or the end is seen first is a matter of luck.
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        EXPECT_EXIT(finishBehindSignal(stop, SIGINT), testing::ExitedWithCode(130), "");
+        EXPECT_EXIT(finishBehindSignal(stop, SIGTERM), testing::ExitedWithCode(143), "");
+        EXPECT_EXIT(finishBehindSignal(stop, SIGHUP), testing::ExitedWithCode(129), "");
+    }
+}
+
+TEST_F(InterruptDeathTest, BeforeTheExitTheRequestIsMade)
+{
+    const auto interrupted = [this] {
+        Interrupt interrupt(stop, [this] {
+            try {
+                stop.check();
+            } catch (const command::Interrupted&) {
+                _exit(7);
+            }
+        });
+        kill(getpid(), SIGTERM);
+        interrupt.finish();
+    };
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(7), "");
+}
+
+TEST_F(InterruptTest, TheSignalsGoThroughAgainWhenItIsGone)
+{
+    sigset_t before;
+    pthread_sigmask(SIG_SETMASK, nullptr, &before);
+    {
+        const Interrupt interrupt(stop, [] {});
+        sigset_t during;
+        pthread_sigmask(SIG_SETMASK, nullptr, &during);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
+            EXPECT_EQ(sigismember(&during, signal), 1) << signal;
+        EXPECT_EQ(sigismember(&during, SIGQUIT), 0);
+    }
+    sigset_t after;
+    pthread_sigmask(SIG_SETMASK, nullptr, &after);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGRTMIN})
+        EXPECT_EQ(sigismember(&after, signal), sigismember(&before, signal)) << signal;
+    EXPECT_NO_THROW(stop.check());
+}
+
+} // namespace
