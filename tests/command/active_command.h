@@ -65,6 +65,17 @@ protected:
         return steps;
     }
 
+    /// The calls that a timeline tells of, as `calls` shows them.
+    static std::vector<std::string> callsIn(const Json& timeline)
+    {
+        std::vector<std::string> calls;
+        for (const Json& step : timeline) {
+            if (step.contains("command"))
+                calls.push_back(callOf(step["command"]));
+        }
+        return calls;
+    }
+
 private:
     static std::string outlineOfCommand(const Json& step)
     {
@@ -72,6 +83,16 @@ private:
         std::string word;
         words >> word >> word;
         return word + " " + step["result"].dump();
+    }
+
+    static std::string callOf(const std::string& command)
+    {
+        std::istringstream words(command.substr(command.rfind('/') + 1));
+        std::string call;
+        words >> call;
+        for (std::string word; words >> word;)
+            call += " \"" + word + "\"";
+        return call;
     }
 
     std::filesystem::path sleepLog() const { return folder() / "sleeps"; }

@@ -1,5 +1,7 @@
 #include "active_command.h"
 
+#include <set>
+
 namespace {
 
 using testing::ElementsAre;
@@ -39,7 +41,7 @@ TEST_P(ActiveFaults, GiveTheBestPathOrThePathItself)
     EXPECT_EQ(outline(path["timeline"]), GetParam().steps);
     const auto waits = std::count(GetParam().steps.begin(), GetParam().steps.end(), "wait");
     EXPECT_EQ(sleeps(), Steps(static_cast<std::size_t>(waits), "5"));
-    EXPECT_EQ(calls().size(), GetParam().steps.size() - sleeps().size());
+    EXPECT_EQ(calls(), callsIn(path["timeline"]));
 }
 
 // Failures repeat the library's answers to the same tables: a node without a name, or under half of
@@ -60,6 +62,8 @@ const Case cases[] = {
      {"getdmpnode 1", "wait", "scandisks 0", "getdmpnode 1", "wait", "scandisks 0", "getdmpnode 0",
       "getsubpaths 0"}},
     {"stale-repaired-by-refreshing", unchanged, nodeWithoutPaths},
+    {"stale-paths", active, found},
+    {"replay", active, {"getdmpnode 1", "wait", "scandisks 0", "getdmpnode 0", "getsubpaths 0"}},
     {"fault-blank-lines", active, found},
     {"fault-crlf", active, found},
     {"fault-cut-short", unchanged, nodeWithoutPaths},
@@ -76,6 +80,7 @@ const Case cases[] = {
     {"fault-no-rule", unchanged, nodeWithoutPaths},
     {"fault-noise", active, found},
     {"fault-note", unchanged, fourFailures("0")},
+    {"fault-signal", active, found},
     {"fault-tabs", active, found},
 };
 
@@ -85,6 +90,18 @@ INSTANTIATE_TEST_SUITE_P(Scenarios, ActiveFaults, testing::ValuesIn(cases),
                              std::replace(name.begin(), name.end(), '-', '_');
                              return name;
                          });
+
+TEST(ActiveScenarios, AreAllWalkedThrough)
+{
+    // Those whose tools hang are walked through by the tests of interrupts.
+    std::set<std::string> walked{"hanging-tool", "fault-hang-after-output"};
+    for (const Case& walk : cases)
+        walked.insert(walk.scenario);
+    std::set<std::string> scenarios;
+    for (const auto& file : std::filesystem::directory_iterator(SIMULATOR_SCENARIOS))
+        scenarios.insert(file.path().stem());
+    EXPECT_EQ(walked, scenarios);
+}
 
 class ActiveRepair : public ActiveCommand {};
 
@@ -96,6 +113,36 @@ TEST_F(ActiveRepair, RefreshingRemovesTheNodeAndScansEveryDisk)
                 ElementsAre(R"(kodmpadm "getdmpnode" "nodename=sdc")", R"(kodisk "rm" "arr0_9")",
                             R"(kodisk "scandisks")", R"(kodmpadm "getdmpnode" "nodename=sdc")",
                             R"(kodmpadm "getsubpaths" "dmpnodename=arr0_17")"));
+}
+
+TEST_F(ActiveRepair, RefreshingMendsPathsOfBeforeAFailover)
+{
+    useScenario("stale-paths");
+    EXPECT_EQ(answer({"/dev/sdb"})["active"], "/dev/sdb");
+    std::filesystem::remove(logPath());
+    const Json path = answer({"--refresh", "/dev/sdb"});
+    EXPECT_EQ(path["active"], "/dev/sdc");
+    EXPECT_EQ(path["changed"], true);
+    EXPECT_THAT(outline(path["timeline"]), ElementsAre("getdmpnode 0", "rm 0", "scandisks 0",
+                                                       "getdmpnode 0", "getsubpaths 0"));
+    EXPECT_EQ(calls(), callsIn(path["timeline"]));
+    EXPECT_THAT(sleeps(), testing::IsEmpty());
+}
+
+TEST_F(ActiveRepair, ARecordedSessionIsRefreshedToo)
+{
+    useScenario("replay");
+    const Json path = answer({"--refresh", "/dev/sdc"});
+    EXPECT_EQ(path["active"], "/dev/sdb");
+    EXPECT_THAT(outline(path["timeline"]),
+                ElementsAre("getdmpnode 1", "scandisks 0", "getdmpnode 0", "getsubpaths 0"));
+    EXPECT_EQ(calls(), callsIn(path["timeline"]));
+}
+
+TEST_F(ActiveRepair, ACommandThatWasNotRecordedFails)
+{
+    useScenario("replay");
+    EXPECT_EQ(outline(answer({"/dev/sdb"})["timeline"]), fourFailures("70", "70"));
 }
 
 TEST_F(ActiveRepair, RefreshingPausesTenSecondsAfterEachFailure)
