@@ -11,14 +11,20 @@ namespace {
 
 constexpr int cannotReplay = 70;
 
+/// Splits at runs of spaces and at nothing else: that is how a command runner starts a tool.
 Command splitCommand(const std::string& line)
 {
     Command command;
     std::istringstream words(line);
-    words >> command.program;
+    for (std::string word; std::getline(words, word, ' ');) {
+        if (!word.empty())
+            command.arguments.push_back(word);
+    }
+    if (command.arguments.empty())
+        return command;
+    command.program = command.arguments.front();
     command.program.erase(0, command.program.rfind('/') + 1);
-    for (std::string word; words >> word;)
-        command.arguments.push_back(word);
+    command.arguments.erase(command.arguments.begin());
     return command;
 }
 

@@ -36,6 +36,13 @@ TEST_F(Replay, TheArgumentsMustBeTheSame)
     EXPECT_THAT(kodisk({"rm", "a b"}), Fails(70, expected));
 }
 
+TEST_F(Replay, ARecordedCommandLineIsSplitAtSpacesOnly)
+{
+    use({record("  /usr/sbin/kodisk   rm a\nb\t/c  ", 0, {}), record("", 0, {})});
+    EXPECT_THAT(kodisk({"rm", "a\nb\t/c"}), Succeeds());
+    EXPECT_THAT(kodisk({"rm", "a", "b", "/c"}), Fails(70, "not among the recorded"));
+}
+
 TEST_F(Replay, SeveralAnswersAreGivenInTurnAndTheLastForGood)
 {
     const std::string command = "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc";
