@@ -8,9 +8,10 @@
 namespace {
 
 constexpr char globalFooter[] =
-    R"(The library looks at names only: a path need not exist. Options may stand before
-and behind the subcommand. JSON is {"schema": 1, ARRAY: [...]}; bytes of names
-that are not UTF-8 become U+FFFD there.
+    R"(Who owns a path, and what it names, is told from the path alone, which need not
+exist; 'active' asks the volume manager's tools as well. Options may stand
+before and behind the subcommand. JSON is {"schema": 1, ARRAY: [...]}; bytes of
+names that are not UTF-8 become U+FFFD there.
 
 Exit status:
    0  every path is claimed, or none was asked about
@@ -29,16 +30,16 @@ constexpr char bareFooter[] = "Answers are printed bare, a line each: an empty l
 
 constexpr char activeFooter[] =
     R"(A native path is looked up with the volume manager's tools under /usr/sbin; the
-paths of other drivers are active themselves. An unchanged path may be the active
-one, or nobody knew better: the tools are missing, or failed to the end. The
-timeline (with -J, or -o +TIMELINE) tells: each command, how many seconds it took
-and its result, and each wait. A result is the exit status, 0 for success;
+paths of other drivers are active themselves. An unchanged path may be the
+active one, or nobody knew better: the tools are missing, or failed to the end.
+The timeline (with -J, or -o +TIMELINE) tells: each command, how many seconds it
+took and its result, and each wait. A result is the exit status, 0 for success;
 1000+N: signal N ended the tool; 1100: it took more than 600 seconds; 1101: it
 printed too much; 1102: its status was lost; null: it could not be run.
 
-Without --refresh a disk that is not found is scanned and looked up again after 5
-seconds, up to 4 times. While this goes on, a terminal on standard error shows it,
-unless trace lines go there.
+Without --refresh a disk that is not found is scanned and looked up again after
+5 seconds, up to 4 times. While this goes on, a terminal on standard error shows
+it, unless trace lines go there.
 
 An interrupt (SIGINT, SIGTERM, SIGHUP) ends the tools that run, and the command
 with status 130, 143 or 129.)";

@@ -45,6 +45,7 @@ TEST(Options, EverySubcommandIsKnown)
     EXPECT_EQ(options({"append", "x", "1"}).subcommand, Subcommand::append);
     EXPECT_EQ(options({"strip", "x"}).subcommand, Subcommand::strip);
     EXPECT_EQ(options({"prefixes"}).subcommand, Subcommand::prefixes);
+    EXPECT_EQ(options({"active", "x"}).subcommand, Subcommand::active);
 }
 
 TEST(Options, PathsAreTakenAsTheyAre)
@@ -159,6 +160,22 @@ TEST(Options, NulSeparatedInputCanBeForced)
     EXPECT_EQ(complaint({"list", "-0"}), "list: unknown option '-0'");
 }
 
+TEST(Options, ActiveWaitsWithOneJobAndShowsProgressUnlessToldOtherwise)
+{
+    const Options usual = options({"active", "x"});
+    EXPECT_FALSE(usual.refresh);
+    EXPECT_FALSE(usual.dryRun);
+    EXPECT_TRUE(usual.withProgress);
+    EXPECT_EQ(usual.jobs, 1U);
+    const Options told =
+        options({"active", "x", "--refresh", "--dry-run", "--no-progress", "-j", "2", "-j64"});
+    EXPECT_TRUE(told.refresh);
+    EXPECT_TRUE(told.dryRun);
+    EXPECT_FALSE(told.withProgress);
+    EXPECT_EQ(told.jobs, 64U);
+    EXPECT_EQ(complaint({"show", "x", "--refresh"}), "show: unknown option '--refresh'");
+}
+
 TEST(Options, WhatIsNotKnownIsNamed)
 {
     EXPECT_EQ(complaint({"frobnicate"}), ": unknown subcommand 'frobnicate'");
@@ -216,12 +233,21 @@ TEST(Options, HelpIsAnAnswer)
     EXPECT_THAT(information({"show", "--frob", "-h"}), HasSubstr("Usage: dmpclaim show"));
 }
 
+TEST(Options, HelpTellsWhatIsAskedBesidesNames)
+{
+    EXPECT_THAT(information({"--help"}),
+                HasSubstr("is told from the path alone, which need not\n"
+                          "exist; 'active' asks the volume manager's tools as well."));
+    EXPECT_THAT(information({"active", "--help"}),
+                HasSubstr("Remove the disk's node from the volume manager"));
+}
+
 TEST(Options, HelpFitsATerminal)
 {
     for (const Arguments& arguments :
          {Arguments{"-h"}, Arguments{"list", "-h"}, Arguments{"show", "-h"},
           Arguments{"explain", "-h"}, Arguments{"append", "-h"}, Arguments{"strip", "-h"},
-          Arguments{"prefixes", "-h"}}) {
+          Arguments{"active", "-h"}, Arguments{"prefixes", "-h"}}) {
         std::istringstream lines(information(arguments));
         for (std::string line; std::getline(lines, line);)
             EXPECT_LE(line.size(), 80U) << line;
