@@ -14,8 +14,6 @@ class StopRequest {
 public:
     void request() { m_isRequested = true; }
 
-    bool isRequested() const { return m_isRequested; }
-
     /// Throws Interrupted once the request is made.
     void check() const
     {

@@ -22,8 +22,6 @@ public:
     /// Empties the line for good. Waits a moment only for a terminal that takes no output.
     void close();
 
-    bool isShown() const { return m_isTerminal; }
-
 private:
     void write(const std::string& bytes) const;
     void eraseLocked();
