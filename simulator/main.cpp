@@ -41,6 +41,8 @@ void print(int descriptor, std::string_view text)
 
 void flood(unsigned mebibytes, const std::string& line)
 {
+    if (mebibytes == 0)
+        return;
     std::string block;
     while (block.size() < 1024UL * 1024)
         block += line + "\n";
