@@ -32,7 +32,7 @@ std::vector<Step> refreshingSteps(const std::string& disk)
 {
     return {{nodeQuery(disk), "first"},
             {removal(placeholder), "when the line above succeeded"},
-            {rescan({}), "before each of the following"},
+            {rescan({}), "before each attempt of the line below"},
             {nodeQuery(disk), "up to 4 times until it succeeds, 10 seconds after each failure"},
             {pathQuery(placeholder), finding}};
 }

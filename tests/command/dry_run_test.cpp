@@ -19,15 +19,25 @@ protected:
 
     std::vector<std::string> commands(const std::string& path, bool refresh = false)
     {
-        std::vector<std::string> commands;
-        for (const Row& row : rows(path, refresh))
-            commands.push_back(row["command"]);
-        return commands;
+        return column("command", path, refresh);
+    }
+
+    std::vector<std::string> whens(const std::string& path, bool refresh = false)
+    {
+        return column("when", path, refresh);
     }
 
     ScriptedTools tools;
 
 private:
+    std::vector<std::string> column(const char* name, const std::string& path, bool refresh)
+    {
+        std::vector<std::string> values;
+        for (const Row& row : rows(path, refresh))
+            values.push_back(row[name]);
+        return values;
+    }
+
     CDmpClaimManager m_manager;
 };
 
@@ -57,10 +67,18 @@ TEST_F(DryRun, NamesAreNotAltered)
 
 TEST_F(DryRun, EachRowTellsThePathItsOwnerAndWhenTheCommandRuns)
 {
-    const Row row = rows("/dev/sdc").front();
-    EXPECT_EQ(row["name"], "/dev/sdc");
-    EXPECT_EQ(row["owner"], "native");
-    EXPECT_EQ(row["when"], "first; up to 4 times until it succeeds");
+    for (const Row& row : rows("/dev/sdc")) {
+        EXPECT_EQ(row["name"], "/dev/sdc");
+        EXPECT_EQ(row["owner"], "native");
+    }
+    EXPECT_THAT(whens("/dev/sdc"), ElementsAre("first; up to 4 times until it succeeds",
+                                               "5 seconds after each failure of the line above",
+                                               "when the node was found"));
+    EXPECT_THAT(whens("/dev/sdc", true),
+                ElementsAre("first", "when the line above succeeded",
+                            "before each attempt of the line below",
+                            "up to 4 times until it succeeds, 10 seconds after each failure",
+                            "when the node was found"));
 }
 
 TEST_F(DryRun, WithoutTheToolsItSaysSo)
