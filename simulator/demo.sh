@@ -10,10 +10,14 @@ tools=$2
 here=$(dirname "$(readlink -f "$0")")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+bold='' plain=''
+if [[ -t 1 ]]; then
+    bold=$'\e[1m' plain=$'\e[0m'
+fi
 
 # scene NAME WORDS: begins a scene on the scenario NAME.
 scene() {
-    printf '\n\033[1m%s\033[0m\n' "$2"
+    printf '\n%s%s%s\n' "$bold" "$2" "$plain"
     rm -f "$work"/state.json*
     cp "$here/scenarios/$1.json" "$work/state.json"
 }
@@ -42,19 +46,19 @@ active /dev/sdb
 
 scene stale-repaired-by-waiting \
     'A stale mapping: the node is found after two rescans, each five seconds after a failure.'
-active /dev/sdb
+active /dev/sdc
 
 scene stale-repaired-by-refreshing \
     'A stale mapping that only a refresh repairs: without it the old node has no paths ...'
-active /dev/sdb
+active /dev/sdc
 printf '... and with --refresh the node is removed, all disks are scanned, and it is found again.\n'
 rm -f "$work/state.json.log"
-active --refresh /dev/sdb
+active --refresh /dev/sdc
 
 scene hanging-tool 'A tool that hangs: after three seconds somebody presses Ctrl-C.'
 interrupted=(timeout --foreground --preserve-status --signal=INT 3)
-active /dev/sdb
-if pgrep -f "^/usr/sbin/kodmpadm" >/dev/null; then
+active /dev/sdc
+if grep -qs "KOVM_SIMULATOR_STATE=$work/" /proc/[0-9]*/environ; then
     echo 'A tool is still running.'
     exit 1
 fi
