@@ -106,19 +106,28 @@ TEST_F(EndTools, ToolsAreAskedToEnd)
     Tool one(stop, "trap 'exit 3' TERM; echo; sleep 100 & wait");
     Tool other(stop, "trap 'exit 4' TERM; echo; sleep 100 & wait");
     endTools();
-    EXPECT_TRUE(one.groupIsGone());
-    EXPECT_TRUE(other.groupIsGone());
+    ASSERT_TRUE(one.groupIsGone());
+    ASSERT_TRUE(other.groupIsGone());
     one.join();
     other.join();
     EXPECT_EQ(WEXITSTATUS(one.status()), 3);
     EXPECT_EQ(WEXITSTATUS(other.status()), 4);
 }
 
+TEST_F(EndTools, WhatAToolStartedIsAskedToEndToo)
+{
+    Tool tool(stop, "sleep 100 & trap '' TERM; echo; wait $!; exit 3");
+    endTools();
+    ASSERT_TRUE(tool.groupIsGone());
+    tool.join();
+    EXPECT_EQ(WEXITSTATUS(tool.status()), 3);
+}
+
 TEST_F(EndTools, AToolThatDoesNotListenIsKilled)
 {
     Tool tool(stop, "trap '' TERM; echo; while :; do sleep 100; done");
     endTools();
-    EXPECT_TRUE(tool.groupIsGone());
+    ASSERT_TRUE(tool.groupIsGone());
     EXPECT_GE(passed, std::chrono::milliseconds(500));
     tool.join();
     EXPECT_EQ(WTERMSIG(tool.status()), SIGKILL);
@@ -136,6 +145,7 @@ TEST_F(EndTools, AStoppedToolEndsToo)
     Tool tool(stop, "trap 'exit 3' TERM; echo; while :; do sleep 0.01; done");
     kill(-tool.id(), SIGSTOP);
     endTools();
+    ASSERT_TRUE(tool.groupIsGone());
     tool.join();
     EXPECT_EQ(WEXITSTATUS(tool.status()), 3);
 }
