@@ -9,12 +9,31 @@
 #include <string>
 #include <thread>
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "tests/support/process.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+/// Whether nobody of the group is left. Zombies, which others have to reap, do not count.
+bool isGone(pid_t wanted)
+{
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream file(entry.path() / "stat");
+        std::string id;
+        std::string name;
+        std::string state;
+        pid_t parent = 0;
+        pid_t group = 0;
+        if (file >> id >> name >> state >> parent >> group && group == wanted && state != "Z")
+            return false;
+    }
+    return true;
+}
 
 /// A shell in a process group of its own, as the runner starts tools, reaped by a thread. It has
 /// said that it is ready when the constructor returns.
@@ -56,21 +75,7 @@ public:
             m_reaper.join();
     }
 
-    /// Whether nobody of its group is left. Zombies, which others have to reap, do not count.
-    bool groupIsGone() const
-    {
-        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-            std::ifstream file(entry.path() / "stat");
-            std::string id;
-            std::string name;
-            std::string state;
-            pid_t parent = 0;
-            pid_t group = 0;
-            if (file >> id >> name >> state >> parent >> group && group == m_id && state != "Z")
-                return false;
-        }
-        return true;
-    }
+    bool groupIsGone() const { return isGone(m_id); }
 
     int status() const { return m_status; }
     pid_t id() const { return m_id; }
@@ -162,6 +167,46 @@ TEST_F(EndTools, ChildrenThatShareThisGroupAreNoTools)
     EXPECT_EQ(waitpid(child, nullptr, WNOHANG), 0);
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
+}
+
+TEST_F(EndTools, ProcessesThatOthersStartedAreNoTools)
+{
+    Pipe pipe = makePipe();
+    const pid_t child = fork();
+    if (child == 0) {
+        const pid_t grandchild = fork();
+        if (grandchild == 0) {
+            setpgid(0, 0);
+            pause();
+        }
+        setpgid(grandchild, grandchild);
+        (void)!write(pipe.writer.number(), &grandchild, sizeof grandchild);
+        pause();
+    }
+    pid_t grandchild = -1;
+    ASSERT_EQ(read(pipe.reader.number(), &grandchild, sizeof grandchild),
+              static_cast<ssize_t>(sizeof grandchild));
+    Tool tool(stop, "echo; sleep 100");
+    endTools();
+    EXPECT_FALSE(isGone(grandchild));
+    kill(grandchild, SIGKILL);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+}
+
+TEST_F(EndTools, ADeadProcessThatNobodyLooksAfterIsNotWaitedFor)
+{
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    Tool tool(stop, "(exit 0) & echo; exec sleep 100");
+    endTools();
+    EXPECT_LT(passed, std::chrono::milliseconds(1500));
+}
+
+TEST_F(EndTools, AToolThatNothingEndsIsGivenUp)
+{
+    stop.beginTool();
+    endTools();
+    EXPECT_GE(passed, std::chrono::seconds(2));
 }
 
 } // namespace
