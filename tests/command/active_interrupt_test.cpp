@@ -138,6 +138,26 @@ TEST_F(ActiveInterrupt, AnOutputThatFailsLeavesNoToolEither)
     const Result ended = process.finish();
     EXPECT_EQ(ended.status, 1);
     EXPECT_EQ(ended.errors, "dmpclaim: cannot write to standard output: No space left on device\n");
+    EXPECT_LE(log().size(), 1U);
+    EXPECT_THAT(runningTools(statePath()), IsEmpty());
+}
+
+TEST_F(ActiveInterrupt, AtATerminalTheProgressIsErased)
+{
+    useScenario("hanging-tool");
+    const std::filesystem::path typescript = folder() / "typescript";
+    std::string line;
+    for (const std::string& word : active({"/dev/sdc"}))
+        line += "'" + word + "' ";
+    Process process({"script", "-qefc", line, typescript});
+    while (textOf(typescript).find("running kodmpadm") == std::string::npos &&
+           !process.endsWithin(5))
+        continue;
+    process.send("\x03");
+    EXPECT_TRUE(process.endsWithin(3000));
+    const Result ended = process.finish();
+    EXPECT_EQ(ended.status, 130);
+    EXPECT_THAT(ended.output, testing::EndsWith("s\x1b[K^C\r\x1b[K"));
     EXPECT_THAT(runningTools(statePath()), IsEmpty());
 }
 

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
@@ -126,6 +127,27 @@ TEST_F(EndTools, WhatAToolStartedIsAskedToEndToo)
     ASSERT_TRUE(tool.groupIsGone());
     tool.join();
     EXPECT_EQ(WEXITSTATUS(tool.status()), 3);
+}
+
+TEST_F(EndTools, AToolIsAskedOnce)
+{
+    Tool tool(stop,
+              "trap 'asked=x$asked' TERM; echo; while [ -z \"$asked\" ]; do sleep 0.01; done; "
+              "sleep 0.1; exit ${#asked}");
+    endTools();
+    ASSERT_TRUE(tool.groupIsGone());
+    tool.join();
+    EXPECT_EQ(WEXITSTATUS(tool.status()), 1);
+}
+
+TEST_F(EndTools, AToolsNameMayLookLikeTheNextFields)
+{
+    const TemporaryFolder folder;
+    const std::string name = folder.file("a) Z 1 1");
+    std::filesystem::copy("/bin/sleep", name);
+    Tool tool(stop, "echo; exec '" + name + "' 100");
+    endTools();
+    EXPECT_FALSE(stop.toolsRun());
 }
 
 TEST_F(EndTools, AToolThatDoesNotListenIsKilled)

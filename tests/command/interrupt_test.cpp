@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
+#include <thread>
 
 #include <unistd.h>
 
@@ -42,6 +44,19 @@ TEST_F(InterruptDeathTest, ASignalThatCameBeforeTheEndIsNotLost)
         EXPECT_EXIT(finishBehindSignal(stop, SIGTERM), testing::ExitedWithCode(143), "");
         EXPECT_EXIT(finishBehindSignal(stop, SIGHUP), testing::ExitedWithCode(129), "");
     }
+}
+
+TEST_F(InterruptDeathTest, AStrayWakeSignalEndsNothing)
+{
+    const auto interrupted = [this] {
+        Interrupt interrupt(stop, [] {});
+        kill(getpid(), SIGRTMIN);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        kill(getpid(), SIGINT);
+        interrupt.finish();
+        _exit(0);
+    };
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(130), "");
 }
 
 TEST_F(InterruptDeathTest, BeforeTheExitTheRequestIsMade)
