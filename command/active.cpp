@@ -123,7 +123,7 @@ void lookUpActivePaths(const Options& options, const RowReceiver& receiver)
 {
     const auto workers = std::make_shared<Workers>(options);
     TerminalLine line(progressDescriptor(options));
-    Interrupt interrupt(workers->stop, [&line] { line.close(); });
+    const Interrupt interrupt(workers->stop, [&line] { line.close(); });
     LookupPool pool(static_cast<unsigned int>(workers->statuses.size()), pathsOf(options),
                     [workers](const std::string& path, unsigned int worker) {
                         return workers->lookUp(path, worker);
@@ -137,7 +137,6 @@ void lookUpActivePaths(const Options& options, const RowReceiver& receiver)
         endTools(workers->stop);
         throw;
     }
-    interrupt.finish();
 }
 
 } // namespace command

@@ -24,11 +24,8 @@ public:
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
-    /// Does what `finish` does and lets the signals through again.
+    /// Lets the signals through again. Does not return when one came before.
     ~Interrupt();
-
-    /// Takes no more signals. Does not return when one came before.
-    void finish();
 
 private:
     void awaitSignal();

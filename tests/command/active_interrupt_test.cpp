@@ -69,6 +69,16 @@ TEST_F(ActiveInterrupt, EndsTheToolsOfAllJobs)
     EXPECT_EQ(log().size(), 4U);
 }
 
+TEST_F(ActiveInterrupt, EndsTheToolsOfPathsOnStandardInput)
+{
+    useScenario("hanging-tool");
+    Process process(active({"-j2", "-"}));
+    process.send("/dev/sda\n/dev/sdb\n/dev/sdc\n");
+    awaitCalls(process, 2);
+    EXPECT_EQ(runningTools(statePath()).size(), 2U);
+    expectEnd(process, SIGINT, 130);
+}
+
 TEST_F(ActiveInterrupt, ToolsHaveNoSignalsBlocked)
 {
     useScenario("hanging-tool");

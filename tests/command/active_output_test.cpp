@@ -79,12 +79,19 @@ TEST_F(ActiveOutput, ATraceFileThatCannotBeWrittenStopsItBeforeAnythingRuns)
 /// Runs the command in a terminal of its own and returns what that shows.
 class ActiveTerminal : public ActiveCommand {
 protected:
-    std::string shown(const std::vector<std::string>& arguments) const
+    /// `before` stands before the command in its shell line.
+    std::string shown(const std::vector<std::string>& arguments,
+                      const std::string& before = "") const
     {
-        std::string line;
+        std::string line = before;
         for (const std::string& word : active(arguments, "700"))
             line += "'" + word + "' ";
         return Process({"script", "-qec", line, "/dev/null"}).finish().output;
+    }
+
+    void delayLookups(int milliseconds) const
+    {
+        useFault({{"subcommand", "getdmpnode"}, {"delay_ms", milliseconds}});
     }
 };
 
@@ -101,6 +108,44 @@ TEST_F(ActiveTerminal, ManyPathsHaveABar)
     useScenario("stale-repaired-by-waiting");
     EXPECT_THAT(shown({"/dev/sdc", "/dev/sdb"}),
                 testing::HasSubstr("[....................] 0 of 2, /dev/sdc: attempt 1 of 4"));
+}
+
+TEST_F(ActiveTerminal, ARowStandsBetweenTheProgressBeforeAndBehindIt)
+{
+    delayLookups(700);
+    const std::string text = shown({"-r", "-n", "-o", "name,active", "/dev/sdc", "/dev/sdb"});
+    EXPECT_THAT(text, testing::HasSubstr("\r\x1b[K/dev/sdc /dev/sdb\r\n"
+                                         "\r[##########..........] 1 of 2, /dev/sdb: attempt 1"));
+    EXPECT_THAT(text, testing::EndsWith("\r\x1b[K/dev/sdb /dev/sdb\r\n"));
+}
+
+TEST_F(ActiveTerminal, PathsThatAreStillReadAreCounted)
+{
+    EXPECT_EQ(shown({"-n", "-"}, "sleep 0.5 | "), "\r0 done\x1b[K\r\x1b[K");
+}
+
+TEST_F(ActiveTerminal, OfSeveralLookupsTheOneBegunFirstIsShown)
+{
+    delayLookups(1500);
+    const std::string text =
+        shown({"-j2", "-"}, "{ echo /dev/sdc; sleep 0.4; echo /dev/sdb; sleep 0.6; } | ");
+    EXPECT_THAT(text, testing::HasSubstr("\r0 done, /dev/sdc: attempt 1 of 4, running kodmpadm"));
+    EXPECT_THAT(text, testing::Not(testing::HasSubstr("0 done, /dev/sdb")));
+    EXPECT_THAT(text, testing::HasSubstr("\r1 done, /dev/sdb: attempt 1 of 4, running kodmpadm"));
+}
+
+TEST_F(ActiveTerminal, ARefreshPausesTenSeconds)
+{
+    useFault({{"subcommand", "getdmpnode"}, {"to", 2}, {"exit", 3}});
+    EXPECT_THAT(shown({"--refresh", "/dev/sdc"}),
+                testing::HasSubstr("/dev/sdc: attempt 1 of 4, next one in 10 s"));
+}
+
+TEST_F(ActiveTerminal, ThereIsProgressBesidesATraceFile)
+{
+    delayLookups(500);
+    EXPECT_THAT(shown({"--trace", "--trace-file", folder() / "trace", "/dev/sdc"}),
+                testing::HasSubstr("/dev/sdc: attempt 1 of 4"));
 }
 
 TEST_F(ActiveTerminal, ThereIsNoneWhenItIsNotWanted)

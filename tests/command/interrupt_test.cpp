@@ -27,12 +27,13 @@ protected:
 
 using InterruptDeathTest = InterruptTest;
 
-/// Sends this process a signal under an Interrupt, finishes it at once and exits with 0.
+/// Sends this process a signal at the very end of an Interrupt, and exits with 0.
 void finishBehindSignal(StopRequest& stop, int signal)
 {
-    Interrupt interrupt(stop, [] {});
-    kill(getpid(), signal);
-    interrupt.finish();
+    {
+        const Interrupt interrupt(stop, [] {});
+        kill(getpid(), signal);
+    }
     _exit(0);
 }
 
@@ -49,12 +50,10 @@ TEST_F(InterruptDeathTest, ASignalThatCameBeforeTheEndIsNotLost)
 TEST_F(InterruptDeathTest, AStrayWakeSignalEndsNothing)
 {
     const auto interrupted = [this] {
-        Interrupt interrupt(stop, [] {});
+        const Interrupt interrupt(stop, [] {});
         kill(getpid(), SIGRTMIN);
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
         kill(getpid(), SIGINT);
-        interrupt.finish();
-        _exit(0);
     };
     EXPECT_EXIT(interrupted(), testing::ExitedWithCode(130), "");
 }
@@ -62,7 +61,7 @@ TEST_F(InterruptDeathTest, AStrayWakeSignalEndsNothing)
 TEST_F(InterruptDeathTest, BeforeTheExitTheRequestIsMade)
 {
     const auto interrupted = [this] {
-        Interrupt interrupt(stop, [this] {
+        const Interrupt interrupt(stop, [this] {
             try {
                 stop.check();
             } catch (const command::Interrupted&) {
@@ -70,7 +69,6 @@ TEST_F(InterruptDeathTest, BeforeTheExitTheRequestIsMade)
             }
         });
         kill(getpid(), SIGTERM);
-        interrupt.finish();
     };
     EXPECT_EXIT(interrupted(), testing::ExitedWithCode(7), "");
 }
