@@ -53,7 +53,6 @@ ActiveLookup::~ActiveLookup()
 Row ActiveLookup::run(const std::string& path)
 {
     m_path = path;
-    report();
     koze_pdk_4_4::CZeTraceLogHandle log = new koze_pdk_4_4::CZeTraceLog;
     log->setSink(new koze_pdk_4_4::CZeTraceCallbackSink(
         koze_pdk_4_4::CZeTraceSink::everything,

@@ -160,4 +160,14 @@ TEST_F(ActiveLookupTest, ItsStatusTellsWhatItDoes)
     EXPECT_FALSE(status.get());
 }
 
+TEST_F(ActiveLookupTest, ItsStatusTellsTheAttempt)
+{
+    int attempt = 0;
+    tools.answer(nodeQuery, 3).answer(rescan, 0);
+    tools.answer({nodeQuery, 0, nodeTable, [&] { attempt = status.get()->attempt; }});
+    tools.answer(pathQuery, 0, pathTable);
+    lookUp("/dev/sdc");
+    EXPECT_EQ(attempt, 2);
+}
+
 } // namespace

@@ -116,6 +116,19 @@ TEST(LookupPool, WhatTheSourceThrowsComesBehindTheAnswersBefore)
     EXPECT_EQ(calls, 2);
 }
 
+TEST(LookupPool, TheSourceIsNotAskedAgainBehindItsEnd)
+{
+    int calls = 0;
+    LookupPool pool(
+        4,
+        [&]() -> std::optional<std::string> {
+            return ++calls == 1 ? std::optional<std::string>("a") : std::nullopt;
+        },
+        [](const std::string& path, unsigned int) { return Row(path); });
+    EXPECT_THAT(answers(pool), ElementsAre("a"));
+    EXPECT_EQ(calls, 2);
+}
+
 TEST(LookupPool, AnInterruptedWorkerLeavesNoAnswer)
 {
     LookupPool pool(1, source({"a", "b"}), [](const std::string& path, unsigned int) {
