@@ -202,8 +202,9 @@ TEST_F(EndTools, ProcessesThatOthersStartedAreNoTools)
             pause();
         }
         setpgid(grandchild, grandchild);
-        (void)!write(pipe.writer.number(), &grandchild, sizeof grandchild);
-        pause();
+        if (write(pipe.writer.number(), &grandchild, sizeof grandchild) > 0)
+            pause();
+        _exit(1);
     }
     pid_t grandchild = -1;
     ASSERT_EQ(read(pipe.reader.number(), &grandchild, sizeof grandchild),

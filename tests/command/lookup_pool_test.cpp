@@ -6,7 +6,28 @@
 #include <future>
 #include <stdexcept>
 
+#include <dlfcn.h>
+#include <pthread.h>
+
 #include "command/stop_request.h"
+
+namespace {
+
+/// So many threads can still be started; no limit without a number.
+std::optional<int> threadsLeft;
+
+} // namespace
+
+/// Takes the place of the C library's.
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                              void* (*start)(void*), void* argument) noexcept
+{
+    if (threadsLeft && (*threadsLeft)-- <= 0)
+        return EAGAIN;
+    const auto real =
+        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    return real(thread, attributes, start, argument);
+}
 
 namespace {
 
@@ -78,6 +99,24 @@ TEST(LookupPool, EveryWorkerHasItsNumberAndAllWorkAtOnce)
                     });
     EXPECT_EQ(answers(pool).size(), 4U);
     EXPECT_EQ(numbers, 0xfU);
+}
+
+TEST(LookupPool, ItWorksWithAsManyThreadsAsThereCanBe)
+{
+    threadsLeft = 2;
+    LookupPool pool(64, source({"a", "b", "c"}),
+                    [](const std::string& path, unsigned int) { return Row(path); });
+    threadsLeft.reset();
+    EXPECT_THAT(answers(pool), ElementsAre("a", "b", "c"));
+}
+
+TEST(LookupPool, WithoutAnyThreadItSaysSo)
+{
+    threadsLeft = 0;
+    EXPECT_THROW(LookupPool(64, source({"a"}),
+                            [](const std::string& path, unsigned int) { return Row(path); }),
+                 std::system_error);
+    threadsLeft.reset();
 }
 
 TEST(LookupPool, WithoutPathsItEnds)
