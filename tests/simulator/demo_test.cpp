@@ -27,18 +27,19 @@ private:
     }
 };
 
-/// The rows of all tables, with single spaces and without the time.
-std::vector<std::string> rows(const std::string& text)
+using Row = std::vector<std::string>;
+
+/// The rows of all tables, without the time.
+std::vector<Row> rows(const std::string& text)
 {
-    std::vector<std::string> found;
+    std::vector<Row> found;
     for (const std::string& line : splitLines(text)) {
         std::istringstream words(line);
-        std::string name;
-        std::string owner;
-        std::string active;
-        std::string changed;
-        if (line.rfind("/dev/", 0) == 0 && words >> name >> owner >> active >> changed)
-            found.push_back(name + " " + owner + " " + active + " " + changed);
+        Row row(4);
+        for (std::string& cell : row)
+            words >> cell;
+        if (line.rfind("/dev/", 0) == 0)
+            found.push_back(row);
     }
     return found;
 }
@@ -48,10 +49,11 @@ TEST_F(Demo, EachSceneEndsAsItsTitleSays)
     const Result ended = demonstrate();
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.errors, "");
-    EXPECT_THAT(rows(ended.output),
-                ElementsAre("/dev/sdc native /dev/sdb yes", "/dev/sdb native /dev/sdc yes",
-                            "/dev/sdc native /dev/sdb yes", "/dev/sdc native /dev/sdc no",
-                            "/dev/sdc native /dev/sdb yes"));
+    EXPECT_THAT(rows(ended.output), ElementsAre(Row{"/dev/sdc", "native", "/dev/sdb", "yes"},
+                                                Row{"/dev/sdb", "native", "/dev/sdc", "yes"},
+                                                Row{"/dev/sdc", "native", "/dev/sdb", "yes"},
+                                                Row{"/dev/sdc", "native", "/dev/sdc", "no"},
+                                                Row{"/dev/sdc", "native", "/dev/sdb", "yes"}));
     EXPECT_THAT(ended.output, testing::HasSubstr("-- status 130 after "));
     EXPECT_THAT(ended.output, testing::EndsWith("\nNo tool is left running.\n"));
     EXPECT_THAT(ended.output, testing::Not(testing::HasSubstr("\x1b")));

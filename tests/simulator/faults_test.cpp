@@ -98,6 +98,16 @@ TEST_F(Faults, ACallDiesThoughItsCallerBlocksAndIgnoresTheSignal)
             DiesBy(SIGTERM));
 }
 
+TEST_F(Faults, ADeathLeavesNoCoreFile)
+{
+    useFault({{"subcommand", "scandisks"}, {"signal", "SEGV"}});
+    const std::string script = "cd \"$1\" && ulimit -c unlimited && \"$0\" scandisks; exit 0";
+    const std::string errors =
+        start({"/bin/bash", "-c", script, SIMULATOR_TOOLS "/kodisk", folder()}).finish().errors;
+    EXPECT_THAT(errors, testing::HasSubstr("Segmentation fault"));
+    EXPECT_THAT(errors, testing::Not(testing::HasSubstr("core dumped")));
+}
+
 TEST_F(Faults, ALateDeathLeavesAPartOfTheOutput)
 {
     useScenario("fault-late-signal");
