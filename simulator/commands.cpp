@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 #include <stdexcept>
 
 namespace simulator {
@@ -30,17 +31,13 @@ std::string keywordValue(const Arguments& arguments, const std::string& keyword)
     return arguments[0].substr(keyword.size());
 }
 
-/// The names between commas, without the empty ones.
+/// The names between commas.
 std::vector<std::string> splitNames(const std::string& text)
 {
     std::vector<std::string> names;
-    std::size_t start = 0;
-    while (start <= text.size()) {
-        const std::size_t end = std::min(text.find(',', start), text.size());
-        if (end > start)
-            names.push_back(text.substr(start, end - start));
-        start = end + 1;
-    }
+    std::istringstream stream(text);
+    for (std::string name; std::getline(stream, name, ',');)
+        names.push_back(name);
     return names;
 }
 

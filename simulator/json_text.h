@@ -7,8 +7,9 @@
 
 namespace simulator {
 
-/// JSON as people write it by hand: what fits into a line of 100 characters stands on one line,
-/// everything else gets a line for each element, indented by two. Without a line end.
+/// JSON as people write it by hand: a value of up to 100 characters, with its indentation and
+/// without its key, stands on one line, every other gets a line for each element, indented by two.
+/// Without a line end.
 std::string jsonText(const Json& value, std::size_t indent = 0);
 
 } // namespace simulator

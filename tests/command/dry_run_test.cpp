@@ -98,6 +98,7 @@ TEST_F(DryRun, ForOtherPathsNothingIsRun)
         ASSERT_EQ(only.size(), 1U);
         EXPECT_EQ(only[0]["owner"], owner);
         EXPECT_EQ(only[0]["command"], nullptr);
+        EXPECT_EQ(only[0]["when"], "never: only a native path is looked up");
     }
     EXPECT_TRUE(tools.events.empty());
 }

@@ -84,6 +84,21 @@ TEST(LookupPool, AnAnswerComesWhileLaterOnesAreAwaited)
     EXPECT_THAT(answers(pool), ElementsAre("b"));
 }
 
+TEST(LookupPool, PatienceIsForLaterAnswersOnly)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    int calls = 0;
+    LookupPool pool(
+        1,
+        [&]() -> std::optional<std::string> {
+            std::this_thread::sleep_for(20ms);
+            return ++calls == 1 ? std::optional<std::string>("a") : std::nullopt;
+        },
+        [](const std::string& path, unsigned int) { return Row(path); });
+    EXPECT_THAT(answers(pool), ElementsAre("a"));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
+}
+
 TEST(LookupPool, EveryWorkerHasItsNumberAndAllWorkAtOnce)
 {
     constexpr unsigned int workers = 4;

@@ -34,6 +34,9 @@ const Case events[] = {
 const Case others[] = {
     {2, "ExecuteCommand command: /usr/sbin/kodisk", Kind::other},
     {3, "ExecuteCommand command", Kind::other},
+    {3, "Warning - failed with message='' and error no '3'.", Kind::other},
+    {2, "ExecuteCommand - exception thrown in command execution.", Kind::other},
+    {3, "Exiting Function executeCommand [212, dmp_nativepath_claim.cpp]", Kind::other},
     {6, "Entering Function executeCommand [212, dmp_nativepath_claim.cpp]", Kind::other},
     {6, "Exiting Function executeCommands [212, dmp_nativepath_claim.cpp]", Kind::other},
     {6, "ExecuteCommand passed with output 'ExecuteCommand command: x'", Kind::other},

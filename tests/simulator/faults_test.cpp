@@ -155,6 +155,7 @@ TEST_F(Faults, AMistakeIsNamed)
         {{{"exit", 1}}, "faults[0].subcommand is missing"},
         {{{"subcommand", "rm"}, {"exits", 1}}, "faults[0].exits is no field"},
         {{{"subcommand", "rm"}, {"exit", 256}}, "exit is not a whole number from 0 to 255"},
+        {{{"subcommand", "rm"}, {"exit", 1.5}}, "exit is not a whole number from 0 to 255"},
         {{{"subcommand", "rm"}, {"signal", "CHLD"}}, "signal is no signal that ends a process"},
         {{{"subcommand", "rm"}, {"exit", 1}, {"hang", true}}, "a call ends in one way only"},
         {{{"subcommand", "rm"}, {"exit", 1}, {"signal", "KILL"}}, "a call ends in one way only"},

@@ -21,6 +21,17 @@ TEST_F(JsonText, WhatIsLongerGetsALineForEachElement)
               "{\n  \"about\": \"" + about + "\",\n  \"calls\": {\"rm\": 1}\n}\n");
 }
 
+TEST_F(JsonText, TheIndentationCounts)
+{
+    const std::pair<std::size_t, const char*> beginnings[] = {{84, "{\n  \"arrays\": [{"},
+                                                              {85, "{\n  \"arrays\": [\n"}};
+    for (const auto& [length, beginning] : beginnings) {
+        write(Json{{"arrays", {{{"name", std::string(length, 'x')}}}}});
+        kodisk({"rm", "x"});
+        EXPECT_THAT(textOf(statePath()), testing::StartsWith(beginning));
+    }
+}
+
 TEST_F(JsonText, WhatIsWrittenByHandKeepsItsFormAndOrder)
 {
     for (const auto& file : std::filesystem::directory_iterator(scenarios())) {
