@@ -144,8 +144,8 @@ TEST_F(EndTools, AToolsNameMayLookLikeTheNextFields)
 {
     const TemporaryFolder folder;
     const std::string name = folder.file("a) Z 1 1");
-    std::filesystem::copy("/bin/sleep", name);
-    Tool tool(stop, "echo; exec '" + name + "' 100");
+    std::filesystem::copy("/bin/sh", name);
+    Tool tool(stop, "exec '" + name + "' -c 'echo; sleep 100; exit'");
     endTools();
     EXPECT_FALSE(stop.toolsRun());
 }
