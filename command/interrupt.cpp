@@ -50,10 +50,17 @@ Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeExit)
 
 Interrupt::~Interrupt()
 {
+    finish();
+    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+}
+
+void Interrupt::finish()
+{
+    if (!m_thread.joinable())
+        return;
     m_finished = true;
     kill(getpid(), wakeSignal()); // a thread's own signal would overtake the process's
     m_thread.join();
-    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }
 
 void Interrupt::awaitSignal()

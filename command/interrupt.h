@@ -24,8 +24,11 @@ public:
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
-    /// Lets the signals through again. Does not return when one came before.
+    /// Does what `finish` does and lets the signals through again.
     ~Interrupt();
+
+    /// Takes no more signals. Does not return when one came before.
+    void finish();
 
 private:
     void awaitSignal();
