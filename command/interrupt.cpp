@@ -9,8 +9,7 @@
 
 namespace {
 
-/// Wakes the thread that waits for signals, which takes those of lower numbers first. Nobody sends
-/// it from outside.
+/// Wakes the thread that waits for signals, which takes those of lower numbers first.
 int wakeSignal()
 {
     return SIGRTMIN;
