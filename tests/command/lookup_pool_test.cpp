@@ -84,18 +84,27 @@ TEST(LookupPool, AnAnswerComesWhileLaterOnesAreAwaited)
     EXPECT_THAT(answers(pool), ElementsAre("b"));
 }
 
-TEST(LookupPool, PatienceIsForLaterAnswersOnly)
+TEST(LookupPool, NoAnswerAndNoEndWaitsForPatienceToPass)
 {
     const auto begin = std::chrono::steady_clock::now();
-    int calls = 0;
+    std::promise<void> firstIsTaken;
     LookupPool pool(
         1,
-        [&]() -> std::optional<std::string> {
+        [&, calls = 0]() mutable -> std::optional<std::string> {
+            if (++calls == 1)
+                return "a";
+            firstIsTaken.get_future().wait();
             std::this_thread::sleep_for(20ms);
-            return ++calls == 1 ? std::optional<std::string>("a") : std::nullopt;
+            return std::nullopt;
         },
-        [](const std::string& path, unsigned int) { return Row(path); });
-    EXPECT_THAT(answers(pool), ElementsAre("a"));
+        [](const std::string& path, unsigned int) {
+            std::this_thread::sleep_for(20ms);
+            return Row(path);
+        });
+    Row row;
+    EXPECT_EQ(pool.next(row, 10s), LookupPool::Next::row);
+    firstIsTaken.set_value();
+    EXPECT_EQ(pool.next(row, 10s), LookupPool::Next::end);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
 }
 

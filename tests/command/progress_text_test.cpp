@@ -72,6 +72,8 @@ TEST(ProgressText, ANameSteersNoTerminalAndLeavesRoomForTheRest)
     EXPECT_EQ(text(progress), "/dev/sd\\x1b[2J\\x0a: attempt 1 of 4, next one in 5 s");
     progress.longest->path = std::string(40, 'x');
     EXPECT_EQ(text(progress), std::string(40, 'x') + ": attempt 1 of 4, next one in 5 s");
+    progress.longest->path = std::string(41, 'x');
+    EXPECT_EQ(text(progress), "..." + std::string(37, 'x') + ": attempt 1 of 4, next one in 5 s");
     progress.longest->path = "/dev/sd" + std::string(65536, 'x') + "y";
     EXPECT_EQ(text(progress), "..." + std::string(36, 'x') + "y: attempt 1 of 4, next one in 5 s");
 }
