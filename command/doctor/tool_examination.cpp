@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include "doctor/shell_word.h"
 #include "pdk/include/czeexecpipe.h"
 #include "tool_commands.h"
 
@@ -42,17 +43,19 @@ std::string firstWords(const std::vector<std::string>& lines)
 
 std::string ending(int status)
 {
-    switch (status) {
-    case CZeExecPipeBase::boundExceeded:
-        return "it printed too much";
-    case CZeExecPipeBase::statusUnknown:
+    if (status == CZeExecPipeBase::statusUnknown)
         return "its status was lost";
-    default:
-        if (status > CZeExecPipeBase::killedBySignal)
-            return "signal " + std::to_string(status - CZeExecPipeBase::killedBySignal) +
-                   " ended it";
-        return "status " + std::to_string(status);
-    }
+    if (status > CZeExecPipeBase::killedBySignal)
+        return "signal " + std::to_string(status - CZeExecPipeBase::killedBySignal) + " ended it";
+    return "status " + std::to_string(status);
+}
+
+/// Also says what it costs.
+std::string refreshing(const std::string& path)
+{
+    return "have the mapping made anew, which removes the node from the volume manager for a "
+           "while: dmpclaim active --refresh " +
+           shellWord(path);
 }
 
 } // namespace
@@ -62,9 +65,7 @@ namespace command {
 ToolExamination::ToolExamination(const koze_pdk_4_4::CZeTraceLogHandle& log, StopRequest& stop,
                                  FindingReceiver report)
     : m_log(log), m_stop(stop), m_report(std::move(report))
-{
-    m_support.registerTraceLog(log);
-}
+{}
 
 void ToolExamination::examineTools()
 {
@@ -82,7 +83,9 @@ void ToolExamination::examineTools()
 
 bool ToolExamination::examineTool(const std::string& tool, State unusable, const char* consequence)
 {
-    if (m_support.isCommandAvailable("", tool.c_str())) {
+    CKoDMPSupport support;
+    support.registerTraceLog(m_log);
+    if (support.isCommandAvailable("", tool.c_str())) {
         m_report({State::ok, tool, "can be run", ""});
         return true;
     }
@@ -97,90 +100,118 @@ bool ToolExamination::examineTool(const std::string& tool, State unusable, const
 
 void ToolExamination::examineDisk(const std::string& path)
 {
-    const std::string disk = CNativePathClaim().removeDevPrefix(path);
-    const std::string node = nodeOf(path, disk);
-    if (node.empty())
-        return;
-    const std::string active = activePathOf(path, node);
-    if (active.empty())
-        return;
-    if (isThere(active))
-        m_report({State::ok, path, "node " + node + ", active path " + active, ""});
-    else
-        m_report({State::warning, path,
-                  "node " + node + ", active path " + active + ", which does not exist here",
-                  "Have the mapping made anew: dmpclaim active --refresh " + path});
-}
-
-std::string ToolExamination::nodeOf(const std::string& path, const std::string& disk)
-{
-    const std::string query = nodeQuery(disk);
-    if (!ask(path, query))
-        return {};
-    std::string node;
-    const RunningTool running(m_stop);
-    m_support.getKoVMDiskForOSDiskHandler(disk, node);
-    if (node.empty())
-        m_report({State::warning, path, "no node in the table of: " + query,
-                  "Have the disk found again: dmpclaim active " + path});
-    return node;
-}
-
-std::string ToolExamination::activePathOf(const std::string& path, const std::string& node)
-{
-    const std::string query = pathQuery(node);
-    if (!ask(path, query))
-        return {};
-    std::string disk;
-    const RunningTool running(m_stop);
-    m_support.getOSDiskHandleForKoVMDisk(node, disk);
-    if (!disk.empty())
-        return devFolder + disk;
-    m_report({State::warning, path, "no usable path in the table of: " + query,
-              "Check the cables and the array; lookups return the path unchanged."});
-    return {};
-}
-
-/// Returns whether the command succeeded.
-bool ToolExamination::ask(const std::string& path, const std::string& command)
-{
     if (!m_canAsk)
-        return false;
+        return;
+    const std::string node = nodeOf(path);
+    if (!node.empty())
+        examinePathOf(path, node);
+}
+
+std::string ToolExamination::nodeOf(const std::string& path)
+{
+    const std::string disk = CNativePathClaim().removeDevPrefix(path);
+    const Question question{path, nodeQuery(disk),
+                            "If the disk was found a moment ago, scan it: dmpclaim active " +
+                                shellWord(path)};
+    const std::optional<Lines> answer = answerTo(question);
+    if (!answer)
+        return {};
+    const TableReading reading = readNode(*answer);
+    if (reading.name.empty())
+        tellOfNothing(question, reading.fault, "no node",
+                      "Have the disk scanned: " + rescan({shellWord(disk)}));
+    return reading.name;
+}
+
+void ToolExamination::examinePathOf(const std::string& path, const std::string& node)
+{
+    const Question question{path, pathQuery(node), "If it fails again, " + refreshing(path)};
+    const std::optional<Lines> answer = answerTo(question);
+    if (!answer)
+        return;
+    const TableReading reading = readPath(*answer);
+    if (reading.name.empty()) {
+        tellOfNothing(question, reading.fault, "no usable path",
+                      "Check the cables and the array; lookups return the path unchanged.");
+        return;
+    }
+    const std::string active = devFolder + reading.name;
+    const std::string text = "node " + node + ", active path " + active;
+    if (!reading.isEnabled)
+        m_report({State::warning, path, text + ", which is not enabled, as no path of the node is",
+                  "Check the cables and the array; lookups return this path all the same."});
+    else if (!isThere(active))
+        m_report({State::warning, path, text + ", which does not exist here",
+                  "Unless only its node is missing, " + refreshing(path)});
+    else
+        m_report({State::ok, path, text, ""});
+}
+
+/// Returns nothing when the command failed.
+std::optional<ToolExamination::Lines> ToolExamination::answerTo(const Question& question)
+{
     CZeExecPipePosix runner(1);
     runner.registerTraceLog(m_log);
     Lines output;
     int status = 0;
     try {
         const RunningTool running(m_stop);
-        status = runner.Exec(command, output, "", limitSeconds, "", "", "");
+        status = runner.Exec(question.command, output, "", limitSeconds, "", "", "");
     } catch (const EZeExecPipe& error) {
-        m_canAsk = false;
-        m_report({State::error, programOf(command), error.what(),
-                  "Install the volume manager's package again."});
-        return false;
+        giveUp(question.command, error.what(),
+               "Mend that; a damaged tool comes back with the volume manager's package.");
+        return {};
     }
     m_stop.check();
-    m_commands.push_back({{"command", command}, {"status", status}, {"output", output}});
-    if (status != 0)
-        tellOfFailure(path, command, status, output);
-    return status == 0;
+    m_commands.push_back({{"command", question.command}, {"status", status}, {"output", output}});
+    if (status == 0)
+        return output;
+    tellOfFailure(question, status, output);
+    return {};
 }
 
-void ToolExamination::tellOfFailure(const std::string& path, const std::string& command, int status,
-                                    const Lines& output)
+void ToolExamination::tellOfFailure(const Question& question, int status, const Lines& output)
 {
     if (status == CZeExecPipeBase::deadlinePassed) {
-        m_canAsk = false;
-        m_report({State::error, programOf(command),
-                  "no answer within " + std::to_string(limitSeconds) + " seconds to: " + command,
-                  "Find out what it waits for; a lookup waits 600 seconds for each command. "
-                  "Nothing more was asked."});
+        giveUp(question.command,
+               "no answer within " + std::to_string(limitSeconds) +
+                   " seconds to: " + question.command,
+               "Find out what it waits for; a lookup waits 600 seconds for each command.");
+        return;
+    }
+    if (status == CZeExecPipeBase::boundExceeded) {
+        giveUp(question.command, "too much output from: " + question.command,
+               "Run it by hand and look at what it prints.");
         return;
     }
     const std::string words = firstWords(output);
-    m_report({State::warning, path,
-              ending(status) + (words.empty() ? "" : ", '" + words + "'") + " from: " + command,
-              "If the disk was found a moment ago, scan it: dmpclaim active " + path});
+    m_report(
+        {State::warning, question.path,
+         ending(status) + (words.empty() ? "" : ", '" + words + "'") + " from: " + question.command,
+         status < CZeExecPipeBase::killedBySignal
+             ? question.remedy
+             : "Run it by hand; the system's log may tell more."});
+}
+
+/// `remedy` is for a table that lacks the row.
+void ToolExamination::tellOfNothing(const Question& question, const char* fault,
+                                    const std::string& missing, const std::string& remedy)
+{
+    if (fault == nullptr)
+        m_report({State::warning, question.path, missing + " in the table of: " + question.command,
+                  remedy});
+    else
+        m_report({State::warning, question.path, fault + (" in the answer to: " + question.command),
+                  "Run it by hand: what lookups can read begins with the header, which holds NAME, "
+                  "and a rule."});
+}
+
+/// For failures that would come again.
+void ToolExamination::giveUp(const std::string& command, const std::string& text,
+                             const std::string& advice)
+{
+    m_canAsk = false;
+    m_report({State::error, programOf(command), text, advice + " Nothing more was asked."});
 }
 
 } // namespace command

@@ -1,17 +1,19 @@
 #ifndef DOCTOR_TOOL_EXAMINATION_H
 #define DOCTOR_TOOL_EXAMINATION_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "doctor/finding.h"
+#include "doctor/tool_tables.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "row.h"
 #include "stop_request.h"
 
 namespace command {
 
-/// Asks the volume manager's tools what they know, and changes nothing there.
+/// Asks the volume manager's tools what they know, each question once, and changes nothing there.
 class ToolExamination {
 public:
     /// The trace lines of what is asked go to `log`. `stop` ends the examination by Interrupted.
@@ -35,17 +37,25 @@ public:
 private:
     using Lines = std::vector<std::string>;
 
+    /// About a device, to a tool.
+    struct Question {
+        std::string path;
+        std::string command;
+        std::string remedy; // what may help when the tool knows no answer
+    };
+
     bool examineTool(const std::string& tool, Finding::State unusable, const char* consequence);
-    bool ask(const std::string& path, const std::string& command);
-    void tellOfFailure(const std::string& path, const std::string& command, int status,
-                       const Lines& output);
-    std::string nodeOf(const std::string& path, const std::string& disk);
-    std::string activePathOf(const std::string& path, const std::string& node);
+    std::string nodeOf(const std::string& path);
+    void examinePathOf(const std::string& path, const std::string& node);
+    std::optional<Lines> answerTo(const Question& question);
+    void tellOfFailure(const Question& question, int status, const Lines& output);
+    void tellOfNothing(const Question& question, const char* fault, const std::string& missing,
+                       const std::string& remedy);
+    void giveUp(const std::string& command, const std::string& text, const std::string& advice);
 
     koze_pdk_4_4::CZeTraceLogHandle m_log;
     StopRequest& m_stop;
     FindingReceiver m_report;
-    CKoDMPSupport m_support;
     bool m_canAsk = false;
     Row m_commands = Row::array();
 };

@@ -138,14 +138,16 @@ TEST_F(Doctor, JsonHoldsTheTraceOfNamesAndTools)
     for (const Json& line : found["trace"])
         lines.push_back(line["level"].dump() + ' ' + line["text"].get<std::string>());
     EXPECT_THAT(lines, Contains(StartsWith("6 Entering Function getClaimModule")));
-    EXPECT_THAT(lines, Contains(StartsWith("3 ExecuteCommand command: /usr/sbin/kodmpadm")));
+    EXPECT_THAT(lines, Contains(StartsWith("6 Command [/usr/sbin/kodmpadm   getdmpnode ")));
 }
 
 TEST_F(Doctor, TraceLinesGoWhereTheUserWantsThem)
 {
     machine.addDeviceWithNode("sdb");
-    const Result ended = run({"--trace=3"});
-    EXPECT_THAT(ended.errors, HasSubstr(" 3 ExecuteCommand command: /usr/sbin/kodmpadm"));
+    EXPECT_THAT(run({"--trace"}).errors, HasSubstr(" 6 Command [/usr/sbin/kodmpadm "));
+    machine.addDeviceWithNode("sdx");
+    const Result ended = run({"--trace=2"});
+    EXPECT_THAT(ended.errors, HasSubstr(" 2 Command [/usr/sbin/kodmpadm "));
     EXPECT_THAT(ended.errors, Not(HasSubstr(" 6 ")));
     EXPECT_EQ(run({"--trace-file", "/nowhere/trace"}).status, 2);
 }
@@ -160,6 +162,24 @@ TEST_F(Doctor, TheReportCanBeReplayed)
     EXPECT_EQ(replayed["findings"], recorded["findings"]);
     EXPECT_EQ(replayed["commands"], recorded["commands"]);
     EXPECT_THAT(recorded["findings"].dump(), HasSubstr("nodename=sdx"));
+}
+
+TEST_F(Doctor, AnAnswerThatChangesIsReplayedAsItWas)
+{
+    machine.addDeviceWithNode("sdb");
+    useScenario("fault-signal");
+    const std::vector<std::string> twice{"/dev/sdb", "/dev/sdb"};
+    const Json recorded = report(twice);
+    write(Json{{"replay", recorded["commands"]}});
+    EXPECT_EQ(report(twice)["findings"], recorded["findings"]);
+    EXPECT_THAT(recorded["findings"].dump(), HasSubstr("signal 11 ended it"));
+}
+
+TEST_F(Doctor, ADiskWithoutAnEnabledPathIsAWarning)
+{
+    machine.addDeviceWithNode("sdc");
+    useScenario("only-primary-left");
+    EXPECT_EQ(run().status, 64);
 }
 
 TEST_F(Doctor, AReportsFileCanBeReplayed)

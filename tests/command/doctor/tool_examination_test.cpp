@@ -11,8 +11,10 @@ namespace {
 using command::Finding;
 using command::Row;
 using koze_pdk_4_4::CZeExecPipeBase;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -113,10 +115,10 @@ TEST_F(ToolExamination, AMissingDiskToolIsAWarningAndDisksAreAskedAbout)
                                      "scan nor remove disks"));
 }
 
-TEST_F(ToolExamination, EachTableIsKeptAndThenReadAsTheLibraryReadsIt)
+TEST_F(ToolExamination, EachQuestionIsAskedOnceAndItsTableKept)
 {
-    tools.answer(nodeQuery, 0, nodeTable).answer(nodeQuery, 0, nodeTable);
-    tools.answer(pathQuery, 0, pathTable).answer(pathQuery, 0, pathTable);
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, pathTable);
     examine({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("ok /dev/sdc: node arr0_17, active path /dev/sdb"));
     EXPECT_EQ(commands(), Row({{{"command", nodeQuery}, {"status", 0}, {"output", nodeTable}},
@@ -138,8 +140,8 @@ TEST_F(ToolExamination, TheRunnerTracesAndTakesStandardOutputOnly)
 TEST_F(ToolExamination, AnActivePathThatDoesNotExistIsAWarning)
 {
     tools.missing = {"/dev/sdb"};
-    tools.answer(nodeQuery, 0, nodeTable).answer(nodeQuery, 0, nodeTable);
-    tools.answer(pathQuery, 0, pathTable).answer(pathQuery, 0, pathTable);
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, pathTable);
     examine({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: node arr0_17, active path /dev/sdb, "
                                         "which does not exist here"));
@@ -148,7 +150,7 @@ TEST_F(ToolExamination, AnActivePathThatDoesNotExistIsAWarning)
 
 TEST_F(ToolExamination, ATableWithoutANodeIsAWarning)
 {
-    tools.answer(nodeQuery, 0, {"NAME", "===="}).answer(nodeQuery, 0, {"NAME", "===="});
+    tools.answer(nodeQuery, 0, {"NAME", "===="});
     examine({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre(std::string("warning /dev/sdc: no node in the table of: ") +
                                         nodeQuery));
@@ -157,8 +159,8 @@ TEST_F(ToolExamination, ATableWithoutANodeIsAWarning)
 TEST_F(ToolExamination, ATableWithoutAUsablePathIsAWarning)
 {
     const std::vector<std::string> lines{"NAME", "====", "sdb DISABLED SECONDARY c1"};
-    tools.answer(nodeQuery, 0, nodeTable).answer(nodeQuery, 0, nodeTable);
-    tools.answer(pathQuery, 0, lines).answer(pathQuery, 0, lines);
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, lines);
     examine({"/dev/sdc"});
     EXPECT_THAT(
         findings(),
@@ -181,7 +183,6 @@ TEST_F(ToolExamination, EachEndingHasItsWords)
     const std::pair<int, const char*> endings[] = {
         {255, "status 255 from: "},
         {CZeExecPipeBase::killedBySignal + 9, "signal 9 ended it from: "},
-        {CZeExecPipeBase::boundExceeded, "it printed too much from: "},
         {CZeExecPipeBase::statusUnknown, "its status was lost from: "}};
     for (const auto& [status, words] : endings) {
         tools.answer(nodeQuery, status);
@@ -192,7 +193,7 @@ TEST_F(ToolExamination, EachEndingHasItsWords)
 
 TEST_F(ToolExamination, AFailureForANodeIsToldOfItsDisk)
 {
-    tools.answer(nodeQuery, 0, nodeTable).answer(nodeQuery, 0, nodeTable);
+    tools.answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 3);
     examine({"/dev/sdc"});
     EXPECT_THAT(findings(),
@@ -229,6 +230,70 @@ TEST_F(ToolExamination, AToolThatCannotBeRunIsNotAskedAgain)
     EXPECT_FALSE(stop.toolsRun());
 }
 
+TEST_F(ToolExamination, AFloodingToolIsNotAskedAgain)
+{
+    tools.answer(nodeQuery, CZeExecPipeBase::boundExceeded, {"NAME"});
+    examine({"/dev/sdc", "/dev/sdd"});
+    EXPECT_THAT(
+        findings(),
+        ElementsAre(std::string("error /usr/sbin/kodmpadm: too much output from: ") + nodeQuery));
+    EXPECT_EQ(commands()[0]["status"], 1101);
+}
+
+TEST_F(ToolExamination, APathThatIsNotEnabledIsAWarning)
+{
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, {"NAME", "====", "sdb DISABLED PRIMARY c1"});
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: node arr0_17, active path /dev/sdb, "
+                                        "which is not enabled, as no path of the node is"));
+}
+
+TEST_F(ToolExamination, AnAnswerThatIsNoTableIsAWarning)
+{
+    tools.answer(nodeQuery, 0, {"note", "NAME", "====", "arr0_17"});
+    tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0);
+    examine({"/dev/sdc", "/dev/sdc"});
+    EXPECT_THAT(
+        findings(),
+        ElementsAre(std::string("warning /dev/sdc: a line before the header in the answer "
+                                "to: ") +
+                        nodeQuery,
+                    std::string("warning /dev/sdc: no table in the answer to: ") + pathQuery));
+    EXPECT_THAT(last().advice, StartsWith("Run it by hand"));
+}
+
+TEST_F(ToolExamination, AdviceDependsOnWhatFailed)
+{
+    tools.answer(nodeQuery, 1);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(last().advice, EndsWith("scan it: dmpclaim active /dev/sdc"));
+    tools.answer(nodeQuery, 0, {"NAME", "===="});
+    examine({"/dev/sdc"});
+    EXPECT_THAT(last().advice, EndsWith("scanned: /usr/sbin/kodisk   scandisks  device=sdc"));
+    tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 255);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(last().advice, AllOf(HasSubstr("removes the node"),
+                                     EndsWith("dmpclaim active --refresh /dev/sdc")));
+    tools.answer(nodeQuery, CZeExecPipeBase::killedBySignal + 1);
+    examine({"/dev/sdc"});
+    EXPECT_THAT(last().advice, StartsWith("Run it by hand"));
+}
+
+TEST_F(ToolExamination, AdviceMayBePastedIntoAShell)
+{
+    const std::string node = "/usr/sbin/kodmpadm   getdmpnode  nodename=sd$(x)";
+    tools.answer(node, 1);
+    examine({"/dev/sd$(x)"});
+    EXPECT_THAT(last().advice, EndsWith("dmpclaim active '/dev/sd$(x)'"));
+    tools.answer(node, 0, {"NAME", "===="});
+    examine({"/dev/sd$(x)"});
+    EXPECT_THAT(last().advice, EndsWith("device='sd$(x)'"));
+    tools.answer(node, 0, nodeTable).answer(pathQuery, 1);
+    examine({"/dev/sd$(x)"});
+    EXPECT_THAT(last().advice, EndsWith("--refresh '/dev/sd$(x)'"));
+}
+
 TEST_F(ToolExamination, NothingIsScannedOrRemoved)
 {
     tools.answer(nodeQuery, 1);
@@ -245,17 +310,6 @@ TEST_F(ToolExamination, WhatIsInterruptedIsNoFinding)
                   }});
     EXPECT_THROW(examine({"/dev/sdc", "/dev/sdd"}), command::Interrupted);
     EXPECT_THAT(findings(), IsEmpty());
-    EXPECT_FALSE(stop.toolsRun());
-}
-
-TEST_F(ToolExamination, WhatTheLibraryAsksAgainCountsAsARunningTool)
-{
-    const auto expectRunning = [this] { EXPECT_TRUE(stop.toolsRun()); };
-    tools.answer({nodeQuery, 0, nodeTable, expectRunning})
-        .answer({nodeQuery, 0, nodeTable, expectRunning})
-        .answer({pathQuery, 0, pathTable, expectRunning})
-        .answer({pathQuery, 0, pathTable, expectRunning});
-    examine({"/dev/sdc"});
     EXPECT_FALSE(stop.toolsRun());
 }
 
