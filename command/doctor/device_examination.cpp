@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "doctor/kernel_maps.h"
+#include "doctor/shell_word.h"
 #include "row_writer.h"
 
 namespace fs = std::filesystem;
@@ -29,15 +30,17 @@ constexpr Driver drivers[] = {
 /// Whether the list of drivers names this one.
 ///
 ///     line = [ blank+ ] major " " name          253 device-mapper
-bool isInKernel(const fs::path& list, const std::string& name)
+const char* presence(const fs::path& list, const std::string& name)
 {
     std::ifstream file(list);
+    if (!file)
+        return "perhaps in the kernel, whose list of drivers cannot be read";
     std::string major;
     for (std::string word; file >> major >> word;) {
         if (word == name)
-            return true;
+            return "in the kernel";
     }
-    return false;
+    return "not in the kernel";
 }
 
 bool isThere(const fs::path& path)
@@ -120,6 +123,8 @@ public:
     {
         for (const Driver& driver : drivers)
             count(driver);
+        if (!canSeeKernel())
+            return;
         for (const Row& row : m_names)
             examineName(row);
         for (const KernelMap& map : m_maps)
@@ -128,18 +133,29 @@ public:
     }
 
 private:
+    /// Without the kernel's devices every node would look left over.
+    bool canSeeKernel()
+    {
+        std::error_code error;
+        const fs::directory_iterator first(m_places.sysfsBlock, error);
+        if (error)
+            m_report({State::error, m_places.sysfsBlock,
+                      "cannot be read (" + error.message() +
+                          "): which devices there are is not known, and no name was examined",
+                      "Mount sysfs: mount -t sysfs sysfs /sys"});
+        return !error;
+    }
+
     void count(const Driver& driver)
     {
         const auto claimed = std::count_if(m_names.begin(), m_names.end(), [&](const Row& row) {
             return row["owner"] == driver.name;
         });
-        m_report(
-            {State::ok, driver.name,
-             std::string(isInKernel(m_places.drivers, driver.kernelName) ? "in the kernel"
-                                                                         : "not in the kernel") +
-                 "; owns " + std::to_string(claimed) + " of " + std::to_string(m_names.size()) +
-                 " block devices",
-             ""});
+        m_report({State::ok, driver.name,
+                  std::string(presence(m_places.drivers, driver.kernelName)) + "; owns " +
+                      std::to_string(claimed) + " of " + std::to_string(m_names.size()) +
+                      " block devices",
+                  ""});
     }
 
     void examineName(const Row& row)
@@ -178,7 +194,7 @@ private:
             m_report({State::error, path, "a device of the kernel, but the node is missing",
                       "Unless this is a container that is not to have it, make it with the "
                       "numbers in /sys/class/block/" +
-                          name + "/dev: mknod " + path + " b MAJOR MINOR"});
+                          name + "/dev: mknod " + command::shellWord(path) + " b MAJOR MINOR"});
         if (hasNode && !hasDevice)
             m_report({State::warning, path, "a node, but the kernel has no such device",
                       "Check that its driver is loaded, else remove the node."});

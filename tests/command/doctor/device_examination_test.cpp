@@ -76,6 +76,24 @@ TEST_F(DeviceExamination, ADriverIsKnownByItsWholeName)
     EXPECT_THAT(all()[0], HasSubstr("native: not in the kernel"));
 }
 
+TEST_F(DeviceExamination, ADriverIsNotMissedWhenTheListCannotBeRead)
+{
+    std::filesystem::remove(machine.places().drivers);
+    EXPECT_EQ(all()[0], "ok native: perhaps in the kernel, whose list of drivers cannot be read; "
+                        "owns 0 of 0 block devices");
+}
+
+TEST_F(DeviceExamination, NoNodeIsCalledLeftOverWhenTheKernelsDevicesCannotBeSeen)
+{
+    machine.addNode("emcpowera");
+    machine.addNode("mapper/mpatha");
+    std::filesystem::remove(machine.places().sysfsBlock);
+    EXPECT_THAT(findings(),
+                ElementsAre("error " + machine.places().sysfsBlock.string() +
+                            ": cannot be read (No such file or directory): which devices there "
+                            "are is not known, and no name was examined"));
+}
+
 TEST_F(DeviceExamination, WhereKernelAndNamesAgreeNothingIsFound)
 {
     machine.addDeviceWithNode("sda");
