@@ -35,8 +35,7 @@ const char* presence(const fs::path& list, const std::string& name)
     std::ifstream file(list);
     if (!file)
         return "perhaps in the kernel, whose list of drivers cannot be read";
-    std::string major;
-    for (std::string word; file >> major >> word;) {
+    for (std::string word; file >> word;) {
         if (word == name)
             return "in the kernel";
     }

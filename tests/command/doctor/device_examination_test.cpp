@@ -21,17 +21,24 @@ using testing::StartsWith;
 
 class DeviceExamination : public testing::Test {
 protected:
-    /// "STATE SUBJECT: TEXT" for each finding.
-    std::vector<std::string> all() const
+    Row names() const
     {
         CDmpClaimManager manager;
         const auto modules = command::makeModules({});
-        Row names = Row::array();
+        Row rows = Row::array();
         for (const std::string& path :
              command::blockDevices(machine.places().sysfsBlock, machine.places().dev))
-            names.push_back(command::explanation(manager, modules, path));
+            rows.push_back(command::explanation(manager, modules, path));
+        return rows;
+    }
+
+    /// "STATE SUBJECT: TEXT" for each finding.
+    std::vector<std::string> all() const { return all(names()); }
+
+    std::vector<std::string> all(const Row& rows) const
+    {
         std::vector<std::string> lines;
-        command::examineDevices(machine.places(), names, [&](const Finding& finding) {
+        command::examineDevices(machine.places(), rows, [&](const Finding& finding) {
             lines.push_back(std::string(command::stateName(finding.state)) + ' ' + finding.subject +
                             ": " + finding.text);
             const bool mustAct = finding.state != Finding::State::ok;
@@ -122,6 +129,15 @@ TEST_F(DeviceExamination, ANodeIsLeftBehind)
     EXPECT_THAT(findings(),
                 ElementsAre("warning /dev/emcpowera: a node, but the kernel has no such device",
                             "warning /dev/mapper/mpatha: a node, but the kernel has no such map"));
+}
+
+TEST_F(DeviceExamination, ADeviceThatVanishesMeanwhileIsNotMissed)
+{
+    machine.addDeviceWithNode("sda");
+    const Row before = names();
+    std::filesystem::remove(machine.places().dev / "sda");
+    std::filesystem::remove(machine.places().sysfsBlock / "sda");
+    EXPECT_EQ(all(before).size(), all().size());
 }
 
 TEST_F(DeviceExamination, AMultipathMapsNodeIsMissing)
