@@ -45,18 +45,18 @@ An interrupt (SIGINT, SIGTERM, SIGHUP) ends the tools that run, and the command
 with status 130, 143 or 129.)";
 
 constexpr char doctorFooter[] =
-    R"(Looks at the volume manager's tools and asks them about every native disk, or the
-PATHs; asking changes nothing. Then it holds the names in /dev against the
+    R"(Looks at the volume manager's tools and asks them about every native disk, or
+the PATHs; asking changes nothing. Then it holds the names in /dev against the
 kernel's devices. A tool that takes more than 30 seconds, or prints too much, is
 ended and not asked again.
 
 Every finding has a state: ok, note (good to know), warning (an answer may be
 wrong) or error (it is wrong, or none is given), and says what to do, if
 anything. A disk that the volume manager does not hold is a warning: a machine
-with such disks is watched by naming the others. JSON holds besides what somebody
-who helps from afar needs: versions, modules (in the order in which they are
-asked), names, commands (what the tools answered; for the status see 'dmpclaim
-active --help') and trace.
+with such disks is watched by naming the others. JSON holds besides what
+somebody who helps from afar needs: versions, modules (in the order in which
+they are asked), names, commands (what the tools answered; for the status see
+'dmpclaim active --help') and trace.
 
 Exit status:
    0  nothing is wrong
@@ -66,7 +66,7 @@ Exit status:
 An interrupt (SIGINT, SIGTERM, SIGHUP) ends the tool that runs, and the command
 with status 130, 143 or 129.
 
--J and --trace: see 'dmpclaim --help'.)";
+-J, --trace and the statuses 1 and 2: see 'dmpclaim --help'.)";
 
 constexpr char sharedFooter[] =
     "-J, -o, -n, -r, --trace and the exit status: see 'dmpclaim --help'.";
