@@ -141,7 +141,7 @@ private:
             m_report({State::error, m_places.sysfsBlock,
                       "cannot be read (" + error.message() +
                           "): which devices there are is not known, and no name was examined",
-                      "Mount sysfs: mount -t sysfs sysfs /sys"});
+                      "Run this as root; if it stays so, mount sysfs: mount -t sysfs sysfs /sys"});
         return !error;
     }
 

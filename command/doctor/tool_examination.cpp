@@ -142,7 +142,7 @@ void ToolExamination::examinePathOf(const std::string& path, const std::string& 
                   "Check the cables and the array; lookups return this path all the same."});
     else if (!isThere(active))
         m_report({State::warning, path, text + ", which does not exist here",
-                  "Unless only its node is missing, " + refreshing(path)});
+                  "If the kernel has no such disk either, " + refreshing(path)});
     else
         m_report({State::ok, path, text, ""});
 }

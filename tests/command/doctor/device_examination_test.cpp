@@ -14,6 +14,7 @@ using command::Finding;
 using command::Row;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -34,6 +35,16 @@ protected:
 
     /// "STATE SUBJECT: TEXT" for each finding.
     std::vector<std::string> all() const { return all(names()); }
+
+    std::string adviceFor(const std::string& subject) const
+    {
+        std::string advice;
+        command::examineDevices(machine.places(), names(), [&](const Finding& finding) {
+            if (finding.subject == subject)
+                advice += finding.advice;
+        });
+        return advice;
+    }
 
     std::vector<std::string> all(const Row& rows) const
     {
@@ -149,6 +160,19 @@ TEST_F(DeviceExamination, AMultipathMapsNodeIsMissing)
         ElementsAre(
             "error /dev/mapper/mpatha: a map of the kernel, but the node is missing",
             "error /dev/mapper/mpatha-part1: a map of the kernel, but the node is missing"));
+}
+
+TEST_F(DeviceExamination, AdviceNamesTheCommand)
+{
+    machine.addDevice("sda");
+    machine.addDevice("sdb;x");
+    machine.addMap("mpatha", "mpath-3600");
+    machine.addNode("mapper/mpathb");
+    EXPECT_THAT(adviceFor("/dev/sda"),
+                EndsWith("/sys/class/block/sda/dev: mknod /dev/sda b MAJOR MINOR"));
+    EXPECT_THAT(adviceFor("/dev/sdb;x"), EndsWith(": mknod '/dev/sdb;x' b MAJOR MINOR"));
+    EXPECT_EQ(adviceFor("/dev/mapper/mpatha"), "Have it made: dmsetup mknodes");
+    EXPECT_THAT(adviceFor("/dev/mapper/mpathb"), StartsWith("Have it removed: dmsetup mknodes"));
 }
 
 TEST_F(DeviceExamination, ADiskIsTakenForSomethingElse)
