@@ -113,7 +113,12 @@ TEST_F(Doctor, JsonHoldsWhatSomebodyWhoHelpsNeeds)
     EXPECT_EQ(found["schema"], 1);
     EXPECT_EQ(found["versions"]["dmpclaim"], DMPCLAIM_VERSION);
     EXPECT_THAT(found["versions"]["kernel"].get<std::string>(), StartsWith("Linux "));
-    EXPECT_TRUE(found["versions"].contains("system"));
+    const std::string release = textOf("/etc/os-release");
+    const Json& system = found["versions"]["system"];
+    EXPECT_EQ(system.is_string(), release.find("PRETTY_NAME=\"") != std::string::npos);
+    if (system.is_string()) {
+        EXPECT_THAT(release, HasSubstr("PRETTY_NAME=\"" + system.get<std::string>() + "\"\n"));
+    }
     EXPECT_EQ(found["modules"],
               Json({{{"module", "native"}, {"prefixes", {"/dev/sd"}}},
                     {{"module", "powerpath"}, {"prefixes", {"/dev/emcpower"}}},
@@ -138,6 +143,7 @@ TEST_F(Doctor, JsonHoldsTheTraceOfNamesAndTools)
     for (const Json& line : found["trace"])
         lines.push_back(line["level"].dump() + ' ' + line["text"].get<std::string>());
     EXPECT_THAT(lines, Contains(StartsWith("6 Entering Function getClaimModule")));
+    EXPECT_THAT(lines, Contains(StartsWith("6 Entering Function isCommandAvailable")));
     EXPECT_THAT(lines, Contains(StartsWith("6 Command [/usr/sbin/kodmpadm   getdmpnode ")));
 }
 

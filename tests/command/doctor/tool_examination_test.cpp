@@ -217,6 +217,7 @@ TEST_F(ToolExamination, AToolThatHangsIsNotAskedAgain)
                                         "to: " +
                                         std::string(nodeQuery)));
     EXPECT_EQ(tools.otherArguments, (std::vector<std::string>{"", "30", "", "", ""}));
+    EXPECT_THAT(last().advice, EndsWith(" Nothing more was asked."));
     EXPECT_EQ(commands()[0]["status"], 1100);
 }
 
@@ -226,6 +227,7 @@ TEST_F(ToolExamination, AToolThatCannotBeRunIsNotAskedAgain)
         {nodeQuery, 0, {}, [] { throw koze_pdk_4_4::EZeExecPipe("no such interpreter"); }});
     examine({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(findings(), ElementsAre("error /usr/sbin/kodmpadm: no such interpreter"));
+    EXPECT_THAT(last().advice, HasSubstr("the volume manager's package"));
     EXPECT_THAT(commands(), IsEmpty());
     EXPECT_FALSE(stop.toolsRun());
 }
