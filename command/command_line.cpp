@@ -9,9 +9,9 @@ namespace {
 
 constexpr char globalFooter[] =
     R"(Who owns a path, and what it names, is told from the path alone, which need not
-exist; 'active' asks the volume manager's tools as well. Options may stand
-before and behind the subcommand. JSON is {"schema": 1, ARRAY: [...]}; bytes of
-names that are not UTF-8 become U+FFFD there.
+exist; 'active' and 'doctor' ask the volume manager's tools as well. Options may
+stand before and behind the subcommand. JSON is {"schema": 1, ARRAY: [...]};
+bytes of names that are not UTF-8 become U+FFFD there.
 
 Exit status:
    0  every path is claimed, or none was asked about
@@ -55,8 +55,8 @@ wrong) or error (it is wrong, or none is given), and says what to do, if
 anything. A disk that the volume manager does not hold is a warning: a machine
 with such disks is watched by naming the others. JSON holds besides what
 somebody who helps from afar needs: versions, modules (in the order in which
-they are asked), names, commands (what the tools answered; for the status see
-'dmpclaim active --help') and trace.
+they are asked), names, maps (of the kernel's device-mapper), commands (what the
+tools answered; for the status see 'dmpclaim active --help') and trace.
 
 Exit status:
    0  nothing is wrong

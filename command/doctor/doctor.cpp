@@ -1,5 +1,6 @@
 #include "doctor/doctor.h"
 
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "device_row.h"
 #include "doctor/device_examination.h"
 #include "doctor/finding_output.h"
+#include "doctor/kernel_maps.h"
 #include "doctor/tool_examination.h"
 #include "doctor/versions.h"
 #include "drivers.h"
@@ -22,6 +24,16 @@ using namespace command;
 using namespace koze_pdk_4_4;
 
 namespace {
+
+/// Local time with its zone:  2026-11-21T16:05:07+0100
+std::string now()
+{
+    const std::time_t time = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&time, &local);
+    char text[64];
+    return {text, std::strftime(text, sizeof text, "%FT%T%z", &local)};
+}
 
 /// Takes the findings: as text they are written at once, for JSON they are kept.
 class Findings {
@@ -106,10 +118,15 @@ public:
         for (const auto& module : m_modules)
             modules.push_back({{"module", driverName(module.get())},
                                {"prefixes", module->getDeviceClaimStrings()}});
+        Row maps = Row::array();
+        for (const KernelMap& map : kernelMaps(Places().sysfsBlock))
+            maps.push_back({{"name", map.name}, {"uuid", map.uuid}});
         return {{"schema", 1},
+                {"recorded", now()},
                 {"versions", versions()},
                 {"modules", modules},
                 {"names", m_names},
+                {"maps", maps},
                 {"commands", m_tools.commands()}};
     }
 

@@ -35,9 +35,9 @@ std::string findingText(const Finding& finding)
     std::string text = stateName(finding.state);
     text.resize(indent, ' ');
     text += wrapped(printable(finding.subject + ": " + finding.text), indent) + '\n';
+    // Not wrapped: half a command is not to be pasted into a shell.
     if (!finding.advice.empty())
-        text += std::string(indent, ' ') + wrapped(printable("To do: " + finding.advice), indent) +
-                '\n';
+        text += std::string(indent, ' ') + printable("To do: " + finding.advice) + '\n';
     return text;
 }
 

@@ -237,7 +237,7 @@ TEST(Options, HelpTellsWhatIsAskedBesidesNames)
 {
     EXPECT_THAT(information({"--help"}),
                 HasSubstr("is told from the path alone, which need not\n"
-                          "exist; 'active' asks the volume manager's tools as well."));
+                          "exist; 'active' and 'doctor' ask the volume manager's tools as well."));
     EXPECT_THAT(information({"active", "--help"}),
                 HasSubstr("Remove the disk's node from the volume manager"));
 }

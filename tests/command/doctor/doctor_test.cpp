@@ -127,6 +127,9 @@ TEST_F(Doctor, JsonHoldsWhatSomebodyWhoHelpsNeeds)
                                           {"subject", "/dev/sdb"},
                                           {"text", "node arr0_17, active path /dev/sdb"},
                                           {"advice", nullptr}}));
+    EXPECT_THAT(found["recorded"].get<std::string>(),
+                testing::MatchesRegex("20[0-9-]+T[0-9]{2}:[0-9]{2}:[0-9]{2}[+-][0-9]{4}"));
+    EXPECT_EQ(found["maps"], Json({{{"name", "mpatha"}, {"uuid", "mpath-1"}}}));
     ASSERT_EQ(found["names"].size(), 3U);
     EXPECT_EQ(found["names"][1]["name"], "/dev/mapper/mpatha");
     EXPECT_EQ(found["names"][1]["warnings"][0]["code"], "other-partition-names");
@@ -154,7 +157,7 @@ TEST_F(Doctor, TraceLinesGoWhereTheUserWantsThem)
     machine.addDeviceWithNode("sdx");
     const Result ended = run({"--trace=2"});
     EXPECT_THAT(ended.errors, HasSubstr(" 2 Command [/usr/sbin/kodmpadm "));
-    EXPECT_THAT(ended.errors, Not(HasSubstr(" 6 ")));
+    EXPECT_THAT(ended.errors, Not(HasSubstr("] 6 ")));
     EXPECT_EQ(run({"--trace-file", "/nowhere/trace"}).status, 2);
 }
 
