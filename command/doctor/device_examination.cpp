@@ -27,7 +27,7 @@ struct Driver {
 constexpr Driver drivers[] = {
     {"native", "sd"}, {"powerpath", "emcpower"}, {"device-mapper", "device-mapper"}};
 
-/// Whether the list of drivers names this one.
+/// Whether the list of drivers names this one, in words.
 ///
 ///     line = [ blank+ ] major " " name          253 device-mapper
 const char* presence(const fs::path& list, const std::string& name)
