@@ -27,6 +27,8 @@ std::optional<Stale> readStale(std::optional<Fields> fields)
     if (fields->has("name"))
         stale.name = fields->word("name");
     stale.paths = fields->each("paths", readPath);
+    if (!stale.paths.empty() && stale.name.empty())
+        fields->refuse("paths", "needs a name that they are shown under");
     fields->finish();
     return stale;
 }
