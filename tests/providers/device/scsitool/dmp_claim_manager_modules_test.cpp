@@ -219,4 +219,41 @@ TEST_F(ManagerWithHostModules, WhatOneThrowsReachesTheHostAndTheManagerStaysUsab
     EXPECT_THAT(m_journal, ElementsAre("broken: deleted", "after: deleted"));
 }
 
+/// A host's module that takes a log only while it wants one.
+class ParticularModule : public HostModule {
+public:
+    explicit ParticularModule(Journal& journal) : HostModule(journal, "particular") {}
+    void registerTraceLog(const CZeTraceLogHandle& log) override
+    {
+        if (refuses)
+            throw std::runtime_error("no log");
+        HostModule::registerTraceLog(log);
+    }
+
+    bool refuses = false;
+};
+
+TEST_F(ManagerWithHostModules, AModuleThatRefusesTheLogIsNotListedAndStaysTheHosts)
+{
+    ParticularModule module(m_journal);
+    module.refuses = true;
+    EXPECT_THROW(m_manager->registerClaimModule(&module), std::runtime_error);
+    EXPECT_EQ(m_manager->claim("/dev/vda"), CLAIM_NONE);
+    EXPECT_THAT(m_journal, IsEmpty());
+}
+
+TEST_F(ManagerWithHostModules, ALogThatOneRefusesIsHeldByTheManagerAndTheModulesBefore)
+{
+    RecordingLog log;
+    const HostModule* before = add("before", CLAIM_NONE);
+    auto* particular = new ParticularModule(m_journal);
+    m_manager->registerClaimModule(particular);
+    const HostModule* after = add("after", CLAIM_NONE);
+    particular->refuses = true;
+    EXPECT_THROW(m_manager->registerTraceLog(log.handle()), std::runtime_error);
+    EXPECT_EQ(before->log(), log.handle().get());
+    EXPECT_EQ(after->log(), nullptr);
+    EXPECT_EQ(add("later", CLAIM_NONE)->log(), log.handle().get());
+}
+
 } // namespace
