@@ -74,6 +74,16 @@ TEST(PowerPathClaim, ADiskHasTheNumberZero)
                            });
 }
 
+TEST(PowerPathClaim, TheNumberIsWrittenWhateverItWas)
+{
+    CDmpPowerPathClaim module;
+    for (const unsigned int before : {0U, 1U, 4294967295U}) {
+        unsigned int number = before;
+        module.removePartitionSuffix("/dev/emcpowerc12", number);
+        EXPECT_EQ(number, 12U) << before;
+    }
+}
+
 TEST(PowerPathClaim, TheMarkerCountsAnywhereInThePath)
 {
     CDmpPowerPathClaim module;
@@ -109,6 +119,8 @@ TEST(PowerPathClaim, PathsOfOthersAreLeftAlone)
                                {"/dev/sda10", 0, false, "/dev/sda10", 7},
                                {"/dev/mapper/mpathbp2", 0, false, "/dev/mapper/mpathbp2", 7},
                                {"/dev/emcpowe1", 0, false, "/dev/emcpowe1", 7},
+                               {"/dev/mcpowera1", 0, false, "/dev/mcpowera1", 7},
+                               {"/dev/emc/powera1", 0, false, "/dev/emc/powera1", 7},
                                {"/dev/EMCPOWERA1", 0, false, "/dev/EMCPOWERA1", 7},
                                {"/dev/nvme0n1p1", 0, false, "/dev/nvme0n1p1", 7},
                                {"/dev/dm-3", 0, false, "/dev/dm-3", 7},
@@ -178,6 +190,17 @@ TEST(PowerPathClaim, ADerivedClassWithoutStringsClaimsNothing)
 {
     RenamedPowerPath module({});
     EXPECT_EQ(module.claim("/dev/emcpowera"), CLAIM_NONE);
+}
+
+TEST(PowerPathClaim, ADerivedClassMayListAnyBytesAndTheEmptyString)
+{
+    using namespace std::string_literals;
+    RenamedPowerPath nul({"/dev/p\0a"s});
+    EXPECT_EQ(nul.claim("/dev/p\0a1"s), CLAIM_SECONDARY);
+    EXPECT_EQ(nul.claim("/dev/p\0b1"s), CLAIM_NONE);
+    EXPECT_EQ(nul.claim("/dev/power"), CLAIM_NONE);
+    RenamedPowerPath empty({""});
+    EXPECT_EQ(empty.claim(""), CLAIM_SECONDARY);
 }
 
 const Line claimed{3, "INFO: CDmpPowerPathClaim::claim - returning CLAIM_SECONDARY"};
