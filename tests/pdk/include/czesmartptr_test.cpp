@@ -153,6 +153,18 @@ TEST_F(SmartPtr, TheLastReleaseDestroysOnceWithTheCountBackAtOne)
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
+TEST_F(SmartPtr, AReleaseThatFallsBelowZeroDestroysNothing)
+{
+    Noted* object = make("a");
+    Handle handle = object;
+    object->decrement();
+    journal.take();
+    EXPECT_EQ(handle.release(), -1);
+    EXPECT_THAT(journal.take(), ElementsAre("a-"));
+    EXPECT_FALSE(handle);
+    delete object;
+}
+
 TEST_F(SmartPtr, AHandleMadeDuringTheDestructionDestroysNothing)
 {
     Handle handle = make("a");
