@@ -254,4 +254,16 @@ TEST_F(Trace, ACancelledThreadIsNotEndedInATracersDestructor)
     EXPECT_TRUE(reached);
 }
 
+TEST_F(Trace, AThreadThatHoldsItsCancellationOffStillDoesAfterwards)
+{
+    int state = PTHREAD_CANCEL_ENABLE;
+    std::thread([this, &state] {
+        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
+        logOf(6)->trace(3, "line");
+        pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &state);
+    }).join();
+    EXPECT_THAT(sink->lines, ElementsAre(Line{3, "line"}));
+    EXPECT_EQ(state, PTHREAD_CANCEL_DISABLE);
+}
+
 } // namespace
