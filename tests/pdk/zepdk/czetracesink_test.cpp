@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include <fcntl.h>
@@ -91,6 +92,16 @@ TEST(TraceCallbackSink, HandsOverLevelAndTextUnaltered)
     EXPECT_EQ(seenText, text);
     EXPECT_TRUE(sink.wants(6));
     EXPECT_FALSE(sink.wants(7));
+}
+
+TEST(TraceCallbackSink, KeepsTheStateOfItsCallback)
+{
+    int seen = 0;
+    CZeTraceCallbackSink sink(
+        6, [&seen, lines = 0](int, std::string_view) mutable { seen = ++lines; });
+    sink.write(2, "first");
+    sink.write(2, "second");
+    EXPECT_EQ(seen, 2);
 }
 
 TEST(TraceStderrSink, WritesToStandardError)
@@ -190,6 +201,12 @@ TEST_F(TraceFileSink, AChildWritesItsOwnProcessId)
     const pid_t child = std::stoi(lines[1].substr(lines[1].rfind(' ')));
     EXPECT_NE(child, getpid());
     EXPECT_THAT(lines[1], MatchesRegex(lineOf(2, std::to_string(child), child)));
+}
+
+TEST_F(TraceFileSink, AThreadWritesTheIdOfItsProcess)
+{
+    std::thread([&] { CZeTraceFileSink(6, path).write(2, "line"); }).join();
+    EXPECT_THAT(linesOf(path), ElementsAre(MatchesRegex(lineOf(2, "line"))));
 }
 
 TEST_F(TraceFileSink, TheLinesOfSeveralProcessesDoNotMix)
