@@ -4,8 +4,10 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdlib>
+#include <ctime>
 #include <deque>
 #include <new>
 #include <string>
@@ -48,6 +50,9 @@ std::vector<std::string> written;
 bool memoryIsOut = false;
 bool closeFails = false;
 bool duplicationFails = false;
+int arriving = 0;
+int openFlags = 0;
+std::vector<timespec> waits;
 
 } // namespace
 
@@ -56,6 +61,8 @@ extern "C" ssize_t write(int fd, const void* buf, size_t n)
     if (fd != watched)
         return syscall(SYS_write, fd, buf, n);
     written.emplace_back(static_cast<const char*>(buf), n);
+    if (arriving != 0)
+        (void)std::raise(arriving);
     if (answers.empty())
         return static_cast<ssize_t>(n);
     const Answer answer = answers.front();
@@ -85,6 +92,25 @@ extern "C" int fcntl(int fd, int cmd, ...)
     std::va_list arguments;
     va_start(arguments, cmd);
     const auto result = static_cast<int>(syscall(SYS_fcntl, fd, cmd, va_arg(arguments, int)));
+    va_end(arguments);
+    return result;
+}
+
+// Writes down how long it would wait, and waits for nothing.
+extern "C" int sigtimedwait(const sigset_t* set, siginfo_t* info, const timespec* timeout)
+{
+    waits.push_back(*timeout);
+    const timespec noWait{};
+    return static_cast<int>(syscall(SYS_rt_sigtimedwait, set, info, &noWait, _NSIG / 8));
+}
+
+extern "C" int open(const char* file, int oflag, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, oflag);
+    openFlags = oflag;
+    const auto result =
+        static_cast<int>(syscall(SYS_openat, AT_FDCWD, file, oflag, va_arg(arguments, int)));
     va_end(arguments);
     return result;
 }
@@ -175,6 +201,16 @@ TEST_F(Write, IsNotAskedAgainAfterAnyOtherError)
     EXPECT_EQ(sink.dropped(), 7U);
 }
 
+TEST_F(Write, IsNotFollowedByAWaitForASignalThatDoesNotCome)
+{
+    waits.clear();
+    answers = {{EAGAIN, 0}};
+    sink.write(2, "lost");
+    ASSERT_THAT(waits, SizeIs(1));
+    EXPECT_EQ(waits[0].tv_sec, 0);
+    EXPECT_EQ(waits[0].tv_nsec, 0);
+}
+
 TEST_F(Write, IsNotAskedForTheRestOfACutLine)
 {
     answers = {{0, 10}};
@@ -221,6 +257,34 @@ TEST_F(Write, ALineWithoutMemoryIsDroppedAndCounted)
     memoryIsOut = false;
     EXPECT_THAT(written, SizeIs(0));
     EXPECT_EQ(sink.dropped(), 1U);
+}
+
+volatile std::sig_atomic_t handled = 0;
+
+void countHandled(int)
+{
+    handled = handled + 1;
+}
+
+TEST_F(Write, ASignalThatArrivesDuringAWholeLineReachesTheHost)
+{
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        EXPECT_TRUE(holdsInChild([this, signal] {
+            (void)std::signal(signal, countHandled);
+            arriving = signal;
+            sink.write(2, "kept");
+            return sink.dropped() == 0 && handled == 1;
+        })) << signal;
+    }
+}
+
+// Kernels differ in when a terminal that is opened becomes that of a host without one.
+TEST(Open, AsksForNoTerminalOfTheHosts)
+{
+    const TemporaryFolder folder;
+    openFlags = 0;
+    const CZeTraceFileSink sink(6, folder.file("trace.log"));
+    EXPECT_EQ(openFlags, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY);
 }
 
 TEST(Open, WithoutADescriptorAboveTheStandardThreeFailsAndKeepsNone)
