@@ -1,7 +1,6 @@
 #ifndef NAMESPACED_TOOLS_H
 #define NAMESPACED_TOOLS_H
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -14,11 +13,8 @@ protected:
     void SetUp() override
     {
         useScenario("healthy");
-        if (Process(inNamespace({"true"})).finish().status != notPermitted)
-            return;
-        if (std::getenv("CI") != nullptr)
-            FAIL() << "private mount namespaces are not permitted, and CI must have them";
-        GTEST_SKIP() << "private mount namespaces are not permitted";
+        if (Process(inNamespace({"true"})).finish().status == notPermitted)
+            endWithoutNamespaces();
     }
 
     std::vector<std::string> inNamespace(const std::vector<std::string>& command) const

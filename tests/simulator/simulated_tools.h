@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -23,6 +24,15 @@ inline std::vector<std::string> splitLines(const std::string& text)
     for (std::string line; std::getline(stream, line);)
         lines.push_back(line);
     return lines;
+}
+
+/// Called where private mount namespaces are not permitted: the test is skipped, but not in CI,
+/// which must have them.
+inline void endWithoutNamespaces()
+{
+    if (std::getenv("CI") != nullptr)
+        FAIL() << "private mount namespaces are not permitted, and CI must have them";
+    GTEST_SKIP() << "private mount namespaces are not permitted";
 }
 
 /// The simulated tools with a state file of the test's own.

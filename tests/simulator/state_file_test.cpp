@@ -65,8 +65,10 @@ TEST_F(StateFile, InAReadOnlyFolderNothingIsDone)
     const std::string before = textOf(statePath());
     const std::string script = "mount --bind \"$1\" \"$1\" && mount -o remount,bind,ro \"$1\" && "
                                "exec \"$2\" scandisks";
-    if (start({"/usr/bin/unshare", "-Urm", "true"}).finish().status != 0)
-        GTEST_SKIP() << "private mount namespaces are not permitted";
+    if (start({"/usr/bin/unshare", "-Urm", "true"}).finish().status != 0) {
+        endWithoutNamespaces();
+        return;
+    }
     EXPECT_THAT(start({"/usr/bin/unshare", "-Urm", "sh", "-c", script, "sh", folder(),
                        SIMULATOR_TOOLS "/kodisk"})
                     .finish(),
