@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -24,6 +25,25 @@ void writeAll(int descriptor, std::string_view text)
         if (written > 0)
             text.remove_prefix(static_cast<std::size_t>(written));
     }
+}
+
+/// A write beyond the limit would end the host by SIGXFSZ.
+void checkFileSizeLimit(std::size_t size)
+{
+    rlimit limit{};
+    if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && size > limit.rlim_cur) {
+        errno = EFBIG;
+        fail("cannot store its input");
+    }
+}
+
+/// There are hosts whose kernel wants such a file sealed against execution. Kernels before 6.3 do
+/// not know that seal.
+int openMemory()
+{
+    constexpr unsigned int noExecSeal = 0x8; // MFD_NOEXEC_SEAL of newer headers
+    const int sealed = memfd_create("input", MFD_CLOEXEC | noExecSeal);
+    return sealed < 0 && errno == EINVAL ? memfd_create("input", MFD_CLOEXEC) : sealed;
 }
 
 } // namespace
@@ -61,8 +81,8 @@ Pipe openPipe()
 
 Descriptor openInput(const std::string& text)
 {
-    Descriptor input(text.empty() ? open("/dev/null", O_RDONLY | O_CLOEXEC)
-                                  : memfd_create("input", MFD_CLOEXEC));
+    checkFileSizeLimit(text.size());
+    Descriptor input(text.empty() ? open("/dev/null", O_RDONLY | O_CLOEXEC) : openMemory());
     if (!input.isOpen())
         fail("cannot open its input");
     writeAll(input.number(), text);

@@ -7,10 +7,13 @@
 #include <functional>
 #include <system_error>
 
+#include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 
 #include "closed_standard.h"
 #include "runs_programs.h"
+#include "tests/support/child.h"
 
 using koze_pdk_4_4::runner::aboveStandard;
 using koze_pdk_4_4::runner::Descriptor;
@@ -22,6 +25,12 @@ namespace {
 
 /// What the next writes come to: so many bytes at most, or, negative, an error; later ones succeed.
 std::vector<long> writes;
+
+/// What the kernel says of a sealed file in memory, 0 or an error, and what was asked of it.
+int sealError;
+std::vector<unsigned int> memoryFileFlags;
+
+constexpr unsigned int noExecSeal = 0x8;
 
 } // namespace
 
@@ -39,10 +48,28 @@ extern "C" ssize_t write(int descriptor, const void* text, std::size_t size)
     return syscall(SYS_write, descriptor, text, size);
 }
 
+extern "C" int memfd_create(const char* name, unsigned int flags) noexcept
+{
+    memoryFileFlags.push_back(flags);
+    const bool sealed = (flags & noExecSeal) != 0;
+    if (sealed && sealError != 0) {
+        errno = sealError;
+        return -1;
+    }
+    // This machine's kernel need not know the seal.
+    return static_cast<int>(syscall(SYS_memfd_create, name, flags & ~noExecSeal));
+}
+
 namespace {
 
 class DescriptorTest : public testing::Test {
 protected:
+    DescriptorTest()
+    {
+        sealError = 0;
+        memoryFileFlags.clear();
+    }
+
     /// Runs `check` in hosts that have closed some, or none, of their standard descriptors.
     static void inEveryHost(const std::function<void()>& check)
     {
@@ -125,6 +152,41 @@ TEST_F(DescriptorTest, AnInputThatCannotBeStoredIsRefused)
     writes = {2, -ENOSPC};
     EXPECT_THROW(openInput("text"), std::system_error);
     EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(DescriptorTest, AnInputIsSealedAgainstExecution)
+{
+    openInput("text");
+    EXPECT_EQ(memoryFileFlags, std::vector{MFD_CLOEXEC | noExecSeal});
+}
+
+TEST_F(DescriptorTest, AnInputIsStoredUnsealedWhereTheKernelDoesNotKnowTheSeal)
+{
+    sealError = EINVAL;
+    EXPECT_EQ(contents(openInput("text")), "text");
+    EXPECT_EQ(memoryFileFlags, (std::vector{MFD_CLOEXEC | noExecSeal, MFD_CLOEXEC}));
+}
+
+TEST_F(DescriptorTest, AnInputThatFindsNoMemoryFileIsRefusedAtOnce)
+{
+    sealError = EMFILE;
+    EXPECT_THROW(openInput("text"), std::system_error);
+    EXPECT_EQ(memoryFileFlags.size(), 1U);
+}
+
+TEST_F(DescriptorTest, AnInputBeyondTheHostsFileSizeLimitIsRefusedWithoutASignal)
+{
+    EXPECT_TRUE(holdsInChild([] {
+        const rlimit limit{4, 4};
+        if (setrlimit(RLIMIT_FSIZE, &limit) != 0 || contents(openInput("text")) != "text")
+            return false;
+        try {
+            openInput("text.");
+        } catch (const std::system_error& error) {
+            return error.code().value() == EFBIG;
+        }
+        return false;
+    }));
 }
 
 } // namespace
