@@ -1,12 +1,12 @@
 #include "call_log.h"
 
-#include "error.h"
-
 #include <cstdio>
 #include <ctime>
 
 #include <fcntl.h>
 #include <unistd.h>
+
+#include "error.h"
 
 namespace simulator {
 

@@ -1,9 +1,9 @@
 #ifndef SIMULATOR_CALL_LOG_H
 #define SIMULATOR_CALL_LOG_H
 
-#include "command.h"
-
 #include <string>
+
+#include "command.h"
 
 namespace simulator {
 

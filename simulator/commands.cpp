@@ -1,11 +1,11 @@
 #include "commands.h"
 
-#include "volume_manager.h"
-
 #include <algorithm>
 #include <array>
 #include <sstream>
 #include <stdexcept>
+
+#include "volume_manager.h"
 
 namespace simulator {
 

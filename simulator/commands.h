@@ -1,10 +1,10 @@
 #ifndef SIMULATOR_COMMANDS_H
 #define SIMULATOR_COMMANDS_H
 
+#include <string>
+
 #include "command.h"
 #include "state.h"
-
-#include <string>
 
 namespace simulator {
 

@@ -1,11 +1,11 @@
 #include "faults.h"
 
-#include "commands.h"
-
 #include <algorithm>
 #include <array>
 #include <csignal>
 #include <limits>
+
+#include "commands.h"
 
 namespace simulator {
 

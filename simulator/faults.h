@@ -1,12 +1,12 @@
 #ifndef SIMULATOR_FAULTS_H
 #define SIMULATOR_FAULTS_H
 
-#include "endings.h"
-#include "fields.h"
-
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "endings.h"
+#include "fields.h"
 
 namespace simulator {
 

@@ -1,9 +1,9 @@
 #include "fields.h"
 
-#include "error.h"
-
 #include <algorithm>
 #include <utility>
+
+#include "error.h"
 
 namespace simulator {
 

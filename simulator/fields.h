@@ -1,13 +1,13 @@
 #ifndef SIMULATOR_FIELDS_H
 #define SIMULATOR_FIELDS_H
 
-#include <nlohmann/json.hpp>
-
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 namespace simulator {
 

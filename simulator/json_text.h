@@ -1,9 +1,9 @@
 #ifndef SIMULATOR_JSON_TEXT_H
 #define SIMULATOR_JSON_TEXT_H
 
-#include "fields.h"
-
 #include <string>
+
+#include "fields.h"
 
 namespace simulator {
 

@@ -5,21 +5,22 @@
 //
 // Exit status: 0 the call succeeded, 1 it failed as a real tool would fail, 2 its arguments are
 // wrong, 70 it is not among the recorded calls, 78 the simulator cannot do its own work.
-#include "call_log.h"
-#include "commands.h"
-#include "endings.h"
-#include "error.h"
-#include "shaping.h"
-#include "state_file.h"
-
 #include <chrono>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <string>
 #include <string_view>
 #include <thread>
 
 #include <unistd.h>
+
+#include "call_log.h"
+#include "commands.h"
+#include "endings.h"
+#include "error.h"
+#include "shaping.h"
+#include "state_file.h"
 
 namespace simulator {
 
@@ -105,7 +106,7 @@ int main(int argc, char** argv)
         command.arguments.assign(argv + 1, argv + argc);
     try {
         return simulator::run(command);
-    } catch (const simulator::Error& error) {
+    } catch (const std::exception& error) {
         std::cerr << command.program << ": simulator: " << error.what() << '\n';
         return simulator::cannotWork;
     }

@@ -1,9 +1,9 @@
 #include "replay.h"
 
-#include "endings.h"
-
 #include <algorithm>
 #include <sstream>
+
+#include "endings.h"
 
 namespace simulator {
 

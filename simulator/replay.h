@@ -1,12 +1,12 @@
 #ifndef SIMULATOR_REPLAY_H
 #define SIMULATOR_REPLAY_H
 
-#include "command.h"
-#include "fields.h"
-
 #include <map>
 #include <string>
 #include <vector>
+
+#include "command.h"
+#include "fields.h"
 
 namespace simulator {
 

@@ -1,10 +1,10 @@
 #ifndef SIMULATOR_SHAPING_H
 #define SIMULATOR_SHAPING_H
 
-#include "faults.h"
-
 #include <string>
 #include <vector>
+
+#include "faults.h"
 
 namespace simulator {
 

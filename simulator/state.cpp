@@ -1,9 +1,9 @@
 #include "state.h"
 
-#include "error.h"
-
 #include <fstream>
 #include <set>
+
+#include "error.h"
 
 namespace simulator {
 

@@ -1,13 +1,13 @@
 #ifndef SIMULATOR_STATE_H
 #define SIMULATOR_STATE_H
 
-#include "faults.h"
-#include "replay.h"
-
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "faults.h"
+#include "replay.h"
 
 namespace simulator {
 

@@ -1,7 +1,5 @@
 #include "state_file.h"
 
-#include "json_text.h"
-
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +7,8 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
+
+#include "json_text.h"
 
 namespace simulator {
 

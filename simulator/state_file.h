@@ -1,10 +1,10 @@
 #ifndef SIMULATOR_STATE_FILE_H
 #define SIMULATOR_STATE_FILE_H
 
+#include <string>
+
 #include "error.h"
 #include "state.h"
-
-#include <string>
 
 namespace simulator {
 

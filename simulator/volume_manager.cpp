@@ -1,8 +1,8 @@
 #include "volume_manager.h"
 
-#include "tables.h"
-
 #include <algorithm>
+
+#include "tables.h"
 
 namespace simulator {
 

@@ -1,12 +1,12 @@
 #ifndef SIMULATOR_VOLUME_MANAGER_H
 #define SIMULATOR_VOLUME_MANAGER_H
 
-#include "command.h"
-#include "state.h"
-
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "command.h"
+#include "state.h"
 
 namespace simulator {
 
