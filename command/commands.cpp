@@ -1,6 +1,9 @@
 #include "commands.h"
 
+#include <filesystem>
 #include <memory>
+#include <stdexcept>
+#include <string>
 
 #include "active.h"
 #include "bare_output.h"
@@ -114,7 +117,10 @@ private:
 
     void list()
     {
-        for (const std::string& path : blockDevices("/sys/class/block", "/dev"))
+        constexpr char sysfsBlock[] = "/sys/class/block";
+        if (!std::filesystem::is_directory(sysfsBlock))
+            throw std::runtime_error(std::string(sysfsBlock) + " is missing: is sysfs mounted?");
+        for (const std::string& path : blockDevices(sysfsBlock, "/dev"))
             write(deviceRow(m_manager, path));
     }
 
