@@ -1,7 +1,6 @@
 #ifndef CHILD_PROCESS_H
 #define CHILD_PROCESS_H
 
-#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -60,9 +59,6 @@ private:
     Descriptor m_pidfd;
     pid_t m_pid = 0;
 };
-
-/// How long to wait between two looks at what cannot be polled.
-constexpr std::chrono::milliseconds lookInterval{5};
 
 } // namespace koze_pdk_4_4::runner
 

@@ -37,6 +37,9 @@ private:
     std::chrono::steady_clock::time_point m_end;
 };
 
+/// How long to wait between two looks at what cannot be polled.
+constexpr std::chrono::milliseconds lookInterval{5};
+
 } // namespace koze_pdk_4_4::runner
 
 #endif

@@ -51,14 +51,15 @@ public:
 /// Bridge to KoDMP: runs the volume manager's tools under /usr/sbin and reads their tables.
 ///
 /// Works on bare names, without "/dev/": an operating-system disk name such as sdc, or the name of
-/// a KoDMP node. Names go into the command lines as they are. Results are 0 for success; names come
-/// back through references that are emptied first. Operations run on the caller's thread and block
-/// while their tools run, 600 seconds each at most. Objects have no state besides the trace log
-/// handle; one object serves one thread. What the runner throws besides EZeExecPipe passes through.
+/// a KoDMP node. Names go into the command lines as they are, up to their first NUL. Results are 0
+/// for success; names come back through references that are emptied first. Operations run on the
+/// caller's thread and block while their tools run, 600 seconds each and what it takes to end one
+/// that runs longer. Objects have no state besides the trace log handle; one object serves one
+/// thread. What the runner throws besides EZeExecPipe passes through.
 class CZE_EXPORT CKoDMPSupport : public koze_pdk_4_4::CZeTraceable {
 public:
     /// Returns whether the file `directory` + `command`, without the white space around it, can be
-    /// executed by the process.
+    /// executed by the process's real user, as `access` tells: a directory can, too.
     bool isCommandAvailable(ACE_String_Base<char> directory, ACE_String_Base<char> command);
 
     /// Returns whether KoDMP's administration tool is installed. Asks the file system each time.
