@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include "active_lookup.h"
-#include "end_tools.h"
 #include "interrupt.h"
 #include "lookup_pool.h"
 #include "progress_text.h"
@@ -133,8 +132,7 @@ void lookUpActivePaths(const Options& options, const RowReceiver& receiver)
                    [&] { return progressOf(options, *workers, pool.handedOut()); });
     } catch (...) {
         line.close();
-        workers->stop.request();
-        endTools(workers->stop);
+        interrupt.endTools();
         throw;
     }
 }

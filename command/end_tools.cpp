@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -27,8 +26,8 @@ struct Process {
     pid_t parent;
     pid_t group;
 
-    /// A tool is a child of this process and leads a group of its own.
-    bool isTool() const { return parent == getpid() && group == id; }
+    bool isChild() const { return parent == getpid(); }
+    bool leadsGroup() const { return group == id; }
 
     /// A zombie has ended, though its parent may never look.
     bool isAlive() const { return state != 'Z' && state != 'X'; }
@@ -68,12 +67,12 @@ std::vector<Process> allProcesses()
 }
 
 /// Adds the groups of tools to `known`, and returns those of all known ones that are alive.
-std::set<pid_t> aliveGroups(std::set<pid_t>& known)
+std::set<pid_t> aliveGroups(std::set<pid_t>& known, const std::set<pid_t>& others)
 {
     std::set<pid_t> alive;
     const std::vector<Process> processes = allProcesses();
     for (const Process& process : processes) {
-        if (process.isTool())
+        if (process.isChild() && process.leadsGroup() && others.count(process.id) == 0)
             known.insert(process.group);
     }
     for (const Process& process : processes) {
@@ -93,14 +92,24 @@ void askToEnd(pid_t group)
 
 namespace command {
 
-void endTools(const StopRequest& stop)
+std::set<pid_t> childProcesses()
+{
+    std::set<pid_t> children;
+    for (const Process& process : allProcesses()) {
+        if (process.isChild())
+            children.insert(process.id);
+    }
+    return children;
+}
+
+void endTools(const StopRequest& stop, const std::set<pid_t>& others)
 {
     const Clock::time_point begin = Clock::now();
     std::set<pid_t> known;
     std::set<pid_t> asked;
     for (;;) {
         const Clock::duration passed = Clock::now() - begin;
-        const std::set<pid_t> alive = aliveGroups(known);
+        const std::set<pid_t> alive = aliveGroups(known, others);
         if ((!stop.toolsRun() && alive.empty()) || passed >= limit)
             return;
         for (const pid_t group : alive) {

@@ -39,7 +39,8 @@ sigset_t takenSignals()
 namespace command {
 
 Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeExit)
-    : m_stop(stop), m_beforeExit(std::move(beforeExit)), m_taken(takenSignals())
+    : m_stop(stop), m_beforeExit(std::move(beforeExit)), m_earlierChildren(childProcesses()),
+      m_taken(takenSignals())
 {
     sigset_t blocked = m_taken;
     sigaddset(&blocked, SIGPIPE);
@@ -62,6 +63,12 @@ void Interrupt::finish()
     m_thread.join();
 }
 
+void Interrupt::endTools() const
+{
+    m_stop.request();
+    command::endTools(m_stop, m_earlierChildren);
+}
+
 void Interrupt::awaitSignal()
 {
     int signal = 0;
@@ -74,8 +81,7 @@ void Interrupt::awaitSignal()
 
 void Interrupt::end(int signal)
 {
-    m_stop.request();
-    endTools(m_stop);
+    endTools();
     m_beforeExit();
     _exit(128 + signal);
 }

@@ -4,7 +4,10 @@
 #include <atomic>
 #include <csignal>
 #include <functional>
+#include <set>
 #include <thread>
+
+#include <sys/types.h>
 
 #include "stop_request.h"
 
@@ -17,6 +20,8 @@ namespace command {
 /// the process with status 130, 143 or 129. A signal that the process was started to ignore stays
 /// ignored. Threads that are started meanwhile hold these signals back. So does this thread, and
 /// SIGPIPE, which ends the process only when the object is gone.
+///
+/// Children that the process had before the object are no tools. REQUIRES: no tool runs yet.
 class Interrupt {
 public:
     /// `beforeExit` runs in another thread, last of all.
@@ -30,12 +35,16 @@ public:
     /// Takes no more signals. Does not return when one came before.
     void finish();
 
+    /// Makes the request and ends the tools, as a signal does.
+    void endTools() const;
+
 private:
     void awaitSignal();
     [[noreturn]] void end(int signal);
 
     StopRequest& m_stop;
     std::function<void()> m_beforeExit;
+    std::set<pid_t> m_earlierChildren;
     sigset_t m_before{};
     sigset_t m_taken{};
     std::atomic<bool> m_finished{false};

@@ -97,6 +97,47 @@ TEST_F(ActiveInterrupt, AToolThatHasPrintedAllItWillIsEndedToo)
     expectEnd(process, SIGINT, 130);
 }
 
+/// A shell line that starts a child with a group of its own, prints its id and becomes the command.
+constexpr char withChild[] = "set -m; sleep 300 >/dev/null 2>&1 & echo $!; exec \"$@\"";
+
+/// Ends the process and tells whether it was there, not as a zombie.
+bool endSleeper(const std::string& id)
+{
+    const std::string arguments = textOf("/proc/" + id + "/cmdline");
+    kill(std::stoi(id), SIGKILL);
+    return arguments == std::string("sleep\0"
+                                    "300",
+                                    9) +
+                            '\0';
+}
+
+TEST_F(ActiveInterrupt, AChildThatItWasExecutedWithIsLeftAlone)
+{
+    useScenario("hanging-tool");
+    std::vector<std::string> shell{"bash", "-c", withChild, "bash"};
+    const std::vector<std::string> command = active({"/dev/sdc"});
+    shell.insert(shell.end(), command.begin(), command.end());
+    Process process(shell);
+    const std::string child = process.receiveLine();
+    awaitCalls(process, 1);
+    expectEnd(process, SIGTERM, 143);
+    EXPECT_TRUE(endSleeper(child.substr(0, child.size() - 1)));
+}
+
+TEST_F(ActiveInterrupt, AnOutputThatFailsLeavesSuchAChildAloneToo)
+{
+    useFault({{"subcommand", "getdmpnode"}, {"hang", true}});
+    std::vector<std::string> shell{"bash", "-c", std::string(withChild) + " >/dev/full", "bash"};
+    const std::vector<std::string> command = active({"/dev/mapper/a", "/dev/sdb"});
+    shell.insert(shell.end(), command.begin(), command.end());
+    Process process(shell);
+    const std::string child = process.receiveLine();
+    EXPECT_TRUE(process.endsWithin(10000));
+    EXPECT_EQ(process.finish().status, 1);
+    EXPECT_THAT(runningTools(statePath()), IsEmpty());
+    EXPECT_TRUE(endSleeper(child.substr(0, child.size() - 1)));
+}
+
 TEST_F(ActiveInterrupt, APauseIsNotWaitedFor)
 {
     useFault({{"subcommand", "getdmpnode"}, {"exit", 3}});

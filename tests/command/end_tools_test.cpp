@@ -93,11 +93,12 @@ protected:
     {
         stop.request();
         const Clock::time_point begin = Clock::now();
-        command::endTools(stop);
+        command::endTools(stop, others);
         passed = Clock::now() - begin;
     }
 
     command::StopRequest stop;
+    std::set<pid_t> others;
     Clock::duration passed{};
 };
 
@@ -189,6 +190,17 @@ TEST_F(EndTools, ChildrenThatShareThisGroupAreNoTools)
     EXPECT_EQ(waitpid(child, nullptr, WNOHANG), 0);
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
+}
+
+TEST_F(EndTools, ChildrenFromBeforeAreNoTools)
+{
+    command::StopRequest before;
+    const Tool child(before, "echo; sleep 100");
+    others = command::childProcesses();
+    const Tool tool(stop, "echo; sleep 100");
+    endTools();
+    EXPECT_TRUE(tool.groupIsGone());
+    EXPECT_FALSE(child.groupIsGone());
 }
 
 TEST_F(EndTools, ProcessesThatOthersStartedAreNoTools)
