@@ -7,9 +7,11 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -19,6 +21,9 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds grace{500};
 constexpr std::chrono::seconds limit{2};
 constexpr std::chrono::milliseconds lookInterval{5};
+
+constexpr std::string_view toolsUnknown =
+    "dmpclaim: cannot tell from /proc which tools run: one may still be running\n";
 
 struct Process {
     pid_t id;
@@ -52,9 +57,19 @@ std::optional<Process> readProcess(const std::filesystem::path& folder)
     return process;
 }
 
+/// Whether /proc shows processes by the numbers that this one knows them by.
+bool isProcUsable()
+{
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self", error) == std::to_string(getpid());
+}
+
+/// Nothing when /proc is not usable: the same numbers would mean other processes.
 std::vector<Process> allProcesses()
 {
     std::vector<Process> processes;
+    if (!isProcUsable())
+        return processes;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator("/proc", error)) {
         const std::string name = entry.path().filename();
@@ -88,6 +103,16 @@ void askToEnd(pid_t group)
     kill(-group, SIGCONT); // a stopped process would sleep through it
 }
 
+/// A standard error that takes no output is waited for only a moment. Whoever holds the stream's
+/// lock is not waited for.
+void complain(std::string_view line)
+{
+    pollfd errors{STDERR_FILENO, POLLOUT, 0};
+    if (poll(&errors, 1, 100) != 1)
+        return;
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+}
+
 } // namespace
 
 namespace command {
@@ -111,7 +136,7 @@ void endTools(const StopRequest& stop, const std::set<pid_t>& others)
         const Clock::duration passed = Clock::now() - begin;
         const std::set<pid_t> alive = aliveGroups(known, others);
         if ((!stop.toolsRun() && alive.empty()) || passed >= limit)
-            return;
+            break;
         for (const pid_t group : alive) {
             if (passed >= grace)
                 kill(-group, SIGKILL);
@@ -120,6 +145,8 @@ void endTools(const StopRequest& stop, const std::set<pid_t>& others)
         }
         std::this_thread::sleep_for(lookInterval);
     }
+    if (stop.toolsRun() && !isProcUsable())
+        complain(toolsUnknown);
 }
 
 } // namespace command

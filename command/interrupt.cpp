@@ -38,8 +38,8 @@ sigset_t takenSignals()
 
 namespace command {
 
-Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeExit)
-    : m_stop(stop), m_beforeExit(std::move(beforeExit)), m_earlierChildren(childProcesses()),
+Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeEnd)
+    : m_stop(stop), m_beforeEnd(std::move(beforeEnd)), m_earlierChildren(childProcesses()),
       m_taken(takenSignals())
 {
     sigset_t blocked = m_taken;
@@ -81,8 +81,9 @@ void Interrupt::awaitSignal()
 
 void Interrupt::end(int signal)
 {
+    m_stop.request();
+    m_beforeEnd(); // what endTools says has the terminal's line to itself
     endTools();
-    m_beforeExit();
     _exit(128 + signal);
 }
 

@@ -24,8 +24,9 @@ namespace command {
 /// Children that the process had before the object are no tools. REQUIRES: no tool runs yet.
 class Interrupt {
 public:
-    /// `beforeExit` runs in another thread, last of all.
-    Interrupt(StopRequest& stop, std::function<void()> beforeExit);
+    /// `beforeEnd` runs in another thread when a signal came and the request is made, before the
+    /// tools are ended.
+    Interrupt(StopRequest& stop, std::function<void()> beforeEnd);
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
@@ -43,7 +44,7 @@ private:
     [[noreturn]] void end(int signal);
 
     StopRequest& m_stop;
-    std::function<void()> m_beforeExit;
+    std::function<void()> m_beforeEnd;
     std::set<pid_t> m_earlierChildren;
     sigset_t m_before{};
     sigset_t m_taken{};

@@ -1,5 +1,6 @@
 #include "active_command.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -136,6 +137,23 @@ TEST_F(ActiveInterrupt, AnOutputThatFailsLeavesSuchAChildAloneToo)
     EXPECT_EQ(process.finish().status, 1);
     EXPECT_THAT(runningTools(statePath()), IsEmpty());
     EXPECT_TRUE(endSleeper(child.substr(0, child.size() - 1)));
+}
+
+TEST_F(ActiveInterrupt, ToolsThatItCannotSeeAreSpokenOf)
+{
+    useScenario("hanging-tool");
+    // Another process namespace's /proc. The shell is the first process: all end with it.
+    const std::string script = "\"$@\" & until test -s " + logPath() +
+                               "; do sleep 0.01; done; kill -TERM $!; wait $!; echo $?";
+    const std::vector<std::string> shell{"unshare", "-pf",  "--kill-child", "bash",
+                                         "-c",      script, "bash"};
+    std::vector<std::string> command = active({"/dev/sdc"});
+    command.insert(std::find(command.begin(), command.end(), "env"), shell.begin(), shell.end());
+    const Result ended = Process(command).finish();
+    EXPECT_EQ(ended.output, "143\n");
+    EXPECT_EQ(ended.errors,
+              "dmpclaim: cannot tell from /proc which tools run: one may still be running\n");
+    EXPECT_THAT(runningTools(statePath()), IsEmpty());
 }
 
 TEST_F(ActiveInterrupt, APauseIsNotWaitedFor)

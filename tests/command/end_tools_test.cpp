@@ -2,19 +2,42 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <set>
 #include <string>
 #include <thread>
 
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "tests/support/process.h"
 #include "tests/support/temporary_folder.h"
+
+namespace {
+
+/// What /proc/self names, instead of this process.
+std::optional<std::string> procSelf;
+
+} // namespace
+
+/// Takes the place of the C library's.
+extern "C" ssize_t readlink(const char* path, char* buffer, std::size_t size) noexcept
+{
+    if (!procSelf || path != std::string("/proc/self"))
+        return syscall(SYS_readlink, path, buffer, size);
+    if (procSelf->empty()) {
+        errno = ENOENT;
+        return -1;
+    }
+    return static_cast<ssize_t>(procSelf->copy(buffer, size));
+}
 
 namespace {
 
@@ -92,14 +115,17 @@ protected:
     void endTools()
     {
         stop.request();
+        testing::internal::CaptureStderr();
         const Clock::time_point begin = Clock::now();
         command::endTools(stop, others);
         passed = Clock::now() - begin;
+        errors = testing::internal::GetCapturedStderr();
     }
 
     command::StopRequest stop;
     std::set<pid_t> others;
     Clock::duration passed{};
+    std::string errors;
 };
 
 TEST_F(EndTools, WithoutToolsThereIsNothingToDo)
@@ -242,6 +268,36 @@ TEST_F(EndTools, AToolThatNothingEndsIsGivenUp)
     stop.beginTool();
     endTools();
     EXPECT_GE(passed, std::chrono::seconds(2));
+    EXPECT_EQ(errors, "");
+}
+
+/// /proc is missing, or shows another process namespace, where other processes have the numbers.
+class EndToolsWithoutProc : public EndTools, public testing::WithParamInterface<const char*> {
+public:
+    EndToolsWithoutProc() { procSelf = GetParam(); }
+    EndToolsWithoutProc(const EndToolsWithoutProc&) = delete;
+    EndToolsWithoutProc& operator=(const EndToolsWithoutProc&) = delete;
+    ~EndToolsWithoutProc() override { procSelf.reset(); }
+};
+
+INSTANTIATE_TEST_SUITE_P(, EndToolsWithoutProc,
+                         testing::Values("", "4194305")); // more than there can be
+
+TEST_P(EndToolsWithoutProc, NobodyIsEndedAndThatIsSaid)
+{
+    const Tool tool(stop, "echo; sleep 100");
+    endTools();
+    EXPECT_EQ(errors,
+              "dmpclaim: cannot tell from /proc which tools run: one may still be running\n");
+    EXPECT_FALSE(tool.groupIsGone());
+    EXPECT_TRUE(command::childProcesses().empty());
+}
+
+TEST_P(EndToolsWithoutProc, WithoutToolsThereIsNothingToSay)
+{
+    endTools();
+    EXPECT_LT(passed, std::chrono::milliseconds(400));
+    EXPECT_EQ(errors, "");
 }
 
 } // namespace

@@ -58,7 +58,7 @@ TEST_F(InterruptDeathTest, AStrayWakeSignalEndsNothing)
     EXPECT_EXIT(interrupted(), testing::ExitedWithCode(130), "");
 }
 
-TEST_F(InterruptDeathTest, BeforeTheExitTheRequestIsMade)
+TEST_F(InterruptDeathTest, BeforeTheEndTheRequestIsMade)
 {
     const auto interrupted = [this] {
         const Interrupt interrupt(stop, [this] {
