@@ -41,8 +41,8 @@ Without --refresh a disk that is not found is scanned and looked up again after
 5 seconds, up to 4 times. While this goes on, a terminal on standard error shows
 it, unless trace lines go there.
 
-An interrupt (SIGINT, SIGTERM, SIGHUP) ends the tools that run, and the command
-with status 130, 143 or 129.)";
+An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tools that run, and the
+command with status 130, 143, 129 or 131.)";
 
 constexpr char doctorFooter[] =
     R"(Looks at the volume manager's tools and asks them about every native disk, or
@@ -63,8 +63,8 @@ Exit status:
   64  there are warnings
   32  there are errors
 
-An interrupt (SIGINT, SIGTERM, SIGHUP) ends the tool that runs, and the command
-with status 130, 143 or 129.
+An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tool that runs, and the
+command with status 130, 143, 129 or 131.
 
 -J, --trace and the statuses 1 and 2: see 'dmpclaim --help'.)";
 

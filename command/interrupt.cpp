@@ -27,7 +27,7 @@ sigset_t takenSignals()
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, wakeSignal());
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         if (!isIgnored(signal))
             sigaddset(&signals, signal);
     }

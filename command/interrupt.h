@@ -16,10 +16,10 @@ namespace command {
 /// Ends the process at once when the user interrupts it, and leaves no tool running, which a
 /// signal from the terminal alone would: tools have process groups of their own.
 ///
-/// While an object lives, SIGINT, SIGTERM and SIGHUP make the request `stop`, end the tools and end
-/// the process with status 130, 143 or 129. A signal that the process was started to ignore stays
-/// ignored. Threads that are started meanwhile hold these signals back. So does this thread, and
-/// SIGPIPE, which ends the process only when the object is gone.
+/// While an object lives, SIGINT, SIGTERM, SIGHUP and SIGQUIT make the request `stop`, end the
+/// tools and end the process with status 130, 143, 129 or 131. A signal that the process was
+/// started to ignore stays ignored. Threads that are started meanwhile hold these signals back. So
+/// does this thread, and SIGPIPE, which ends the process only when the object is gone.
 ///
 /// Children that the process had before the object are no tools. REQUIRES: no tool runs yet.
 class Interrupt {

@@ -16,7 +16,7 @@ protected:
                                     const std::string& sleepMilliseconds = "0") const
     {
         std::vector<std::string> command{"env",
-                                         "--default-signal=INT,TERM,HUP,PIPE",
+                                         "--default-signal=INT,TERM,HUP,QUIT,PIPE",
                                          "LD_PRELOAD=" QUICK_SLEEP,
                                          "ASAN_OPTIONS=verify_asan_link_order=0",
                                          "SLEEP_LOG=" + sleepLog().string(),

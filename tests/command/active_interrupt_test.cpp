@@ -47,7 +47,8 @@ protected:
 
 TEST_F(ActiveInterrupt, EndsTheToolThatHangs)
 {
-    const std::pair<int, int> signals[] = {{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
+    const std::pair<int, int> signals[] = {
+        {SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}, {SIGQUIT, 131}};
     for (const auto& [signal, status] : signals) {
         std::filesystem::remove(logPath());
         useScenario("hanging-tool");
