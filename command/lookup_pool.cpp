@@ -4,28 +4,28 @@
 #include <exception>
 #include <map>
 #include <mutex>
-#include <system_error>
 #include <utility>
 
+#include "start_thread.h"
 #include "stop_request.h"
 
 namespace command {
 
 /// What the workers share. It lives as long as the last of them.
 struct LookupPool::State {
-    struct Task {
-        std::size_t number;
-        std::string path;
-    };
     struct Answer {
         Row row;
         std::exception_ptr failure;
     };
+    using Answers = std::map<std::size_t, Answer>;
+    /// Made before the work, so that no answer and no failure is lost for want of memory.
+    using Place = Answers::node_type;
 
-    std::optional<Task> takeTask();
-    void answer(const Task& task, unsigned int worker);
-    void put(std::size_t number, Answer answer);
-    void runWorker(unsigned int worker);
+    static Place newPlace();
+    std::optional<std::string> takePath(Place& place);
+    Place answer(const std::string& path, unsigned int worker, Place place);
+    void put(Place place);
+    void runWorker(unsigned int worker, Place place);
 
     Source source;
     Work work;
@@ -35,51 +35,65 @@ struct LookupPool::State {
 
     std::mutex mutex;
     std::condition_variable changed;
-    std::map<std::size_t, Answer> answers;
+    Answers answers;
     unsigned int working = 0;
 };
 
-std::optional<LookupPool::State::Task> LookupPool::State::takeTask()
+LookupPool::State::Place LookupPool::State::newPlace()
+{
+    Answers answers;
+    answers.try_emplace(0);
+    return answers.extract(answers.begin());
+}
+
+/// The next path, whose answer has its number in `place`. What the source throws is put there.
+std::optional<std::string> LookupPool::State::takePath(Place& place)
 {
     const std::lock_guard lock(sourceMutex);
     if (exhausted)
         return std::nullopt;
+    place.key() = taken++;
     std::optional<std::string> path;
     try {
         path = source();
     } catch (...) {
-        put(taken, {{}, std::current_exception()});
+        place.mapped().failure = std::current_exception();
+        put(std::move(place));
     }
     exhausted = !path;
-    return path ? std::optional(Task{taken++, *std::move(path)}) : std::nullopt;
+    return path;
 }
 
-void LookupPool::State::answer(const Task& task, unsigned int worker)
+/// Puts the answer in `place` and returns the place for the worker's next one; an empty place when
+/// there is none, which ends the worker.
+LookupPool::State::Place LookupPool::State::answer(const std::string& path, unsigned int worker,
+                                                   Place place)
 {
-    Answer answer;
+    Place next;
     try {
-        answer.row = work(task.path, worker);
+        next = newPlace();
+        place.mapped().row = work(path, worker);
     } catch (const Interrupted&) {
-        throw;
+        return {};
     } catch (...) {
-        answer.failure = std::current_exception();
+        place.mapped().failure = std::current_exception();
     }
-    put(task.number, std::move(answer));
+    put(std::move(place));
+    return next;
 }
 
-void LookupPool::State::put(std::size_t number, Answer answer)
+void LookupPool::State::put(Place place)
 {
     const std::lock_guard lock(mutex);
-    answers.emplace(number, std::move(answer));
+    answers.insert(std::move(place));
     changed.notify_one();
 }
 
-void LookupPool::State::runWorker(unsigned int worker)
+void LookupPool::State::runWorker(unsigned int worker, Place place)
 {
-    try {
-        while (const std::optional<Task> task = takeTask())
-            answer(*task, worker);
-    } catch (const Interrupted&) { // NOLINT(bugprone-empty-catch): it has ended the worker
+    while (!place.empty()) {
+        const std::optional<std::string> path = takePath(place);
+        place = path ? answer(*path, worker, std::move(place)) : Place();
     }
     const std::lock_guard lock(mutex);
     --working;
@@ -95,8 +109,11 @@ LookupPool::LookupPool(unsigned int workers, Source source, Work work)
     for (unsigned int worker = 0; worker < workers; ++worker) {
         const std::lock_guard lock(m_state->mutex);
         try {
-            m_threads.emplace_back([state = m_state, worker] { state->runWorker(worker); });
-        } catch (const std::system_error&) {
+            m_threads.push_back(
+                startThread([state = m_state, worker, place = State::newPlace()]() mutable {
+                    state->runWorker(worker, std::move(place));
+                }));
+        } catch (const std::exception&) {
             if (worker == 0)
                 throw;
             break;

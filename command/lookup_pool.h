@@ -24,8 +24,8 @@ public:
 
     enum class Next { row, pending, end };
 
-    /// Starts `workers` threads, or as many as the machine allows. Throws std::system_error when
-    /// it allows none.
+    /// Starts `workers` threads, or as many as the machine allows. Throws what startThread
+    /// throws when it allows none.
     LookupPool(unsigned int workers, Source source, Work work);
     LookupPool(const LookupPool&) = delete;
     LookupPool& operator=(const LookupPool&) = delete;
@@ -35,7 +35,7 @@ public:
     ~LookupPool();
 
     /// Waits for the next answer, up to `patience`, and stores it in `row`. What source or work
-    /// threw in its place is thrown here; the answers end with that.
+    /// threw in its place, or std::bad_alloc, is thrown here; the answers end with that.
     Next next(Row& row, std::chrono::milliseconds patience);
 
     /// The number of answers handed out.
