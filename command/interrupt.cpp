@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "end_tools.h"
+#include "start_thread.h"
 
 namespace {
 
@@ -45,7 +46,12 @@ Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeEnd)
     sigset_t blocked = m_taken;
     sigaddset(&blocked, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &blocked, &m_before);
-    m_thread = std::thread([this] { awaitSignal(); });
+    try {
+        m_thread = startThread([this] { awaitSignal(); });
+    } catch (...) {
+        pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
+        throw;
+    }
 }
 
 Interrupt::~Interrupt()

@@ -25,7 +25,7 @@ namespace command {
 class Interrupt {
 public:
     /// `beforeEnd` runs in another thread when a signal came and the request is made, before the
-    /// tools are ended.
+    /// tools are ended. Throws what startThread throws; the signals then go through as before.
     Interrupt(StopRequest& stop, std::function<void()> beforeEnd);
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;

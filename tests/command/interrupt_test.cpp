@@ -2,11 +2,32 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <system_error>
 #include <thread>
 
+#include <dlfcn.h>
+#include <pthread.h>
 #include <unistd.h>
+
+namespace {
+
+bool threadsCanStart = true;
+
+} // namespace
+
+/// Takes the place of the C library's.
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                              void* (*start)(void*), void* argument) noexcept
+{
+    if (!threadsCanStart)
+        return EAGAIN;
+    const auto real =
+        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    return real(thread, attributes, start, argument);
+}
 
 namespace {
 
@@ -91,6 +112,24 @@ TEST_F(InterruptTest, TheSignalsGoThroughAgainWhenItIsGone)
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGRTMIN})
         EXPECT_EQ(sigismember(&after, signal), sigismember(&before, signal)) << signal;
     EXPECT_NO_THROW(stop.check());
+}
+
+TEST_F(InterruptTest, WithoutAThreadItSaysSoAndLetsTheSignalsThrough)
+{
+    sigset_t before;
+    pthread_sigmask(SIG_SETMASK, nullptr, &before);
+    threadsCanStart = false;
+    try {
+        const Interrupt interrupt(stop, [] {});
+        ADD_FAILURE() << "it started";
+    } catch (const std::system_error& error) {
+        EXPECT_STREQ(error.what(), "cannot start a thread: Resource temporarily unavailable");
+    }
+    threadsCanStart = true;
+    sigset_t after;
+    pthread_sigmask(SIG_SETMASK, nullptr, &after);
+    for (const int signal : {SIGINT, SIGPIPE, SIGRTMIN})
+        EXPECT_EQ(sigismember(&after, signal), sigismember(&before, signal)) << signal;
 }
 
 } // namespace
