@@ -18,8 +18,6 @@ namespace {
 using namespace command;
 
 constexpr std::chrono::milliseconds tick{200};
-constexpr std::chrono::seconds waitingPause{5};
-constexpr std::chrono::seconds refreshingPause{10};
 
 bool readsStandardInput(const Options& options)
 {
@@ -86,7 +84,7 @@ Progress progressOf(const Options& options, const Workers& workers, std::size_t 
     if (!readsStandardInput(options))
         progress.total = options.paths.size();
     progress.longest = workers.longest();
-    progress.pause = options.refresh ? refreshingPause : waitingPause;
+    progress.policy = retryPolicy(options.refresh);
     return progress;
 }
 

@@ -2,29 +2,43 @@
 
 #include "device_row.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
+#include "retry_policy.h"
 #include "tool_commands.h"
 
 namespace {
 
 using command::nodeQuery;
 using command::pathQuery;
+using command::refreshingPolicy;
 using command::removal;
 using command::rescan;
+using command::RetryPolicy;
 using command::Row;
+using command::waitingPolicy;
 
 constexpr char placeholder[] = "NODE";
 
 struct Step {
     std::string command;
-    const char* when;
+    std::string when;
 };
 
 constexpr char finding[] = "when the node was found";
 
+std::string attempts(const RetryPolicy& policy)
+{
+    return "up to " + std::to_string(policy.attempts) + " times until it succeeds";
+}
+
+std::string pause(const RetryPolicy& policy)
+{
+    return std::to_string(policy.pause.count()) + " seconds after each failure";
+}
+
 std::vector<Step> waitingSteps(const std::string& disk)
 {
-    return {{nodeQuery(disk), "first; up to 4 times until it succeeds"},
-            {rescan({disk}), "5 seconds after each failure of the line above"},
+    return {{nodeQuery(disk), "first; " + attempts(waitingPolicy)},
+            {rescan({disk}), pause(waitingPolicy) + " of the line above"},
             {pathQuery(placeholder), finding}};
 }
 
@@ -33,7 +47,7 @@ std::vector<Step> refreshingSteps(const std::string& disk)
     return {{nodeQuery(disk), "first"},
             {removal(placeholder), "when the line above succeeded"},
             {rescan({}), "before each attempt of the line below"},
-            {nodeQuery(disk), "up to 4 times until it succeeds, 10 seconds after each failure"},
+            {nodeQuery(disk), attempts(refreshingPolicy) + ", " + pause(refreshingPolicy)},
             {pathQuery(placeholder), finding}};
 }
 

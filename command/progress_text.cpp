@@ -9,7 +9,6 @@ namespace {
 
 using namespace command;
 
-constexpr int attempts = 4;
 constexpr std::size_t barWidth = 20;
 
 long wholeSeconds(Timeline::Clock::duration duration)
@@ -40,7 +39,7 @@ std::string shortPath(const std::string& path)
     return word.size() <= longest ? word : "..." + word.substr(word.size() - (longest - 3));
 }
 
-std::string stepText(const Activity& activity, std::chrono::seconds pause,
+std::string stepText(const Activity& activity, const RetryPolicy& policy,
                      Timeline::Clock::time_point now)
 {
     const Timeline::Clock::duration passed = now - activity.stepBegin;
@@ -50,8 +49,8 @@ std::string stepText(const Activity& activity, std::chrono::seconds pause,
                " s";
     if (!activity.isWaiting)
         return "";
-    return (activity.attempt < attempts ? ", next one in " : ", pause of ") +
-           std::to_string(wholeSeconds(pause - passed)) + " s";
+    return (activity.attempt < policy.attempts ? ", next one in " : ", pause of ") +
+           std::to_string(wholeSeconds(policy.pause - passed)) + " s";
 }
 
 /// "16 of 64" with its bar in front; "16" when the end is not known.
@@ -76,9 +75,10 @@ std::string progressText(const Progress& progress, Timeline::Clock::time_point n
     if (!progress.longest)
         return text;
     const Activity& activity = *progress.longest;
+    const int attempts = progress.policy.attempts;
     return text + (text.empty() ? "" : ", ") + shortPath(activity.path) + ": attempt " +
            std::to_string(std::min(activity.attempt, attempts)) + " of " +
-           std::to_string(attempts) + stepText(activity, progress.pause, now);
+           std::to_string(attempts) + stepText(activity, progress.policy, now);
 }
 
 } // namespace command

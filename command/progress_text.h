@@ -5,6 +5,7 @@
 #include <string>
 
 #include "lookup_status.h"
+#include "retry_policy.h"
 
 namespace command {
 
@@ -13,7 +14,7 @@ struct Progress {
     std::size_t done = 0;
     std::optional<std::size_t> total; // unknown while paths are still read
     std::optional<Activity> longest;  // of the lookups being made, the one begun first
-    std::chrono::seconds pause{};     // between two attempts
+    RetryPolicy policy = waitingPolicy;
 };
 
 /// The progress on one line of printable ASCII; over more than one path with a bar:

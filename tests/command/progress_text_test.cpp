@@ -8,6 +8,7 @@ using namespace std::chrono_literals;
 using command::Activity;
 using command::Progress;
 using command::Timeline;
+using command::waitingPolicy;
 
 constexpr Timeline::Clock::time_point start{100s};
 
@@ -18,12 +19,12 @@ std::string text(const Progress& progress, std::chrono::milliseconds passed = 0s
 
 Progress running(const std::string& command)
 {
-    return {0, 1, Activity{"/dev/sdc", 2, command, false, start, start}, 5s};
+    return {0, 1, Activity{"/dev/sdc", 2, command, false, start, start}, waitingPolicy};
 }
 
 Progress waiting(int attempt)
 {
-    return {0, 1, Activity{"/dev/sdc", attempt, "", true, start, start}, 5s};
+    return {0, 1, Activity{"/dev/sdc", attempt, "", true, start, start}, waitingPolicy};
 }
 
 TEST(ProgressText, ARunningToolIsNamedWithItsTime)
@@ -45,8 +46,17 @@ TEST(ProgressText, APauseTellsTheTimeLeft)
 TEST(ProgressText, NoAttemptFollowsTheFourth)
 {
     EXPECT_EQ(text(waiting(4), 1s), "/dev/sdc: attempt 4 of 4, pause of 4 s");
-    EXPECT_EQ(text({0, 1, Activity{"/dev/sdc", 5, "", false, start, start}, 5s}),
+    EXPECT_EQ(text({0, 1, Activity{"/dev/sdc", 5, "", false, start, start}, waitingPolicy}),
               "/dev/sdc: attempt 4 of 4");
+}
+
+TEST(ProgressText, AttemptsAndPauseAreThePolicys)
+{
+    Progress progress = waiting(1);
+    progress.policy = {2, 7s};
+    EXPECT_EQ(text(progress), "/dev/sdc: attempt 1 of 2, next one in 7 s");
+    progress.longest->attempt = 2;
+    EXPECT_EQ(text(progress), "/dev/sdc: attempt 2 of 2, pause of 7 s");
 }
 
 TEST(ProgressText, ManyPathsHaveABar)
@@ -56,13 +66,13 @@ TEST(ProgressText, ManyPathsHaveABar)
     progress.total = 64;
     EXPECT_EQ(text(progress), "[#####...............] 16 of 64, /dev/sdc: attempt 1 of 4, next "
                               "one in 5 s");
-    EXPECT_EQ(text({64, 64, {}, 5s}), "[####################] 64 of 64");
-    EXPECT_EQ(text({0, 64, {}, 5s}), "[....................] 0 of 64");
+    EXPECT_EQ(text({64, 64, {}, waitingPolicy}), "[####################] 64 of 64");
+    EXPECT_EQ(text({0, 64, {}, waitingPolicy}), "[....................] 0 of 64");
 }
 
 TEST(ProgressText, PathsThatAreStillReadAreCounted)
 {
-    EXPECT_EQ(text({7, {}, {}, 5s}), "7 done");
+    EXPECT_EQ(text({7, {}, {}, waitingPolicy}), "7 done");
 }
 
 TEST(ProgressText, ANameSteersNoTerminalAndLeavesRoomForTheRest)
