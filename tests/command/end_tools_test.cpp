@@ -223,6 +223,7 @@ TEST_F(EndTools, ChildrenFromBeforeAreNoTools)
     command::StopRequest before;
     const Tool child(before, "echo; sleep 100");
     others = command::childProcesses();
+    EXPECT_EQ(others.count(getpid()), 0U);
     const Tool tool(stop, "echo; sleep 100");
     endTools();
     EXPECT_TRUE(tool.groupIsGone());

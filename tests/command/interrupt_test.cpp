@@ -95,6 +95,18 @@ TEST_F(InterruptDeathTest, BeforeTheEndTheRequestIsMade)
     EXPECT_EXIT(interrupted(), testing::ExitedWithCode(7), "");
 }
 
+TEST_F(InterruptDeathTest, WhatComesBeforeTheEndIsNotKeptWaitingByTools)
+{
+    const auto interrupted = [this] {
+        stop.beginTool();
+        const Interrupt interrupt(stop, [this] { stop.endTool(); });
+        kill(getpid(), SIGTERM);
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(143), "");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+}
+
 TEST_F(InterruptTest, TheSignalsGoThroughAgainWhenItIsGone)
 {
     sigset_t before;
