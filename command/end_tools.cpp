@@ -7,11 +7,9 @@
 #include <fstream>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <vector>
 
-#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -21,9 +19,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds grace{500};
 constexpr std::chrono::seconds limit{2};
 constexpr std::chrono::milliseconds lookInterval{5};
-
-constexpr std::string_view toolsUnknown =
-    "dmpclaim: cannot tell from /proc which tools run: one may still be running\n";
 
 struct Process {
     pid_t id;
@@ -103,16 +98,6 @@ void askToEnd(pid_t group)
     kill(-group, SIGCONT); // a stopped process would sleep through it
 }
 
-/// A standard error that takes no output is waited for only a moment. Whoever holds the stream's
-/// lock is not waited for.
-void complain(std::string_view line)
-{
-    pollfd errors{STDERR_FILENO, POLLOUT, 0};
-    if (poll(&errors, 1, 100) != 1)
-        return;
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
-}
-
 } // namespace
 
 namespace command {
@@ -127,7 +112,7 @@ std::set<pid_t> childProcesses()
     return children;
 }
 
-void endTools(const StopRequest& stop, const std::set<pid_t>& others)
+bool endTools(const StopRequest& stop, const std::set<pid_t>& others)
 {
     const Clock::time_point begin = Clock::now();
     std::set<pid_t> known;
@@ -145,8 +130,7 @@ void endTools(const StopRequest& stop, const std::set<pid_t>& others)
         }
         std::this_thread::sleep_for(lookInterval);
     }
-    if (stop.toolsRun() && !isProcUsable())
-        complain(toolsUnknown);
+    return !stop.toolsRun() || isProcUsable();
 }
 
 } // namespace command

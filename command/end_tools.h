@@ -18,8 +18,8 @@ std::set<pid_t> childProcesses();
 ///
 /// Returns when none is left; at the latest after two seconds, when even SIGKILL ends one not,
 /// because it waits for a device. Only /proc tells which tools run: where it is missing, or shows
-/// another process namespace, none is ended, and standard error says so if one is left.
-void endTools(const StopRequest& stop, const std::set<pid_t>& others);
+/// another process namespace, none is ended, and the result is false if one is left.
+[[nodiscard]] bool endTools(const StopRequest& stop, const std::set<pid_t>& others);
 
 } // namespace command
 

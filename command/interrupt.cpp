@@ -1,7 +1,9 @@
 #include "interrupt.h"
 
+#include <string_view>
 #include <utility>
 
+#include <poll.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -35,12 +37,24 @@ sigset_t takenSignals()
     return signals;
 }
 
+/// A standard error that takes no output is waited for only a moment. Whoever holds the stream's
+/// lock is not waited for.
+void tellOfUnseenTools()
+{
+    constexpr std::string_view line =
+        "dmpclaim: cannot tell from /proc which tools run: one may still be running\n";
+    pollfd errors{STDERR_FILENO, POLLOUT, 0};
+    if (poll(&errors, 1, 100) != 1)
+        return;
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+}
+
 } // namespace
 
 namespace command {
 
-Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeEnd)
-    : m_stop(stop), m_beforeEnd(std::move(beforeEnd)), m_earlierChildren(childProcesses()),
+Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeExit)
+    : m_stop(stop), m_beforeExit(std::move(beforeExit)), m_earlierChildren(childProcesses()),
       m_taken(takenSignals())
 {
     sigset_t blocked = m_taken;
@@ -72,7 +86,8 @@ void Interrupt::finish()
 void Interrupt::endTools() const
 {
     m_stop.request();
-    command::endTools(m_stop, m_earlierChildren);
+    if (!command::endTools(m_stop, m_earlierChildren))
+        tellOfUnseenTools();
 }
 
 void Interrupt::awaitSignal()
@@ -88,8 +103,10 @@ void Interrupt::awaitSignal()
 void Interrupt::end(int signal)
 {
     m_stop.request();
-    m_beforeEnd(); // what endTools says has the terminal's line to itself
-    endTools();
+    const bool sawTools = command::endTools(m_stop, m_earlierChildren);
+    m_beforeExit(); // may hang on a terminal that takes no output: the tools do not wait for that
+    if (!sawTools)
+        tellOfUnseenTools();
     _exit(128 + signal);
 }
 

@@ -115,17 +115,15 @@ protected:
     void endTools()
     {
         stop.request();
-        testing::internal::CaptureStderr();
         const Clock::time_point begin = Clock::now();
-        command::endTools(stop, others);
+        sawTools = command::endTools(stop, others);
         passed = Clock::now() - begin;
-        errors = testing::internal::GetCapturedStderr();
     }
 
     command::StopRequest stop;
     std::set<pid_t> others;
     Clock::duration passed{};
-    std::string errors;
+    bool sawTools = false;
 };
 
 TEST_F(EndTools, WithoutToolsThereIsNothingToDo)
@@ -269,7 +267,7 @@ TEST_F(EndTools, AToolThatNothingEndsIsGivenUp)
     stop.beginTool();
     endTools();
     EXPECT_GE(passed, std::chrono::seconds(2));
-    EXPECT_EQ(errors, "");
+    EXPECT_TRUE(sawTools);
 }
 
 /// /proc is missing, or shows another process namespace, where other processes have the numbers.
@@ -284,21 +282,20 @@ public:
 INSTANTIATE_TEST_SUITE_P(, EndToolsWithoutProc,
                          testing::Values("", "4194305")); // more than there can be
 
-TEST_P(EndToolsWithoutProc, NobodyIsEndedAndThatIsSaid)
+TEST_P(EndToolsWithoutProc, NobodyIsEndedAndTheResultTells)
 {
     const Tool tool(stop, "echo; sleep 100");
     endTools();
-    EXPECT_EQ(errors,
-              "dmpclaim: cannot tell from /proc which tools run: one may still be running\n");
+    EXPECT_FALSE(sawTools);
     EXPECT_FALSE(tool.groupIsGone());
     EXPECT_TRUE(command::childProcesses().empty());
 }
 
-TEST_P(EndToolsWithoutProc, WithoutToolsThereIsNothingToSay)
+TEST_P(EndToolsWithoutProc, WithoutToolsNothingIsAmiss)
 {
     endTools();
     EXPECT_LT(passed, std::chrono::milliseconds(400));
-    EXPECT_EQ(errors, "");
+    EXPECT_TRUE(sawTools);
 }
 
 } // namespace
