@@ -5,6 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "text.h"
+
 using command::NamedDevice;
 using Warnings = std::vector<command::Warning>;
 
@@ -58,7 +60,7 @@ bool takesNumberDirectly(std::string_view disk)
 
 void warnOfPlace(const NamedDevice& device, Warnings& warnings)
 {
-    if (device.path.rfind(device.prefix, 0) == 0)
+    if (command::startsWith(device.path, device.prefix))
         return;
     warnings.push_back({"prefix-not-at-start",
                         quoted(device.prefix) +

@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "text.h"
+
 namespace {
 
 using Kind = command::TraceEvent::Kind;
@@ -12,11 +14,6 @@ constexpr std::string_view failureNumber = "' and error no '";
 constexpr std::string_view cannotRun = "ExecuteCommand - exception thrown in command execution.";
 constexpr std::string_view ends = "Exiting Function executeCommand ";
 constexpr std::string_view retry = "Obtaining dmp nodes failed. need to retry.";
-
-bool startsWith(std::string_view text, std::string_view beginning)
-{
-    return text.substr(0, beginning.size()) == beginning;
-}
 
 /// The number that ends a failure's line; the message before it may hold anything.
 ///

@@ -7,6 +7,7 @@
 #include "doctor/kernel_maps.h"
 #include "doctor/shell_word.h"
 #include "row_writer.h"
+#include "text.h"
 
 namespace fs = std::filesystem;
 
@@ -55,7 +56,7 @@ std::string lastPart(const std::string& path, const std::string& folder)
 
 bool isMapper(const std::string& path)
 {
-    return path.rfind(mapperFolder, 0) == 0;
+    return command::startsWith(path, mapperFolder);
 }
 
 /// The names of the modules that claim a path.

@@ -5,17 +5,14 @@
 #include <string_view>
 #include <system_error>
 
+#include "text.h"
+
 namespace fs = std::filesystem;
 
 namespace {
 
 constexpr std::string_view mark = "mpath-";
 constexpr std::string_view partitionMark = "part";
-
-bool startsWith(std::string_view text, std::string_view beginning)
-{
-    return text.substr(0, beginning.size()) == beginning;
-}
 
 std::string firstLine(const fs::path& file)
 {

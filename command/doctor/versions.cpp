@@ -5,6 +5,8 @@
 
 #include <sys/utsname.h>
 
+#include "text.h"
+
 namespace {
 
 using command::Row;
@@ -17,7 +19,7 @@ Row systemName()
     const std::string key = "PRETTY_NAME=\"";
     std::ifstream file("/etc/os-release");
     for (std::string line; std::getline(file, line);) {
-        if (line.rfind(key, 0) == 0)
+        if (command::startsWith(line, key))
             return line.substr(key.size(), line.find('"', key.size()) - key.size());
     }
     return nullptr;
