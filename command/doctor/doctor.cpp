@@ -10,8 +10,10 @@
 #include "device_row.h"
 #include "doctor/device_examination.h"
 #include "doctor/finding_output.h"
+#include "doctor/findings.h"
 #include "doctor/kernel_maps.h"
 #include "doctor/tool_examination.h"
+#include "doctor/trace_recorder.h"
 #include "doctor/versions.h"
 #include "drivers.h"
 #include "explanation.h"
@@ -34,60 +36,6 @@ std::string now()
     char text[64];
     return {text, std::strftime(text, sizeof text, "%FT%T%z", &local)};
 }
-
-/// Takes the findings: as text they are written at once, for JSON they are kept.
-class Findings {
-public:
-    /// `output` is null for JSON.
-    explicit Findings(OutputStream* output) : m_output(output) {}
-
-    void take(const Finding& finding)
-    {
-        ++m_counts[finding.state];
-        m_rows.push_back(findingRow(finding));
-        if (m_output == nullptr)
-            return;
-        m_output->write(findingText(finding));
-        m_output->flush();
-    }
-
-    const FindingCounts& counts() const { return m_counts; }
-    const Row& rows() const { return m_rows; }
-
-private:
-    OutputStream* m_output;
-    FindingCounts m_counts;
-    Row m_rows = Row::array();
-};
-
-/// Keeps the trace lines that it gets, and hands them on to where the user wants them.
-class TraceRecorder {
-public:
-    explicit TraceRecorder(CZeTraceSinkHandle userSink) : m_userSink(userSink) {}
-
-    /// A log for lines to this recorder, which must outlive it.
-    CZeTraceLogHandle openLog()
-    {
-        CZeTraceLogHandle log = new CZeTraceLog;
-        log->setSink(new CZeTraceCallbackSink(
-            CZeTraceSink::everything,
-            [this](int level, std::string_view text) { take(level, text); }));
-        return log;
-    }
-
-    const Row& lines() const { return m_lines; }
-
-private:
-    void take(int level, std::string_view text)
-    {
-        m_lines.push_back({{"level", level}, {"text", text}});
-        if (m_userSink && m_userSink->wants(level))
-            m_userSink->write(level, text);
-    }
-
-    CZeTraceSinkHandle m_userSink;
-    Row m_lines = Row::array();
-};
 
 class Doctor {
 public:

@@ -1,0 +1,33 @@
+#ifndef DOCTOR_TRACE_RECORDER_H
+#define DOCTOR_TRACE_RECORDER_H
+
+#include <string_view>
+
+#include "pdk/include/czetracelog.h"
+#include "pdk/include/czetracesink.h"
+#include "row.h"
+
+namespace command {
+
+/// Keeps the trace lines that it gets, and hands them on to where the user wants them.
+class TraceRecorder {
+public:
+    /// `userSink` is empty when the user wants no lines.
+    explicit TraceRecorder(koze_pdk_4_4::CZeTraceSinkHandle userSink) : m_userSink(userSink) {}
+
+    /// A log for lines to this recorder, which must outlive it.
+    koze_pdk_4_4::CZeTraceLogHandle openLog();
+
+    /// level and text of each line, in order.
+    const Row& lines() const { return m_lines; }
+
+private:
+    void take(int level, std::string_view text);
+
+    koze_pdk_4_4::CZeTraceSinkHandle m_userSink;
+    Row m_lines = Row::array();
+};
+
+} // namespace command
+
+#endif
