@@ -68,8 +68,10 @@ command with status 130, 143, 129 or 131.
 
 -J, --trace and the statuses 1 and 2: see 'dmpclaim --help'.)";
 
-constexpr char sharedFooter[] =
+constexpr char tableFooter[] =
     "-J, -o, -n, -r, --trace and the exit status: see 'dmpclaim --help'.";
+
+constexpr char explainFooter[] = "-J, --trace and the exit status: see 'dmpclaim --help'.";
 
 /// Shows what follows an option's name as it is declared.
 class HelpFormatter : public CLI::Formatter {
@@ -116,15 +118,21 @@ void addGlobalOptions(CLI::App& app)
         ->take_last();
 }
 
-/// `columns` is null for a subcommand that prints no table.
-CLI::App* addSubcommand(CLI::App& app, const char* name, const char* help, std::string footer,
-                        const command::ColumnSet* columns)
+CLI::App* addSubcommand(CLI::App& app, const char* name, const char* help,
+                        const std::string& footer)
 {
     CLI::App* subcommand = app.add_subcommand(name, help);
-    if (columns != nullptr)
-        footer += "\n\nColumns: " + command::headings(columns->all) + "\n\n";
-    subcommand->footer(footer + sharedFooter);
+    subcommand->footer(footer);
     return subcommand;
+}
+
+/// One that prints a table.
+CLI::App* addSubcommand(CLI::App& app, const char* name, const char* help,
+                        const std::string& footer, const command::ColumnSet& columns)
+{
+    return addSubcommand(app, name, help,
+                         footer + "\n\nColumns: " + command::headings(columns.all) + "\n\n" +
+                             tableFooter);
 }
 
 CLI::Option* addPaths(CLI::App* subcommand)
@@ -142,7 +150,7 @@ CLI::Option* addPaths(CLI::App* subcommand)
 void addActive(CLI::App& app)
 {
     CLI::App* active = addSubcommand(app, "active", "Print the paths that carry the I/O now",
-                                     activeFooter, &command::activeColumns());
+                                     activeFooter, command::activeColumns());
     addPaths(active);
     addFlag(*active, "--refresh",
             "Remove the disk's node from the volume manager and scan\n"
@@ -160,29 +168,28 @@ void addActive(CLI::App& app)
 
 void addDoctor(CLI::App& app)
 {
-    CLI::App* doctor =
-        app.add_subcommand("doctor", "Tell what is wrong on this machine, and what to do");
-    doctor->footer(doctorFooter);
-    addPaths(doctor)->required(false);
+    addPaths(addSubcommand(app, "doctor", "Tell what is wrong on this machine, and what to do",
+                           doctorFooter))
+        ->required(false);
 }
 
 void addSubcommands(CLI::App& app)
 {
     using namespace command;
-    addSubcommand(app, "list", "Show this machine's block devices", rowsFooter, &deviceColumns());
+    addSubcommand(app, "list", "Show this machine's block devices", rowsFooter, deviceColumns());
     addPaths(addSubcommand(app, "show", "Show who owns paths, and what they name", rowsFooter,
-                           &deviceColumns()));
-    addPaths(addSubcommand(app, "explain", "Tell why, and warn of ambiguous names", "", nullptr));
+                           deviceColumns()));
+    addPaths(addSubcommand(app, "explain", "Tell why, and warn of ambiguous names", explainFooter));
     CLI::App* append = addSubcommand(app, "append", "Print the path of a partition of a disk",
-                                     bareFooter, &partitionColumns());
+                                     bareFooter, partitionColumns());
     append->add_option("DISK")->description("Path of a whole disk")->required();
     append->add_option("N")->description("Partition number, 0 to 4294967295")->required();
     addPaths(addSubcommand(app, "strip", "Print the paths of the disks that hold partitions",
-                           bareFooter, &diskColumns()));
+                           bareFooter, diskColumns()));
     addActive(app);
     addDoctor(app);
     addSubcommand(app, "prefixes", "Print the path prefixes that the drivers claim", bareFooter,
-                  &prefixColumns());
+                  prefixColumns());
 }
 
 } // namespace

@@ -160,6 +160,15 @@ Form chosenForm(const CLI::App& app, bool hasColumns, bool isTable)
     return isTable ? Form::table : Form::bare;
 }
 
+/// For a subcommand that prints no table.
+void rejectTableOptions(const CLI::App& app, const std::string& name)
+{
+    for (const char* option : {"--output", "--noheadings", "--raw"}) {
+        if (isGiven(app, option))
+            throw UsageError(name + " prints no columns and takes no " + option);
+    }
+}
+
 /// `name` is the subcommand's.
 void readOutput(const CLI::App& app, const std::string& name, Options& options)
 {
@@ -168,10 +177,10 @@ void readOutput(const CLI::App& app, const std::string& name, Options& options)
     const ColumnSet* columns = columnsOf(options);
     options.form = chosenForm(app, columns != nullptr, isTable);
     options.withHeadings = isTable && !isGiven(app, "--noheadings");
-    if (list && columns == nullptr)
-        throw UsageError(name + " prints no columns that --output could choose");
-    if (columns == nullptr)
+    if (columns == nullptr) {
+        rejectTableOptions(app, name);
         return;
+    }
     const std::vector<Column>& usual = options.form == Form::json ? columns->all : columns->usual;
     options.columns = list ? chosenColumns(*list, usual, columns->all) : usual;
 }

@@ -86,9 +86,4 @@ TEST(Output, NamesOfAMebibyteAreWhole)
     EXPECT_EQ(run({"explain", "-"}, input).output.find('\n'), disk.size() + 1);
 }
 
-TEST(Output, ExplanationsTakeNoNoticeOfTableOptions)
-{
-    EXPECT_EQ(run({"explain", "/dev/sda", "-n", "-r"}).output, run({"explain", "/dev/sda"}).output);
-}
-
 } // namespace

@@ -92,7 +92,7 @@ TEST(Options, TheOthersAnswerBareUnlessColumnsAreChosen)
     EXPECT_EQ(options({"append", "x", "1"}).form, Form::bare);
     EXPECT_EQ(options({"append", "x", "1", "-o", "PATH"}).form, Form::table);
     EXPECT_EQ(options({"append", "x", "1", "-o", "PATH", "-r"}).form, Form::raw);
-    EXPECT_EQ(options({"explain", "x", "-r"}).form, Form::text);
+    EXPECT_EQ(options({"explain", "x"}).form, Form::text);
     EXPECT_EQ(options({"explain", "x", "-J"}).form, Form::json);
 }
 
@@ -206,10 +206,18 @@ TEST(Options, FlagsTakeNoValue)
     EXPECT_EQ(complaint({"show", "x", "--null=1"}), "show: --null takes no value");
 }
 
-TEST(Options, ExplainAndDoctorHaveNoColumns)
+TEST(Options, ExplainAndDoctorTakeNoOptionsOfTables)
 {
-    EXPECT_THAT(complaint({"explain", "x", "-o", "NAME"}), HasSubstr("explain prints no columns"));
-    EXPECT_THAT(complaint({"doctor", "-o", "NAME"}), HasSubstr("doctor prints no columns"));
+    for (const std::string name : {"explain", "doctor"}) {
+        std::string reason = name + ": ";
+        reason += name + " prints no columns and takes no ";
+        EXPECT_EQ(complaint({name, "x", "-o", "NAME"}), reason + "--output");
+        EXPECT_EQ(complaint({name, "x", "-n"}), reason + "--noheadings");
+        EXPECT_EQ(complaint({name, "x", "-r"}), reason + "--raw");
+        EXPECT_EQ(complaint({name, "x", "-J", "-r"}), reason + "--raw");
+        EXPECT_THAT(information({name, "-h"}), testing::Not(HasSubstr("-n, ")));
+    }
+    EXPECT_THAT(information({"show", "-h"}), HasSubstr("-n, "));
 }
 
 TEST(Options, DoctorNeedsNoPathsAndPrintsText)
@@ -247,7 +255,7 @@ TEST(Options, HelpFitsATerminal)
     for (const Arguments& arguments :
          {Arguments{"-h"}, Arguments{"list", "-h"}, Arguments{"show", "-h"},
           Arguments{"explain", "-h"}, Arguments{"append", "-h"}, Arguments{"strip", "-h"},
-          Arguments{"active", "-h"}, Arguments{"prefixes", "-h"}}) {
+          Arguments{"active", "-h"}, Arguments{"prefixes", "-h"}, Arguments{"doctor", "-h"}}) {
         std::istringstream lines(information(arguments));
         for (std::string line; std::getline(lines, line);)
             EXPECT_LE(line.size(), 80U) << line;

@@ -216,11 +216,4 @@ TEST_F(Doctor, AnInterruptEndsTheToolThatHangs)
     EXPECT_EQ(log().size(), 1U);
 }
 
-TEST_F(Doctor, AChosenColumnIsBadUsage)
-{
-    const Result ended = run({"-o", "NAME"});
-    EXPECT_EQ(ended.status, 2);
-    EXPECT_THAT(ended.errors, HasSubstr("doctor prints no columns that --output could choose"));
-}
-
 } // namespace
