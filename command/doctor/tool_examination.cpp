@@ -2,8 +2,7 @@
 
 #include <utility>
 
-#include <unistd.h>
-
+#include "doctor/file_kind.h"
 #include "doctor/shell_word.h"
 #include "pdk/include/czeexecpipe.h"
 #include "tool_commands.h"
@@ -24,11 +23,6 @@ constexpr char devFolder[] = "/dev/";
 std::string programOf(const std::string& command)
 {
     return command.substr(0, command.find(' '));
-}
-
-bool isThere(const std::string& path)
-{
-    return access(path.c_str(), F_OK) == 0;
 }
 
 /// The first line with anything but blanks; empty when there is none.
@@ -71,7 +65,7 @@ void ToolExamination::examineTools()
 {
     const std::string adminTool = programOf(nodeQuery({}));
     const std::string diskTool = programOf(rescan({}));
-    if (!isThere(adminTool) && !isThere(diskTool)) {
+    if (fileKind(adminTool) == FileKind::none && fileKind(diskTool) == FileKind::none) {
         m_report({State::note, "KoVM",
                   "its tools are not installed: the active path of a native path is that path",
                   ""});
@@ -85,17 +79,20 @@ bool ToolExamination::examineTool(const std::string& tool, State unusable, const
 {
     CKoDMPSupport support;
     support.registerTraceLog(m_log);
-    if (support.isCommandAvailable("", tool.c_str())) {
-        m_report({State::ok, tool, "can be run", ""});
-        return true;
-    }
-    if (isThere(tool))
+    const bool mayBeExecuted = support.isCommandAvailable("", tool.c_str());
+    const FileKind kind = fileKind(tool);
+    if (kind == FileKind::none)
+        m_report({unusable, tool, std::string("is missing: ") + consequence,
+                  "Install the volume manager's package again."});
+    else if (kind != FileKind::regular)
+        m_report({unusable, tool, std::string("is no file: ") + consequence,
+                  "Move it away, and install the volume manager's package again."});
+    else if (!mayBeExecuted)
         m_report({unusable, tool, std::string("may not be executed: ") + consequence,
                   "Run this as root; if it stays so, mend the file's mode: chmod 755 " + tool});
     else
-        m_report({unusable, tool, std::string("is missing: ") + consequence,
-                  "Install the volume manager's package again."});
-    return false;
+        m_report({State::ok, tool, "can be run", ""});
+    return mayBeExecuted && kind == FileKind::regular;
 }
 
 void ToolExamination::examineDisk(const std::string& path)
@@ -140,7 +137,7 @@ void ToolExamination::examinePathOf(const std::string& path, const std::string& 
     if (!reading.isEnabled)
         m_report({State::warning, path, text + ", which is not enabled, as no path of the node is",
                   "Check the cables and the array; lookups return this path all the same."});
-    else if (!isThere(active))
+    else if (fileKind(active) == FileKind::none)
         m_report({State::warning, path, text + ", which does not exist here",
                   "If the kernel has no such disk either, " + refreshing(path)});
     else

@@ -6,6 +6,43 @@
 #include "command/doctor/finding_output.h"
 #include "tests/support/scripted_tools.h"
 
+#include <cerrno>
+#include <map>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+/// What `stat` says of the tools and of what stands in /dev: tools are files, the others block
+/// devices, but for these. ScriptedTools tells what is missing.
+std::map<std::string, mode_t>& scriptedModes()
+{
+    static std::map<std::string, mode_t> modes;
+    return modes;
+}
+
+} // namespace
+
+extern "C" int stat(const char* name, struct stat* file) noexcept
+{
+    const std::string path = name;
+    const bool isTool = path.rfind("/usr/sbin/", 0) == 0;
+    ScriptedTools* tools = ScriptedTools::current();
+    if (tools == nullptr || (!isTool && path.rfind("/dev/", 0) != 0))
+        return fstatat(AT_FDCWD, name, file, 0);
+    tools->events.push_back("stat " + path);
+    if (!tools->installed || tools->missing.count(path) > 0) {
+        errno = ENOENT;
+        return -1;
+    }
+    const auto mode = scriptedModes().find(path);
+    const mode_t usual = isTool ? S_IFREG : S_IFBLK;
+    *file = {};
+    file->st_mode = mode == scriptedModes().end() ? usual : mode->second;
+    return 0;
+}
+
 namespace {
 
 using command::Finding;
@@ -30,6 +67,8 @@ const std::vector<std::string> pathTable{"NAME    STATE    TYPE    CTLR",
 
 class ToolExamination : public testing::Test {
 protected:
+    ToolExamination() { scriptedModes().clear(); }
+
     void examine(const std::vector<std::string>& paths)
     {
         m_examination.examineTools();
@@ -85,7 +124,18 @@ TEST_F(ToolExamination, WithoutTheToolsNothingIsAsked)
     examine({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("note KoVM: its tools are not installed: the active path "
                                         "of a native path is that path"));
-    EXPECT_THAT(tools.events, Contains("access /usr/sbin/kodmpadm 0"));
+    EXPECT_THAT(tools.events, Contains("stat /usr/sbin/kodmpadm"));
+}
+
+TEST_F(ToolExamination, WhatIsNoFileIsNoTool)
+{
+    scriptedModes() = {{"/usr/sbin/kodmpadm", S_IFDIR}, {"/usr/sbin/kodisk", S_IFBLK}};
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(),
+                ElementsAre("error /usr/sbin/kodmpadm: is no file: active paths are not looked up",
+                            "warning /usr/sbin/kodisk: is no file: a lookup can neither scan nor "
+                            "remove disks"));
+    EXPECT_THAT(last().advice, StartsWith("Move it away"));
 }
 
 TEST_F(ToolExamination, AnAdministrationToolThatMayNotBeExecutedIsAnError)
