@@ -53,7 +53,8 @@ ended and not asked again.
 Every finding has a state: ok, note (good to know), warning (an answer may be
 wrong) or error (it is wrong, or none is given), and says what to do, if
 anything. A disk that the volume manager does not hold is a warning: a machine
-with such disks is watched by naming the others. JSON holds besides what
+with such disks is watched by naming the others. A PATH that does not exist is a
+warning, too, and one that is no block device an error. JSON holds besides what
 somebody who helps from afar needs: versions, modules (in the order in which
 they are asked), names, maps (of the kernel's device-mapper), commands (what the
 tools answered; for the status see 'dmpclaim active --help') and trace.

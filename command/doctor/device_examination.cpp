@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
 #include <system_error>
 
+#include "doctor/file_kind.h"
 #include "doctor/kernel_maps.h"
 #include "doctor/shell_word.h"
 #include "row_writer.h"
@@ -13,11 +15,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using command::FileKind;
+using command::fileKind;
 using command::KernelMap;
 using command::Row;
 using State = command::Finding::State;
 
+constexpr char devFolder[] = "/dev/";
 constexpr char mapperFolder[] = "/dev/mapper/";
+constexpr char makeMapNode[] = "Have the node made: dmsetup mknodes";
 
 /// A driver of the library, and its name in the kernel's list.
 struct Driver {
@@ -43,10 +49,10 @@ const char* presence(const fs::path& list, const std::string& name)
     return "not in the kernel";
 }
 
-bool isThere(const fs::path& path)
+/// Whether a device's node cannot be there for this.
+bool isInTheWay(FileKind kind)
 {
-    std::error_code error;
-    return fs::exists(path, error);
+    return kind != FileKind::none && kind != FileKind::blockDevice;
 }
 
 std::string lastPart(const std::string& path, const std::string& folder)
@@ -111,6 +117,14 @@ constexpr Difference differences[3][3] = {
       "Ask about the disk. Partitions are known by a 'p' and one digit: kpartx -a -p p"}},
     {falseClaim, falseClaim, {}}};
 
+/// What is known of a device besides its node.
+struct Device {
+    const char* noun; // what it is to the kernel
+    bool isKnown;     // to the kernel
+    std::string making;
+    const char* removing;
+};
+
 class DeviceExamination {
 public:
     DeviceExamination(const command::Places& places, const Row& names,
@@ -119,12 +133,19 @@ public:
           m_maps(command::kernelMaps(places.sysfsBlock))
     {}
 
-    void run()
+    void run(const std::vector<std::string>& given)
     {
         for (const Driver& driver : drivers)
             count(driver);
-        if (!canSeeKernel())
-            return;
+        if (canSeeKernel())
+            examineAll();
+        for (const std::string& path : given)
+            examineGiven(path);
+    }
+
+private:
+    void examineAll()
+    {
         for (const Row& row : m_names)
             examineName(row);
         for (const KernelMap& map : m_maps)
@@ -132,7 +153,6 @@ public:
         tellOfWarnings();
     }
 
-private:
     /// Without the kernel's devices every node would look left over.
     bool canSeeKernel()
     {
@@ -170,7 +190,7 @@ private:
         if (isMapper(path))
             examineMapperNode(path);
         else if (!names.empty())
-            examineNode(path);
+            examineDeviceNode(path);
     }
 
     void examineMapperNode(const std::string& path)
@@ -178,26 +198,71 @@ private:
         const std::string name = lastPart(path, mapperFolder);
         const bool isKnown = std::any_of(m_maps.begin(), m_maps.end(),
                                          [&](const KernelMap& map) { return map.name == name; });
-        if (!isKnown)
-            m_report({State::warning, path, "a node, but the kernel has no such map",
-                      "Have it removed: dmsetup mknodes"});
+        examineNode(path, {"map", isKnown, makeMapNode, "Have it removed: dmsetup mknodes"});
     }
 
     /// Of a native or PowerPath device.
-    void examineNode(const std::string& path)
+    void examineDeviceNode(const std::string& path)
     {
-        std::string name = lastPart(path, "/dev/");
-        const bool hasNode = isThere(m_places.dev / name);
+        std::string name = lastPart(path, devFolder);
         std::replace(name.begin(), name.end(), '/', '!');
-        const bool hasDevice = isThere(m_places.sysfsBlock / name);
-        if (hasDevice && !hasNode)
-            m_report({State::error, path, "a device of the kernel, but the node is missing",
-                      "Unless this is a container that is not to have it, make it with the "
-                      "numbers in /sys/class/block/" +
-                          name + "/dev: mknod " + command::shellWord(path) + " b MAJOR MINOR"});
-        if (hasNode && !hasDevice)
-            m_report({State::warning, path, "a node, but the kernel has no such device",
-                      "Check that its driver is loaded, else remove the node."});
+        const bool isKnown = fileKind(m_places.sysfsBlock / name) != FileKind::none;
+        examineNode(path, {"device", isKnown,
+                           "Unless this is a container that is not to have it, make the node with "
+                           "the numbers in /sys/class/block/" +
+                               name + "/dev: mknod " + command::shellWord(path) + " b MAJOR MINOR",
+                           "Check that its driver is loaded, else remove the node."});
+    }
+
+    void examineNode(const std::string& path, const Device& device)
+    {
+        const std::string known = std::string("a ") + device.noun + " of the kernel, but ";
+        const FileKind kind = kindOfNode(path);
+        if (kind == FileKind::blockDevice && !device.isKnown)
+            tellOfNode({State::warning, path,
+                        std::string("a node, but the kernel has no such ") + device.noun,
+                        device.removing});
+        else if (kind == FileKind::none && device.isKnown)
+            tellOfNode({State::error, path, known + "the node is missing", device.making});
+        else if (isInTheWay(kind) && device.isKnown)
+            tellOfNode(
+                {State::error, path, known + "what stands in the node's place is no block device",
+                 "Move that away, for it may hold what was meant for the disk. " + device.making});
+        else if (isInTheWay(kind))
+            tellOfNoDevice(path);
+    }
+
+    void examineGiven(const std::string& path)
+    {
+        const FileKind kind = kindOfNode(path);
+        if (m_nodesToldOf.count(path) > 0)
+            return;
+        if (kind == FileKind::none)
+            tellOfNode({State::warning, path, "does not exist",
+                        "Check the name. If the disk was here before, this host has lost it: check "
+                        "the cables and the array."});
+        else if (isInTheWay(kind))
+            tellOfNoDevice(path);
+    }
+
+    void tellOfNoDevice(const std::string& path)
+    {
+        tellOfNode({State::error, path, "is no block device",
+                    "Check the name. If this stands in the place of a disk that is lost, move it "
+                    "away: what is written to it reaches no disk."});
+    }
+
+    FileKind kindOfNode(const std::string& path) const
+    {
+        return fileKind(command::startsWith(path, devFolder)
+                            ? m_places.dev.string() + '/' + lastPart(path, devFolder)
+                            : path);
+    }
+
+    void tellOfNode(const command::Finding& finding)
+    {
+        m_nodesToldOf.insert(finding.subject);
+        m_report(finding);
     }
 
     void examineMap(const KernelMap& map)
@@ -208,8 +273,8 @@ private:
         if (row != m_names.end())
             compare(map, *row);
         else if (kindOf(map) != other)
-            m_report({State::error, path, "a map of the kernel, but the node is missing",
-                      "Have it made: dmsetup mknodes"});
+            tellOfNode(
+                {State::error, path, "a map of the kernel, but the node is missing", makeMapNode});
     }
 
     void compare(const KernelMap& map, const Row& row)
@@ -236,15 +301,17 @@ private:
     const Row& m_names;
     const command::FindingReceiver& m_report;
     std::vector<KernelMap> m_maps;
+    std::set<std::string> m_nodesToldOf;
 };
 
 } // namespace
 
 namespace command {
 
-void examineDevices(const Places& places, const Row& names, const FindingReceiver& report)
+void examineDevices(const Places& places, const Row& names, const std::vector<std::string>& given,
+                    const FindingReceiver& report)
 {
-    DeviceExamination(places, names, report).run();
+    DeviceExamination(places, names, report).run(given);
 }
 
 } // namespace command

@@ -2,6 +2,8 @@
 #define DOCTOR_DEVICE_EXAMINATION_H
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "doctor/finding.h"
 #include "row.h"
@@ -16,8 +18,10 @@ struct Places {
 };
 
 /// Holds what the library says of a machine's block devices against what the kernel has. `names`
-/// are their explanations.
-void examineDevices(const Places& places, const Row& names, const FindingReceiver& report);
+/// are their explanations. The paths in `given` are expected to be block devices, whoever owns
+/// them.
+void examineDevices(const Places& places, const Row& names, const std::vector<std::string>& given,
+                    const FindingReceiver& report);
 
 } // namespace command
 

@@ -56,7 +56,7 @@ public:
             askAboutAll();
         else
             askAboutGiven();
-        examineDevices(places, m_names, m_receiver);
+        examineDevices(places, m_names, m_given, m_receiver);
     }
 
     /// What a support engineer asks for, but for findings and trace.
@@ -91,6 +91,7 @@ private:
     {
         PathSource paths = wantedPaths(m_options, [] {});
         while (const std::optional<std::string> path = paths.next()) {
+            m_given.push_back(*path);
             const Row row = deviceRow(m_manager, *path);
             if (row["owner"] == "native")
                 m_tools.examineDisk(*path);
@@ -106,6 +107,7 @@ private:
     std::vector<std::unique_ptr<CDmpDeviceClaimBase>> m_modules;
     ToolExamination m_tools;
     Row m_names = Row::array();
+    std::vector<std::string> m_given;
 };
 
 int exitStatus(const FindingCounts& counts)

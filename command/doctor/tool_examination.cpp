@@ -134,10 +134,16 @@ void ToolExamination::examinePathOf(const std::string& path, const std::string& 
     }
     const std::string active = devFolder + reading.name;
     const std::string text = "node " + node + ", active path " + active;
-    if (!reading.isEnabled)
+    const FileKind kind = fileKind(active);
+    if (kind != FileKind::blockDevice && kind != FileKind::none)
+        m_report({State::error, path, text + ", which is no block device here",
+                  "Move that away, for it may hold what was meant for the disk. For its node, ask: "
+                  "dmpclaim doctor " +
+                      shellWord(active)});
+    else if (!reading.isEnabled)
         m_report({State::warning, path, text + ", which is not enabled, as no path of the node is",
                   "Check the cables and the array; lookups return this path all the same."});
-    else if (fileKind(active) == FileKind::none)
+    else if (kind == FileKind::none)
         m_report({State::warning, path, text + ", which does not exist here",
                   "If the kernel has no such disk either, " + refreshing(path)});
     else

@@ -12,6 +12,7 @@ namespace {
 
 using command::Finding;
 using command::Row;
+using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -39,7 +40,7 @@ protected:
     std::string adviceFor(const std::string& subject) const
     {
         std::string advice;
-        command::examineDevices(machine.places(), names(), [&](const Finding& finding) {
+        command::examineDevices(machine.places(), names(), given, [&](const Finding& finding) {
             if (finding.subject == subject)
                 advice += finding.advice;
         });
@@ -49,7 +50,7 @@ protected:
     std::vector<std::string> all(const Row& rows) const
     {
         std::vector<std::string> lines;
-        command::examineDevices(machine.places(), rows, [&](const Finding& finding) {
+        command::examineDevices(machine.places(), rows, given, [&](const Finding& finding) {
             lines.push_back(std::string(command::stateName(finding.state)) + ' ' + finding.subject +
                             ": " + finding.text);
             const bool mustAct = finding.state != Finding::State::ok;
@@ -70,6 +71,7 @@ protected:
     }
 
     FakeMachine machine;
+    std::vector<std::string> given;
 };
 
 TEST_F(DeviceExamination, TheDriversAreCounted)
@@ -142,6 +144,78 @@ TEST_F(DeviceExamination, ANodeIsLeftBehind)
                             "warning /dev/mapper/mpatha: a node, but the kernel has no such map"));
 }
 
+TEST_F(DeviceExamination, SomethingStandsInANodesPlace)
+{
+    machine.addDevice("sda");
+    machine.addFile("sda");
+    machine.addMap("mpatha", "mpath-3600");
+    machine.addFile("mapper/mpatha");
+    machine.addFile("emcpowera");
+    machine.addFile("mapper/mpathb");
+    EXPECT_THAT(findings(),
+                ElementsAre("error /dev/emcpowera: is no block device",
+                            "error /dev/mapper/mpatha: a map of the kernel, but what stands in the "
+                            "node's place is no block device",
+                            "error /dev/mapper/mpathb: is no block device",
+                            "error /dev/sda: a device of the kernel, but what stands in the "
+                            "node's place is no block device"));
+    EXPECT_THAT(adviceFor("/dev/sda"),
+                AllOf(StartsWith("Move that away"), EndsWith(": mknod /dev/sda b MAJOR MINOR")));
+    EXPECT_THAT(adviceFor("/dev/mapper/mpatha"),
+                AllOf(StartsWith("Move that away"), HasSubstr(" made: dmsetup mknodes")));
+}
+
+TEST_F(DeviceExamination, ALinkToNowhereIsNoNode)
+{
+    machine.addMap("mpatha", "mpath-3600");
+    std::filesystem::create_symlink("../dm-0", machine.places().dev / "mapper/mpatha");
+    EXPECT_THAT(findings(), ElementsAre("error /dev/mapper/mpatha: a map of the kernel, but the "
+                                        "node is missing"));
+}
+
+TEST_F(DeviceExamination, GivenPathsAreBlockDevices)
+{
+    machine.addDeviceWithNode("sda");
+    machine.addNode("nvme0n1");
+    machine.addFile("sdb");
+    given = {"/dev/sda",    "/dev/sdc",
+             "/dev/sdc",    "/dev/nvme0n1",
+             "/dev/sdb",    "/dev/nvme0n2",
+             "/dev/mapper", machine.places().dev / "sda",
+             "sda",         ""};
+    EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: does not exist",
+                                        "error /dev/sdb: is no block device",
+                                        "warning /dev/nvme0n2: does not exist",
+                                        "error /dev/mapper: is no block device",
+                                        "warning sda: does not exist", "warning : does not exist"));
+    EXPECT_THAT(adviceFor("/dev/sdb"), HasSubstr("reaches no disk"));
+    EXPECT_THAT(adviceFor("/dev/sdc"), HasSubstr("lost it"));
+}
+
+TEST_F(DeviceExamination, WhatWasSaidOfANodeIsNotSaidAgain)
+{
+    machine.addDevice("sda");
+    machine.addDevice("sdb");
+    machine.addFile("sdb");
+    machine.addFile("emcpowera");
+    machine.addMap("mpatha", "mpath-3600");
+    const std::vector<std::string> before = all();
+    given = {"/dev/sda", "/dev/sdb", "/dev/emcpowera", "/dev/mapper/mpatha"};
+    EXPECT_EQ(all(), before);
+    EXPECT_EQ(before.size(), 3 + given.size());
+}
+
+TEST_F(DeviceExamination, GivenPathsAreLookedAtWithoutTheKernelsDevices)
+{
+    machine.addNode("sda");
+    machine.addFile("sdb");
+    std::filesystem::remove(machine.places().sysfsBlock);
+    given = {"/dev/sda", "/dev/sdb", "/dev/sdc"};
+    EXPECT_THAT(findings(),
+                ElementsAre(HasSubstr("cannot be read"), "error /dev/sdb: is no block device",
+                            "warning /dev/sdc: does not exist"));
+}
+
 TEST_F(DeviceExamination, ADeviceThatVanishesMeanwhileIsNotMissed)
 {
     machine.addDeviceWithNode("sda");
@@ -171,7 +245,7 @@ TEST_F(DeviceExamination, AdviceNamesTheCommand)
     EXPECT_THAT(adviceFor("/dev/sda"),
                 EndsWith("/sys/class/block/sda/dev: mknod /dev/sda b MAJOR MINOR"));
     EXPECT_THAT(adviceFor("/dev/sdb;x"), EndsWith(": mknod '/dev/sdb;x' b MAJOR MINOR"));
-    EXPECT_EQ(adviceFor("/dev/mapper/mpatha"), "Have it made: dmsetup mknodes");
+    EXPECT_EQ(adviceFor("/dev/mapper/mpatha"), "Have the node made: dmsetup mknodes");
     EXPECT_THAT(adviceFor("/dev/mapper/mpathb"), StartsWith("Have it removed: dmsetup mknodes"));
 }
 

@@ -4,6 +4,7 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
@@ -32,6 +33,8 @@ protected:
                                          places.drivers,
                                          "env",
                                          "--default-signal=INT,TERM,HUP,PIPE",
+                                         "LD_PRELOAD=" FAKE_NODES,
+                                         "ASAN_OPTIONS=verify_asan_link_order=0",
                                          DMPCLAIM_COMMAND,
                                          "doctor"};
         command.insert(command.end(), arguments.begin(), arguments.end());
@@ -96,6 +99,7 @@ TEST_F(Doctor, AsksAboutTheGivenPathsOnly)
 {
     for (const char* name : {"sdb", "sdc"})
         machine.addDeviceWithNode(name);
+    machine.addMapWithNode("mpatha", "mpath-1");
     const Result ended = run({"/dev/mapper/mpatha", "-"}, "/dev/sdc\n");
     EXPECT_THAT(splitLines(ended.output),
                 AllOf(Contains("ok       /dev/sdc: node arr0_17, active path /dev/sdb"),
@@ -103,6 +107,29 @@ TEST_F(Doctor, AsksAboutTheGivenPathsOnly)
                       Contains("note     /dev/mapper/mpatha: no native path: the volume manager "
                                "is not asked")));
     EXPECT_EQ(ended.status, 0);
+}
+
+TEST_F(Doctor, AGivenDiskThatIsGoneIsAWarning)
+{
+    machine.addDeviceWithNode("sdb");
+    const Result ended = run({"/dev/sdc"});
+    EXPECT_THAT(splitLines(ended.output),
+                AllOf(Contains("ok       /dev/sdc: node arr0_17, active path /dev/sdb"),
+                      Contains("warning  /dev/sdc: does not exist")));
+    EXPECT_EQ(ended.status, 64);
+    EXPECT_EQ(run({"/dev/nvme0n1"}).status, 64);
+    EXPECT_EQ(run({"-"}, "/dev/sdc\n").status, 64);
+    EXPECT_EQ(run({"/dev/sdb"}).status, 0);
+}
+
+TEST_F(Doctor, AFileInTheActivePathsPlaceIsAnError)
+{
+    machine.addDeviceWithNode("sdc");
+    machine.addFile("sdb");
+    const Result ended = run();
+    EXPECT_THAT(ended.output, HasSubstr("\nerror    /dev/sdc: node arr0_17, active path /dev/sdb, "
+                                        "which is no block"));
+    EXPECT_EQ(ended.status, 32);
 }
 
 TEST_F(Doctor, JsonHoldsWhatSomebodyWhoHelpsNeeds)

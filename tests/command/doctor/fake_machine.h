@@ -8,7 +8,8 @@
 #include "command/doctor/device_examination.h"
 #include "tests/support/temporary_folder.h"
 
-/// Folders that look like those of a machine with block devices; none at first.
+/// Folders that look like those of a machine with block devices; none at first. The nodes pass for
+/// block devices where fake_nodes.cpp takes the place of `stat`.
 class FakeMachine {
 public:
     FakeMachine()
@@ -31,7 +32,16 @@ public:
         std::filesystem::create_directories(m_places.sysfsBlock / name);
     }
 
-    void addNode(const std::string& name) { std::ofstream(m_places.dev / name).put('\n'); }
+    void addNode(const std::string& name)
+    {
+        using std::filesystem::perms;
+        addFile(name);
+        permissions(m_places.dev / name,
+                    perms::owner_read | perms::owner_write | perms::sticky_bit);
+    }
+
+    /// A file among the nodes that is none.
+    void addFile(const std::string& name) { std::ofstream(m_places.dev / name).put('\n'); }
 
     void addDeviceWithNode(const std::string& name)
     {

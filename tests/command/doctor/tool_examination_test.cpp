@@ -198,6 +198,19 @@ TEST_F(ToolExamination, AnActivePathThatDoesNotExistIsAWarning)
     EXPECT_THAT(last().advice, HasSubstr("dmpclaim active --refresh /dev/sdc"));
 }
 
+TEST_F(ToolExamination, AnActivePathThatIsNoBlockDeviceIsAnError)
+{
+    scriptedModes() = {{"/dev/sdb", S_IFREG}};
+    for (const char* state : {"ENABLED(A)", "DISABLED"}) {
+        tools.answer(nodeQuery, 0, nodeTable);
+        tools.answer(pathQuery, 0, {"NAME", "====", std::string("sdb ") + state + " PRIMARY c1"});
+        examine({"/dev/sdc"});
+        EXPECT_EQ(findings().back(), "error /dev/sdc: node arr0_17, active path /dev/sdb, which is "
+                                     "no block device here");
+        EXPECT_THAT(last().advice, AllOf(StartsWith("Move that away"), EndsWith(" /dev/sdb")));
+    }
+}
+
 TEST_F(ToolExamination, ATableWithoutANodeIsAWarning)
 {
     tools.answer(nodeQuery, 0, {"NAME", "===="});
