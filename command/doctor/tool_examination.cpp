@@ -18,6 +18,9 @@ namespace {
 /// Far longer than an answer takes, and short enough for somebody who waits for this one.
 constexpr unsigned long limitSeconds = 30;
 
+/// The status for a name that the tool does not know.
+constexpr int unknownName = 1;
+
 constexpr char devFolder[] = "/dev/";
 
 std::string programOf(const std::string& command)
@@ -42,6 +45,29 @@ std::string ending(int status)
     if (status > CZeExecPipeBase::killedBySignal)
         return "signal " + std::to_string(status - CZeExecPipeBase::killedBySignal) + " ended it";
     return "status " + std::to_string(status);
+}
+
+/// `path` is a partition's or a disk's; `remedy` is for a disk.
+std::string helpForUnknown(const std::string& path, const std::string& remedy)
+{
+    unsigned int partnum = 0;
+    const std::string disk = CNativePathClaim().removePartitionSuffix(path, partnum);
+    if (disk == path)
+        return remedy;
+    return "The volume manager knows disks, not their partitions. Ask about the disk: dmpclaim "
+           "doctor " +
+           shellWord(disk);
+}
+
+/// `remedy` is for a name that the tool does not know.
+std::string helpForFailure(int status, const std::string& remedy)
+{
+    if (status == unknownName)
+        return remedy;
+    if (status < CZeExecPipeBase::killedBySignal)
+        return "This need not be about the disk: check that the volume manager runs, then run the "
+               "command by hand.";
+    return "Run it by hand; the system's log may tell more.";
 }
 
 /// Also says what it costs.
@@ -108,15 +134,16 @@ std::string ToolExamination::nodeOf(const std::string& path)
 {
     const std::string disk = CNativePathClaim().removeDevPrefix(path);
     const Question question{path, nodeQuery(disk),
-                            "If the disk was found a moment ago, scan it: dmpclaim active " +
-                                shellWord(path)};
+                            helpForUnknown(path, "If the disk was found a moment ago, scan it: "
+                                                 "dmpclaim active " +
+                                                     shellWord(path))};
     const std::optional<Lines> answer = answerTo(question);
     if (!answer)
         return {};
     const TableReading reading = readNode(*answer);
     if (reading.name.empty())
         tellOfNothing(question, reading.fault, "no node",
-                      "Have the disk scanned: " + rescan({shellWord(disk)}));
+                      helpForUnknown(path, "Have the disk scanned: " + rescan({shellWord(disk)})));
     return reading.name;
 }
 
@@ -191,9 +218,7 @@ void ToolExamination::tellOfFailure(const Question& question, int status, const 
     m_report(
         {State::warning, question.path,
          ending(status) + (words.empty() ? "" : ", '" + words + "'") + " from: " + question.command,
-         status < CZeExecPipeBase::killedBySignal
-             ? question.remedy
-             : "Run it by hand; the system's log may tell more."});
+         helpForFailure(status, question.remedy)});
 }
 
 /// `remedy` is for a table that lacks the row.

@@ -41,7 +41,7 @@ private:
     struct Question {
         std::string path;
         std::string command;
-        std::string remedy; // what may help when the tool knows no answer
+        std::string remedy; // what may help when the tool does not know the device
     };
 
     bool examineTool(const std::string& tool, Finding::State unusable, const char* consequence);

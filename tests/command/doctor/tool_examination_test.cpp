@@ -336,13 +336,43 @@ TEST_F(ToolExamination, AdviceDependsOnWhatFailed)
     tools.answer(nodeQuery, 0, {"NAME", "===="});
     examine({"/dev/sdc"});
     EXPECT_THAT(last().advice, EndsWith("scanned: /usr/sbin/kodisk   scandisks  device=sdc"));
-    tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 255);
+    tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 1);
     examine({"/dev/sdc"});
     EXPECT_THAT(last().advice, AllOf(HasSubstr("removes the node"),
                                      EndsWith("dmpclaim active --refresh /dev/sdc")));
-    tools.answer(nodeQuery, CZeExecPipeBase::killedBySignal + 1);
-    examine({"/dev/sdc"});
-    EXPECT_THAT(last().advice, StartsWith("Run it by hand"));
+    for (const int status : {CZeExecPipeBase::killedBySignal + 1, CZeExecPipeBase::statusUnknown}) {
+        tools.answer(nodeQuery, status);
+        examine({"/dev/sdc"});
+        EXPECT_THAT(last().advice, StartsWith("Run it by hand"));
+    }
+}
+
+TEST_F(ToolExamination, AFailureThatIsNotAboutTheNameIsNoReasonToScanOrRemove)
+{
+    for (const int status : {2, 255}) {
+        tools.answer(nodeQuery, status);
+        examine({"/dev/sdc"});
+        EXPECT_THAT(last().advice, HasSubstr("check that the volume manager runs"));
+        EXPECT_THAT(last().advice, Not(HasSubstr("dmpclaim")));
+        tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, status);
+        examine({"/dev/sdc"});
+        EXPECT_THAT(last().advice, HasSubstr("check that the volume manager runs"));
+        EXPECT_THAT(last().advice, Not(HasSubstr("dmpclaim")));
+    }
+}
+
+TEST_F(ToolExamination, WhoAsksAboutAPartitionIsToldToAskAboutTheDisk)
+{
+    const std::string query = "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc12";
+    tools.answer(query, 1);
+    examine({"/dev/sdc12"});
+    EXPECT_THAT(last().advice, EndsWith("Ask about the disk: dmpclaim doctor /dev/sdc"));
+    tools.answer(query, 0, {"NAME", "===="});
+    examine({"/dev/sdc12"});
+    EXPECT_THAT(last().advice, EndsWith("Ask about the disk: dmpclaim doctor /dev/sdc"));
+    tools.answer(query, 3);
+    examine({"/dev/sdc12"});
+    EXPECT_THAT(last().advice, HasSubstr("check that the volume manager runs"));
 }
 
 TEST_F(ToolExamination, AdviceMayBePastedIntoAShell)
