@@ -15,14 +15,18 @@ std::string wrapped(std::string_view text, std::size_t indent)
     std::string result;
     std::size_t column = indent;
     while (!text.empty()) {
-        const std::string_view word = text.substr(0, std::min(text.find(' '), text.size()));
-        text.remove_prefix(std::min(word.size() + 1, text.size()));
-        if (column > indent && column + 1 + word.size() > lineWidth) {
+        const std::size_t blanks = std::min(text.find_first_not_of(' '), text.size());
+        text.remove_prefix(blanks);
+        const std::string_view word = text.substr(0, text.find(' '));
+        text.remove_prefix(word.size());
+        if (word.empty())
+            break;
+        if (column > indent && column + blanks + word.size() > lineWidth) {
             result += '\n' + std::string(indent, ' ');
             column = indent;
-        } else if (column > indent) {
-            result += ' ';
-            ++column;
+        } else {
+            result.append(blanks, ' ');
+            column += blanks;
         }
         result += word;
         column += word.size();

@@ -26,6 +26,15 @@ TEST(Wrapped, BlanksWithinALineStay)
               "kodmpadm   getdmpnode  nodename=sdc");
 }
 
+TEST(Wrapped, NoBlanksAreLeftWhereALineEnds)
+{
+    const std::string start(75, 'x');
+    EXPECT_EQ(wrapped(start + "   y   z", 0), start + "   y\nz");
+    EXPECT_EQ(wrapped(start + "    y", 2), start + "\n  y");
+    EXPECT_EQ(wrapped("x   ", 0), "x");
+    EXPECT_EQ(wrapped("  x", 0), "  x");
+}
+
 TEST(Wrapped, AWordThatFitsNoLineGetsItsOwn)
 {
     const std::string word(100, 'x');
