@@ -12,9 +12,10 @@ struct Finding {
     enum class State { ok, note, warning, error };
 
     State state;
-    std::string subject; // a device, a tool or a driver
-    std::string text;    // what was found
-    std::string advice;  // what to do; empty when nothing need be done
+    std::string subject;      // a device, a tool or a driver
+    std::string text;         // what was found
+    std::string advice;       // what to do; empty when nothing need be done
+    std::string command = {}; // that the text ends with; empty when it names none
 };
 
 /// Takes the findings as they come.

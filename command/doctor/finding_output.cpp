@@ -12,6 +12,12 @@ std::string counted(std::size_t count, const char* noun)
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
+/// A line that is not wrapped: half a command is not to be pasted into a shell.
+std::string unbroken(const std::string& text)
+{
+    return std::string(indent, ' ') + command::printable(text) + '\n';
+}
+
 } // namespace
 
 namespace command {
@@ -35,9 +41,10 @@ std::string findingText(const Finding& finding)
     std::string text = stateName(finding.state);
     text.resize(indent, ' ');
     text += wrapped(printable(finding.subject + ": " + finding.text), indent) + '\n';
-    // Not wrapped: half a command is not to be pasted into a shell.
+    if (!finding.command.empty())
+        text += unbroken(finding.command);
     if (!finding.advice.empty())
-        text += std::string(indent, ' ') + printable("To do: " + finding.advice) + '\n';
+        text += unbroken("To do: " + finding.advice);
     return text;
 }
 
@@ -45,7 +52,7 @@ Row findingRow(const Finding& finding)
 {
     return {{"state", stateName(finding.state)},
             {"subject", finding.subject},
-            {"text", finding.text},
+            {"text", finding.command.empty() ? finding.text : finding.text + ' ' + finding.command},
             {"advice", finding.advice.empty() ? Row() : Row(finding.advice)}};
 }
 

@@ -188,8 +188,8 @@ std::optional<ToolExamination::Lines> ToolExamination::answerTo(const Question& 
         const RunningTool running(m_stop);
         status = runner.Exec(question.command, output, "", limitSeconds, "", "", "");
     } catch (const EZeExecPipe& error) {
-        giveUp(question.command, error.what(),
-               "Mend that; a damaged tool comes back with the volume manager's package.");
+        giveUp({State::error, programOf(question.command), error.what(),
+                "Mend that; a damaged tool comes back with the volume manager's package."});
         return {};
     }
     m_stop.check();
@@ -203,22 +203,21 @@ std::optional<ToolExamination::Lines> ToolExamination::answerTo(const Question& 
 void ToolExamination::tellOfFailure(const Question& question, int status, const Lines& output)
 {
     if (status == CZeExecPipeBase::deadlinePassed) {
-        giveUp(question.command,
-               "no answer within " + std::to_string(limitSeconds) +
-                   " seconds to: " + question.command,
-               "Find out what it waits for; a lookup waits 600 seconds for each command.");
+        giveUp({State::error, programOf(question.command),
+                "no answer within " + std::to_string(limitSeconds) + " seconds to:",
+                "Find out what it waits for; a lookup waits 600 seconds for each command.",
+                question.command});
         return;
     }
     if (status == CZeExecPipeBase::boundExceeded) {
-        giveUp(question.command, "too much output from: " + question.command,
-               "Run it by hand and look at what it prints.");
+        giveUp({State::error, programOf(question.command), "too much output from:",
+                "Run it by hand and look at what it prints.", question.command});
         return;
     }
     const std::string words = firstWords(output);
-    m_report(
-        {State::warning, question.path,
-         ending(status) + (words.empty() ? "" : ", '" + words + "'") + " from: " + question.command,
-         helpForFailure(status, question.remedy)});
+    m_report({State::warning, question.path,
+              ending(status) + (words.empty() ? "" : ", '" + words + "'") + " from:",
+              helpForFailure(status, question.remedy), question.command});
 }
 
 /// `remedy` is for a table that lacks the row.
@@ -226,20 +225,21 @@ void ToolExamination::tellOfNothing(const Question& question, const char* fault,
                                     const std::string& missing, const std::string& remedy)
 {
     if (fault == nullptr)
-        m_report({State::warning, question.path, missing + " in the table of: " + question.command,
-                  remedy});
+        m_report({State::warning, question.path, missing + " in the table of:", remedy,
+                  question.command});
     else
-        m_report({State::warning, question.path, fault + (" in the answer to: " + question.command),
+        m_report({State::warning, question.path, fault + std::string(" in the answer to:"),
                   "Run it by hand: what lookups can read begins with the header, which holds NAME, "
-                  "and a rule."});
+                  "and a rule.",
+                  question.command});
 }
 
 /// For failures that would come again.
-void ToolExamination::giveUp(const std::string& command, const std::string& text,
-                             const std::string& advice)
+void ToolExamination::giveUp(Finding finding)
 {
     m_canAsk = false;
-    m_report({State::error, programOf(command), text, advice + " Nothing more was asked."});
+    finding.advice += " Nothing more was asked.";
+    m_report(finding);
 }
 
 } // namespace command

@@ -51,7 +51,7 @@ private:
     void tellOfFailure(const Question& question, int status, const Lines& output);
     void tellOfNothing(const Question& question, const char* fault, const std::string& missing,
                        const std::string& remedy);
-    void giveUp(const std::string& command, const std::string& text, const std::string& advice);
+    void giveUp(Finding finding);
 
     koze_pdk_4_4::CZeTraceLogHandle m_log;
     StopRequest& m_stop;

@@ -31,10 +31,18 @@ TEST(FindingText, LongTextsAreWrappedButForCommandsThatAreAdvised)
                   "\n         To do: " + words + '\n');
 }
 
+TEST(FindingText, ACommandStandsOnALineOfItsOwnAsItIs)
+{
+    const std::string command = "tool   " + std::string(80, 'x') + "  y";
+    EXPECT_EQ(findingText({Finding::State::error, "a", "b from:", "look", command}),
+              "error    a: b from:\n         " + command + "\n         To do: look\n");
+}
+
 TEST(FindingText, ForgesNoLines)
 {
-    EXPECT_EQ(findingText({Finding::State::note, "a\n", "b\x1b", "c\r"}),
+    EXPECT_EQ(findingText({Finding::State::note, "a\n", "b\x1b", "c\r", "d\n"}),
               "note     a\\x0a: b\\x1b\n"
+              "         d\\x0a\n"
               "         To do: c\\x0d\n");
 }
 
@@ -43,6 +51,8 @@ TEST(FindingRow, HoldsTheTextsAsTheyAre)
     EXPECT_EQ(findingRow({Finding::State::error, "a\n", "b", "c"}),
               Row({{"state", "error"}, {"subject", "a\n"}, {"text", "b"}, {"advice", "c"}}));
     EXPECT_EQ(findingRow({Finding::State::ok, "a", "b", ""})["advice"], nullptr);
+    EXPECT_EQ(findingRow({Finding::State::error, "a", "b from:", "c", "d   e"})["text"],
+              "b from: d   e");
 }
 
 TEST(Summary, CountsWhatIsWrong)

@@ -85,7 +85,8 @@ protected:
         for (const Finding& finding : m_findings) {
             if (finding.text != "can be run")
                 lines.push_back(std::string(command::stateName(finding.state)) + ' ' +
-                                finding.subject + ": " + finding.text);
+                                finding.subject + ": " +
+                                command::findingRow(finding)["text"].get<std::string>());
         }
         return lines;
     }
@@ -244,13 +245,14 @@ TEST_F(ToolExamination, AFailureIsAWarningThatTellsWhatTheToolSaid)
 TEST_F(ToolExamination, EachEndingHasItsWords)
 {
     const std::pair<int, const char*> endings[] = {
-        {255, "status 255 from: "},
-        {CZeExecPipeBase::killedBySignal + 9, "signal 9 ended it from: "},
-        {CZeExecPipeBase::statusUnknown, "its status was lost from: "}};
+        {255, "status 255 from:"},
+        {CZeExecPipeBase::killedBySignal + 9, "signal 9 ended it from:"},
+        {CZeExecPipeBase::statusUnknown, "its status was lost from:"}};
     for (const auto& [status, words] : endings) {
         tools.answer(nodeQuery, status);
         examine({"/dev/sdc"});
-        EXPECT_THAT(last().text, StartsWith(words));
+        EXPECT_EQ(last().text, words);
+        EXPECT_EQ(last().command, nodeQuery);
     }
 }
 
