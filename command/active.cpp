@@ -129,7 +129,6 @@ void lookUpActivePaths(const Options& options, const RowReceiver& receiver)
         receiveAll(pool, receiver, line,
                    [&] { return progressOf(options, *workers, pool.handedOut()); });
     } catch (...) {
-        line.close();
         interrupt.endTools();
         throw;
     }

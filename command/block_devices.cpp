@@ -4,6 +4,8 @@
 #include <cstring>
 #include <system_error>
 
+#include "text.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -55,7 +57,7 @@ std::vector<std::string> blockDevices(const fs::path& sysfsBlock, const fs::path
     }
     for (const fs::directory_entry& node : entriesOf(dev)) {
         const std::string name = node.path().filename();
-        if (name.rfind(powerPathPrefix, 0) == 0 && !isControlNode(node))
+        if (startsWith(name, powerPathPrefix) && !isControlNode(node))
             paths.push_back("/dev/" + name);
     }
     std::sort(paths.begin(), paths.end(), comesBefore);

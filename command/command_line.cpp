@@ -155,8 +155,8 @@ void addActive(CLI::App& app)
     addPaths(active);
     addFlag(*active, "--refresh",
             "Remove the disk's node from the volume manager and scan\n"
-            "all disks before looking it up, with 10 seconds between\n"
-            "attempts. It removes the node each time!");
+            "all disks before looking it up, up to 4 times, with 10\n"
+            "seconds between. It removes the node each time!");
     addFlag(*active, "--dry-run",
             "Run nothing; print the commands and when each would run\n"
             "(columns: NAME, OWNER, COMMAND, WHEN)");

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include "active.h"
 #include "bare_output.h"
@@ -118,8 +118,10 @@ private:
     void list()
     {
         constexpr char sysfsBlock[] = "/sys/class/block";
-        if (!std::filesystem::is_directory(sysfsBlock))
-            throw std::runtime_error(std::string(sysfsBlock) + " is missing: is sysfs mounted?");
+        std::error_code error;
+        const std::filesystem::directory_iterator readable(sysfsBlock, error);
+        if (error)
+            throw std::system_error(error, std::string("cannot read ") + sysfsBlock);
         for (const std::string& path : blockDevices(sysfsBlock, "/dev"))
             write(deviceRow(m_manager, path));
     }

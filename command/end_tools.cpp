@@ -66,11 +66,12 @@ std::vector<Process> allProcesses()
     if (!isProcUsable())
         return processes;
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc", error)) {
-        const std::string name = entry.path().filename();
+    std::filesystem::directory_iterator entry("/proc", error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename();
         if (name.find_first_not_of("0123456789") != std::string::npos)
             continue;
-        if (const std::optional<Process> process = readProcess(entry.path()))
+        if (const std::optional<Process> process = readProcess(entry->path()))
             processes.push_back(*process);
     }
     return processes;
@@ -120,8 +121,10 @@ bool endTools(const StopRequest& stop, const std::set<pid_t>& others)
     for (;;) {
         const Clock::duration passed = Clock::now() - begin;
         const std::set<pid_t> alive = aliveGroups(known, others);
-        if ((!stop.toolsRun() && alive.empty()) || passed >= limit)
-            break;
+        if (!stop.toolsRun() && alive.empty())
+            return true;
+        if (passed >= limit)
+            return false;
         for (const pid_t group : alive) {
             if (passed >= grace)
                 kill(-group, SIGKILL);
@@ -130,7 +133,6 @@ bool endTools(const StopRequest& stop, const std::set<pid_t>& others)
         }
         std::this_thread::sleep_for(lookInterval);
     }
-    return !stop.toolsRun() || isProcUsable();
 }
 
 } // namespace command

@@ -16,9 +16,9 @@ std::set<pid_t> childProcesses();
 /// for what is left after half a second. Tools are the children that lead groups of their own, but
 /// for `others`. REQUIRES: `stop` is requested, so that no tool follows.
 ///
-/// Returns when none is left; at the latest after two seconds, when even SIGKILL ends one not,
-/// because it waits for a device. Only /proc tells which tools run: where it is missing, or shows
-/// another process namespace, none is ended, and the result is false if one is left.
+/// Returns true when none is left; false after two seconds, when even SIGKILL ends one not, because
+/// it waits for a device, or when nothing tells which tools run: /proc is missing, or shows another
+/// process namespace.
 [[nodiscard]] bool endTools(const StopRequest& stop, const std::set<pid_t>& others);
 
 } // namespace command

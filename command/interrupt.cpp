@@ -1,5 +1,6 @@
 #include "interrupt.h"
 
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -39,10 +40,10 @@ sigset_t takenSignals()
 
 /// A standard error that takes no output is waited for only a moment. Whoever holds the stream's
 /// lock is not waited for.
-void tellOfUnseenTools()
+void tellOfTools()
 {
     constexpr std::string_view line =
-        "dmpclaim: cannot tell from /proc which tools run: one may still be running\n";
+        "dmpclaim: a tool may still run: it did not end, or /proc does not show it\n";
     pollfd errors{STDERR_FILENO, POLLOUT, 0};
     if (poll(&errors, 1, 100) != 1)
         return;
@@ -53,8 +54,8 @@ void tellOfUnseenTools()
 
 namespace command {
 
-Interrupt::Interrupt(StopRequest& stop, std::function<void()> beforeExit)
-    : m_stop(stop), m_beforeExit(std::move(beforeExit)), m_earlierChildren(childProcesses()),
+Interrupt::Interrupt(StopRequest& stop, std::function<void()> afterTools)
+    : m_stop(stop), m_afterTools(std::move(afterTools)), m_earlierChildren(childProcesses()),
       m_taken(takenSignals())
 {
     sigset_t blocked = m_taken;
@@ -86,8 +87,15 @@ void Interrupt::finish()
 void Interrupt::endTools() const
 {
     m_stop.request();
-    if (!command::endTools(m_stop, m_earlierChildren))
-        tellOfUnseenTools();
+    bool areGone = false;
+    try {
+        areGone = command::endTools(m_stop, m_earlierChildren);
+    } catch (const std::bad_alloc&) {
+        areGone = false; // no memory to look for them
+    }
+    m_afterTools(); // may hang on a terminal that takes no output: the tools do not wait for that
+    if (!areGone)
+        tellOfTools();
 }
 
 void Interrupt::awaitSignal()
@@ -102,11 +110,7 @@ void Interrupt::awaitSignal()
 
 void Interrupt::end(int signal)
 {
-    m_stop.request();
-    const bool sawTools = command::endTools(m_stop, m_earlierChildren);
-    m_beforeExit(); // may hang on a terminal that takes no output: the tools do not wait for that
-    if (!sawTools)
-        tellOfUnseenTools();
+    endTools();
     _exit(128 + signal);
 }
 

@@ -24,9 +24,9 @@ namespace command {
 /// Children that the process had before the object are no tools. REQUIRES: no tool runs yet.
 class Interrupt {
 public:
-    /// `beforeExit` runs in another thread when a signal came and the tools are ended. Throws what
-    /// startThread throws; the signals then go through as before.
-    Interrupt(StopRequest& stop, std::function<void()> beforeExit);
+    /// `afterTools` runs after endTools has ended the tools, in the thread that takes the signals
+    /// or in the caller's. Throws what startThread throws; the signals then go through as before.
+    Interrupt(StopRequest& stop, std::function<void()> afterTools);
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
@@ -36,8 +36,8 @@ public:
     /// Takes no more signals. Does not return when one came before.
     void finish();
 
-    /// Makes the request and ends the tools, as a signal does; says so on standard error when it
-    /// cannot see whether one is left.
+    /// Makes the request and ends the tools, as a signal does; says on standard error when one may
+    /// be left.
     void endTools() const;
 
 private:
@@ -45,7 +45,7 @@ private:
     [[noreturn]] void end(int signal);
 
     StopRequest& m_stop;
-    std::function<void()> m_beforeExit;
+    std::function<void()> m_afterTools;
     std::set<pid_t> m_earlierChildren;
     sigset_t m_before{};
     sigset_t m_taken{};

@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "command_line.h"
+#include "text.h"
 #include "usage_error.h"
 
 using namespace command;
@@ -42,7 +43,7 @@ std::string plain(const std::string& value)
 void rejectEmptyValues(const std::vector<std::string>& arguments)
 {
     for (const std::string& argument : arguments) {
-        if (argument.rfind("--", 0) == 0 && argument.back() == '=')
+        if (command::startsWith(argument, "--") && argument.back() == '=')
             throw UsageError("option '" + argument + "' lacks its value");
     }
 }

@@ -65,6 +65,7 @@ void compare(CKoDMPSupport& support)
     std::string found = "old";
     FUZZ_REQUIRE(support.getKoVMDiskForOSDiskHandler("sda", found) == 0 || found.empty());
     FUZZ_REQUIRE(found == node.name);
+    FUZZ_REQUIRE(found.empty() || node.fault == nullptr);
     found = "old";
     const int result = support.getOSDiskHandleForKoVMDisk("node", found);
     FUZZ_REQUIRE(found == path.name);

@@ -55,7 +55,7 @@ bool isInTheWay(FileKind kind)
     return kind != FileKind::none && kind != FileKind::blockDevice;
 }
 
-std::string lastPart(const std::string& path, const std::string& folder)
+std::string behind(const std::string& path, const std::string& folder)
 {
     return path.substr(folder.size());
 }
@@ -195,7 +195,7 @@ private:
 
     void examineMapperNode(const std::string& path)
     {
-        const std::string name = lastPart(path, mapperFolder);
+        const std::string name = behind(path, mapperFolder);
         const bool isKnown = std::any_of(m_maps.begin(), m_maps.end(),
                                          [&](const KernelMap& map) { return map.name == name; });
         examineNode(path, {"map", isKnown, makeMapNode, "Have it removed: dmsetup mknodes"});
@@ -204,7 +204,7 @@ private:
     /// Of a native or PowerPath device.
     void examineDeviceNode(const std::string& path)
     {
-        std::string name = lastPart(path, devFolder);
+        std::string name = behind(path, devFolder);
         std::replace(name.begin(), name.end(), '/', '!');
         const bool isKnown = fileKind(m_places.sysfsBlock / name) != FileKind::none;
         examineNode(path, {"device", isKnown,
@@ -219,13 +219,13 @@ private:
         const std::string known = std::string("a ") + device.noun + " of the kernel, but ";
         const FileKind kind = kindOfNode(path);
         if (kind == FileKind::blockDevice && !device.isKnown)
-            tellOfNode({State::warning, path,
+            reportNode({State::warning, path,
                         std::string("a node, but the kernel has no such ") + device.noun,
                         device.removing});
         else if (kind == FileKind::none && device.isKnown)
-            tellOfNode({State::error, path, known + "the node is missing", device.making});
+            reportNode({State::error, path, known + "the node is missing", device.making});
         else if (isInTheWay(kind) && device.isKnown)
-            tellOfNode(
+            reportNode(
                 {State::error, path, known + "what stands in the node's place is no block device",
                  "Move that away, for it may hold what was meant for the disk. " + device.making});
         else if (isInTheWay(kind))
@@ -234,11 +234,11 @@ private:
 
     void examineGiven(const std::string& path)
     {
-        const FileKind kind = kindOfNode(path);
-        if (m_nodesToldOf.count(path) > 0)
+        if (m_reported.count(path) > 0)
             return;
+        const FileKind kind = kindOfNode(path);
         if (kind == FileKind::none)
-            tellOfNode({State::warning, path, "does not exist",
+            reportNode({State::warning, path, "does not exist, or this user cannot see it",
                         "Check the name. If the disk was here before, this host has lost it: check "
                         "the cables and the array."});
         else if (isInTheWay(kind))
@@ -247,7 +247,7 @@ private:
 
     void tellOfNoDevice(const std::string& path)
     {
-        tellOfNode({State::error, path, "is no block device",
+        reportNode({State::error, path, "is no block device",
                     "Check the name. If this stands in the place of a disk that is lost, move it "
                     "away: what is written to it reaches no disk."});
     }
@@ -255,13 +255,13 @@ private:
     FileKind kindOfNode(const std::string& path) const
     {
         return fileKind(command::startsWith(path, devFolder)
-                            ? m_places.dev.string() + '/' + lastPart(path, devFolder)
+                            ? m_places.dev.string() + '/' + behind(path, devFolder)
                             : path);
     }
 
-    void tellOfNode(const command::Finding& finding)
+    void reportNode(const command::Finding& finding)
     {
-        m_nodesToldOf.insert(finding.subject);
+        m_reported.insert(finding.subject);
         m_report(finding);
     }
 
@@ -273,7 +273,7 @@ private:
         if (row != m_names.end())
             compare(map, *row);
         else if (kindOf(map) != other)
-            tellOfNode(
+            reportNode(
                 {State::error, path, "a map of the kernel, but the node is missing", makeMapNode});
     }
 
@@ -301,7 +301,7 @@ private:
     const Row& m_names;
     const command::FindingReceiver& m_report;
     std::vector<KernelMap> m_maps;
-    std::set<std::string> m_nodesToldOf;
+    std::set<std::string> m_reported;
 };
 
 } // namespace

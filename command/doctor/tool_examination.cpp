@@ -18,9 +18,6 @@ namespace {
 /// Far longer than an answer takes, and short enough for somebody who waits for this one.
 constexpr unsigned long limitSeconds = 30;
 
-/// The status for a name that the tool does not know.
-constexpr int unknownName = 1;
-
 constexpr char devFolder[] = "/dev/";
 
 std::string programOf(const std::string& command)
@@ -57,17 +54,6 @@ std::string helpForUnknown(const std::string& path, const std::string& remedy)
     return "The volume manager knows disks, not their partitions. Ask about the disk: dmpclaim "
            "doctor " +
            shellWord(disk);
-}
-
-/// `remedy` is for a name that the tool does not know.
-std::string helpForFailure(int status, const std::string& remedy)
-{
-    if (status == unknownName)
-        return remedy;
-    if (status < CZeExecPipeBase::killedBySignal)
-        return "This need not be about the disk: check that the volume manager runs, then run the "
-               "command by hand.";
-    return "Run it by hand; the system's log may tell more.";
 }
 
 /// Also says what it costs.
@@ -111,7 +97,7 @@ bool ToolExamination::examineTool(const std::string& tool, State unusable, const
         m_report({unusable, tool, std::string("is missing: ") + consequence,
                   "Install the volume manager's package again."});
     else if (kind != FileKind::regular)
-        m_report({unusable, tool, std::string("is no file: ") + consequence,
+        m_report({unusable, tool, "is no file: lookups cannot run it",
                   "Move it away, and install the volume manager's package again."});
     else if (!mayBeExecuted)
         m_report({unusable, tool, std::string("may not be executed: ") + consequence,
@@ -134,7 +120,8 @@ std::string ToolExamination::nodeOf(const std::string& path)
 {
     const std::string disk = CNativePathClaim().removeDevPrefix(path);
     const Question question{path, nodeQuery(disk),
-                            helpForUnknown(path, "If the disk was found a moment ago, scan it: "
+                            helpForUnknown(path, "Check that the volume manager runs. If the disk "
+                                                 "was found a moment ago, scan it: "
                                                  "dmpclaim active " +
                                                      shellWord(path))};
     const std::optional<Lines> answer = answerTo(question);
@@ -149,7 +136,9 @@ std::string ToolExamination::nodeOf(const std::string& path)
 
 void ToolExamination::examinePathOf(const std::string& path, const std::string& node)
 {
-    const Question question{path, pathQuery(node), "If it fails again, " + refreshing(path)};
+    const Question question{path, pathQuery(node),
+                            "Check that the volume manager runs. If it fails again, " +
+                                refreshing(path)};
     const std::optional<Lines> answer = answerTo(question);
     if (!answer)
         return;
@@ -163,10 +152,11 @@ void ToolExamination::examinePathOf(const std::string& path, const std::string& 
     const std::string text = "node " + node + ", active path " + active;
     const FileKind kind = fileKind(active);
     if (kind != FileKind::blockDevice && kind != FileKind::none)
-        m_report({State::error, path, text + ", which is no block device here",
-                  "Move that away, for it may hold what was meant for the disk. For its node, ask: "
-                  "dmpclaim doctor " +
-                      shellWord(active)});
+        m_report(
+            {State::error, path, text + ", which is no block device here",
+             "Move that away, for it may hold what was meant for the disk." +
+                 (active == path ? ""
+                                 : " For its node, ask: dmpclaim doctor " + shellWord(active))});
     else if (!reading.isEnabled)
         m_report({State::warning, path, text + ", which is not enabled, as no path of the node is",
                   "Check the cables and the array; lookups return this path all the same."});
@@ -217,7 +207,10 @@ void ToolExamination::tellOfFailure(const Question& question, int status, const 
     const std::string words = firstWords(output);
     m_report({State::warning, question.path,
               ending(status) + (words.empty() ? "" : ", '" + words + "'") + " from:",
-              helpForFailure(status, question.remedy), question.command});
+              status < CZeExecPipeBase::killedBySignal
+                  ? question.remedy
+                  : "Run it by hand; the system's log may tell more.",
+              question.command});
 }
 
 /// `remedy` is for a table that lacks the row.

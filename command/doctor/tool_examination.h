@@ -41,7 +41,7 @@ private:
     struct Question {
         std::string path;
         std::string command;
-        std::string remedy; // what may help when the tool does not know the device
+        std::string remedy; // what may help when the tool fails
     };
 
     bool examineTool(const std::string& tool, Finding::State unusable, const char* consequence);

@@ -74,8 +74,8 @@ public:
     ///                host's. Looked up before the time limit begins.
     ///   environment  lines NAME=VALUE that replace or join the program's variables. These are
     ///                the host's, with LC_ALL=C and without LANGUAGE.
-    ///   input        text of standard input, no longer than a file of the host may be
-    ///                (RLIMIT_FSIZE); else it is /dev/null.
+    ///   input        text of standard input; else it is /dev/null. One that is longer than a
+    ///                file of the host may be (RLIMIT_FSIZE) is refused with EZeExecPipe.
     ///
     /// The program gets no other descriptor, default signal dispositions, no blocked or pending
     /// signal and a process group of its own. The call returns as soon as the program has ended and

@@ -183,11 +183,13 @@ TEST_F(DeviceExamination, GivenPathsAreBlockDevices)
              "/dev/sdb",    "/dev/nvme0n2",
              "/dev/mapper", machine.places().dev / "sda",
              "sda",         ""};
-    EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: does not exist",
-                                        "error /dev/sdb: is no block device",
-                                        "warning /dev/nvme0n2: does not exist",
-                                        "error /dev/mapper: is no block device",
-                                        "warning sda: does not exist", "warning : does not exist"));
+    EXPECT_THAT(findings(),
+                ElementsAre("warning /dev/sdc: does not exist, or this user cannot see it",
+                            "error /dev/sdb: is no block device",
+                            "warning /dev/nvme0n2: does not exist, or this user cannot see it",
+                            "error /dev/mapper: is no block device",
+                            "warning sda: does not exist, or this user cannot see it",
+                            "warning : does not exist, or this user cannot see it"));
     EXPECT_THAT(adviceFor("/dev/sdb"), HasSubstr("reaches no disk"));
     EXPECT_THAT(adviceFor("/dev/sdc"), HasSubstr("lost it"));
 }
@@ -213,7 +215,7 @@ TEST_F(DeviceExamination, GivenPathsAreLookedAtWithoutTheKernelsDevices)
     given = {"/dev/sda", "/dev/sdb", "/dev/sdc"};
     EXPECT_THAT(findings(),
                 ElementsAre(HasSubstr("cannot be read"), "error /dev/sdb: is no block device",
-                            "warning /dev/sdc: does not exist"));
+                            "warning /dev/sdc: does not exist, or this user cannot see it"));
 }
 
 TEST_F(DeviceExamination, ADeviceThatVanishesMeanwhileIsNotMissed)

@@ -32,7 +32,7 @@ protected:
                                          places.sysfsBlock,
                                          places.drivers,
                                          "env",
-                                         "--default-signal=INT,TERM,HUP,PIPE",
+                                         "--default-signal=INT,TERM,HUP,QUIT,PIPE",
                                          "LD_PRELOAD=" FAKE_NODES,
                                          "ASAN_OPTIONS=verify_asan_link_order=0",
                                          DMPCLAIM_COMMAND,
@@ -115,7 +115,7 @@ TEST_F(Doctor, AGivenDiskThatIsGoneIsAWarning)
     const Result ended = run({"/dev/sdc"});
     EXPECT_THAT(splitLines(ended.output),
                 AllOf(Contains("ok       /dev/sdc: node arr0_17, active path /dev/sdb"),
-                      Contains("warning  /dev/sdc: does not exist")));
+                      Contains("warning  /dev/sdc: does not exist, or this user cannot see it")));
     EXPECT_EQ(ended.status, 64);
     EXPECT_EQ(run({"/dev/nvme0n1"}).status, 64);
     EXPECT_EQ(run({"-"}, "/dev/sdc\n").status, 64);
@@ -241,6 +241,22 @@ TEST_F(Doctor, AnInterruptEndsTheToolThatHangs)
     EXPECT_EQ(ended.output, "ok       /usr/sbin/kodmpadm: can be run\n"
                             "ok       /usr/sbin/kodisk: can be run\n");
     EXPECT_EQ(log().size(), 1U);
+}
+
+TEST_F(Doctor, EveryInterruptHasItsStatus)
+{
+    useScenario("hanging-tool");
+    machine.addDeviceWithNode("sdb");
+    const std::pair<int, int> statuses[] = {
+        {SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}, {SIGQUIT, 131}};
+    for (const auto& [signal, status] : statuses) {
+        Process process(doctor({}));
+        process.receiveLine();
+        process.receiveLine();
+        process.signal(signal);
+        EXPECT_TRUE(process.endsWithin(3000));
+        EXPECT_EQ(process.finish().status, status);
+    }
 }
 
 } // namespace

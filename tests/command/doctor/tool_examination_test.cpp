@@ -133,9 +133,8 @@ TEST_F(ToolExamination, WhatIsNoFileIsNoTool)
     scriptedModes() = {{"/usr/sbin/kodmpadm", S_IFDIR}, {"/usr/sbin/kodisk", S_IFBLK}};
     examine({"/dev/sdc"});
     EXPECT_THAT(findings(),
-                ElementsAre("error /usr/sbin/kodmpadm: is no file: active paths are not looked up",
-                            "warning /usr/sbin/kodisk: is no file: a lookup can neither scan nor "
-                            "remove disks"));
+                ElementsAre("error /usr/sbin/kodmpadm: is no file: lookups cannot run it",
+                            "warning /usr/sbin/kodisk: is no file: lookups cannot run it"));
     EXPECT_THAT(last().advice, StartsWith("Move it away"));
 }
 
@@ -210,6 +209,11 @@ TEST_F(ToolExamination, AnActivePathThatIsNoBlockDeviceIsAnError)
                                      "no block device here");
         EXPECT_THAT(last().advice, AllOf(StartsWith("Move that away"), EndsWith(" /dev/sdb")));
     }
+    scriptedModes() = {{"/dev/sdc", S_IFREG}};
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, {"NAME", "====", "sdc ENABLED(A) PRIMARY c1"});
+    examine({"/dev/sdc"});
+    EXPECT_THAT(last().advice, AllOf(StartsWith("Move that away"), Not(HasSubstr("doctor"))));
 }
 
 TEST_F(ToolExamination, ATableWithoutANodeIsAWarning)
@@ -349,17 +353,17 @@ TEST_F(ToolExamination, AdviceDependsOnWhatFailed)
     }
 }
 
-TEST_F(ToolExamination, AFailureThatIsNotAboutTheNameIsNoReasonToScanOrRemove)
+TEST_F(ToolExamination, AFailureMayBeThatOfTheWholeVolumeManager)
 {
-    for (const int status : {2, 255}) {
+    for (const int status : {1, 2, 255}) {
         tools.answer(nodeQuery, status);
         examine({"/dev/sdc"});
-        EXPECT_THAT(last().advice, HasSubstr("check that the volume manager runs"));
-        EXPECT_THAT(last().advice, Not(HasSubstr("dmpclaim")));
+        EXPECT_THAT(last().advice, AllOf(StartsWith("Check that the volume manager runs. If "),
+                                         EndsWith("scan it: dmpclaim active /dev/sdc")));
         tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, status);
         examine({"/dev/sdc"});
-        EXPECT_THAT(last().advice, HasSubstr("check that the volume manager runs"));
-        EXPECT_THAT(last().advice, Not(HasSubstr("dmpclaim")));
+        EXPECT_THAT(last().advice, AllOf(StartsWith("Check that the volume manager runs. If "),
+                                         EndsWith("dmpclaim active --refresh /dev/sdc")));
     }
 }
 
@@ -374,7 +378,7 @@ TEST_F(ToolExamination, WhoAsksAboutAPartitionIsToldToAskAboutTheDisk)
     EXPECT_THAT(last().advice, EndsWith("Ask about the disk: dmpclaim doctor /dev/sdc"));
     tools.answer(query, 3);
     examine({"/dev/sdc12"});
-    EXPECT_THAT(last().advice, HasSubstr("check that the volume manager runs"));
+    EXPECT_THAT(last().advice, EndsWith("Ask about the disk: dmpclaim doctor /dev/sdc"));
 }
 
 TEST_F(ToolExamination, AdviceMayBePastedIntoAShell)
