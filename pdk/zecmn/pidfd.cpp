@@ -1,5 +1,6 @@
 #include "pidfd.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 
@@ -26,6 +27,13 @@ static_assert(sizeof(PidfdInfo) == 64, "the first published size");
 constexpr std::uint64_t exitInformation = 1U << 3;
 constexpr unsigned long getInfo = _IOWR(0xff, 11, PidfdInfo);
 
+bool askForExit(int pidfd, PidfdInfo& info)
+{
+    info = {};
+    info.mask = exitInformation;
+    return ioctl(pidfd, getInfo, &info) == 0;
+}
+
 } // namespace
 
 namespace koze_pdk_4_4::runner {
@@ -40,9 +48,10 @@ std::optional<int> statusOfReaped(int pidfd)
     // The status appears a moment after the process has left the wait calls' sight.
     const Deadline deadline(std::chrono::seconds(1));
     do {
-        PidfdInfo info{};
-        info.mask = exitInformation;
-        if (ioctl(pidfd, getInfo, &info) != 0)
+        PidfdInfo info;
+        // A process that is just being reaped may be found and then missed. It is not found again,
+        // and the status is there.
+        if (!askForExit(pidfd, info) && (errno != ESRCH || !askForExit(pidfd, info)))
             return std::nullopt;
         if ((info.mask & exitInformation) != 0)
             return info.exitCode;

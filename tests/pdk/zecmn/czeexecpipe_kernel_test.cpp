@@ -31,6 +31,7 @@ struct Kernel {
     bool interruptsWaits = false; // every other one
     int waits = 0;
     int exitInformationAfter = 0; // looks in vain before it is there
+    int missesProcess = 0;        // how often it says that there is no such process
     bool keepsExitInformation = true;
     bool sends = true;
     long hangsIn = 0; // the number of a call
@@ -126,6 +127,10 @@ extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept
         kernel != nullptr && _IOC_NR(request) == pidfdInfo && _IOC_TYPE(request) == 0xff;
     if (asksForExit && !kernel->keepsExitInformation)
         return deny(ENOTTY);
+    if (asksForExit && kernel->missesProcess > 0) {
+        --kernel->missesProcess;
+        return deny(ESRCH);
+    }
     const int result = realIoctl(descriptor, request, argument);
     if (asksForExit && result == 0 && kernel->exitInformationAfter > 0) {
         --kernel->exitInformationAfter;
@@ -326,6 +331,24 @@ TEST_F(ExecKernelThatReaps, AndKeepsTheStatusALittleLater)
         GTEST_SKIP() << "this kernel keeps no status";
     EXPECT_EQ(result, 3);
     EXPECT_EQ(m_kernel.asked, 3);
+}
+
+TEST_F(ExecKernelThatReaps, AndMissesTheProcessOnce)
+{
+    m_kernel.missesProcess = 1;
+    const int result = exec("exit_with 3");
+    EXPECT_EQ(m_kernel.asked, 1);
+    if (result == CZeExecPipeBase::statusUnknown)
+        GTEST_SKIP() << "this kernel keeps no status";
+    EXPECT_EQ(result, 3);
+}
+
+TEST_F(ExecKernelThatReaps, AndHasNoSuchProcessAnyMore)
+{
+    m_kernel.missesProcess = 2;
+    EXPECT_EQ(exec("exit_with 0"), CZeExecPipeBase::statusUnknown);
+    EXPECT_EQ(m_kernel.asked, 2);
+    EXPECT_EQ(m_kernel.missesProcess, 0);
 }
 
 TEST_F(ExecKernelThatReaps, AndNeverGetsRoundToTheStatus)
