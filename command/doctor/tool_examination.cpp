@@ -45,7 +45,7 @@ std::string ending(int status)
 }
 
 /// `path` is a partition's or a disk's; `remedy` is for a disk.
-std::string helpForUnknown(const std::string& path, const std::string& remedy)
+std::string helpFor(const std::string& path, const std::string& remedy)
 {
     unsigned int partnum = 0;
     const std::string disk = CNativePathClaim().removePartitionSuffix(path, partnum);
@@ -120,17 +120,17 @@ std::string ToolExamination::nodeOf(const std::string& path)
 {
     const std::string disk = CNativePathClaim().removeDevPrefix(path);
     const Question question{path, nodeQuery(disk),
-                            helpForUnknown(path, "Check that the volume manager runs. If the disk "
-                                                 "was found a moment ago, scan it: "
-                                                 "dmpclaim active " +
-                                                     shellWord(path))};
+                            helpFor(path, "Check that the volume manager runs. If the disk "
+                                          "was found a moment ago, scan it: "
+                                          "dmpclaim active " +
+                                              shellWord(path))};
     const std::optional<Lines> answer = answerTo(question);
     if (!answer)
         return {};
     const TableReading reading = readNode(*answer);
     if (reading.name.empty())
         tellOfNothing(question, reading.fault, "no node",
-                      helpForUnknown(path, "Have the disk scanned: " + rescan({shellWord(disk)})));
+                      helpFor(path, "Have the disk scanned: " + rescan({shellWord(disk)})));
     return reading.name;
 }
 

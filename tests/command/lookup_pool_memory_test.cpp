@@ -7,6 +7,8 @@
 #include <limits>
 #include <new>
 
+#include "tests/support/allocation_operators.h"
+
 namespace {
 
 std::atomic<long> allocations{0};
@@ -15,7 +17,6 @@ std::atomic<long> lastFailing{0};
 
 } // namespace
 
-// All forms are replaced, because a sanitizer's own ones would not match operator delete below.
 void* operator new(std::size_t size)
 {
     const long number = ++allocations;
@@ -27,39 +28,9 @@ void* operator new(std::size_t size)
     return block;
 }
 
-void* operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
-{
-    return std::malloc(size);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept
-{
-    return std::malloc(size);
-}
-
 [[gnu::noinline]] void operator delete(void* block) noexcept // inlined, it would not match new
 {
     std::free(block);
-}
-
-void operator delete(void* block, std::size_t /*size*/) noexcept
-{
-    operator delete(block);
-}
-
-void operator delete[](void* block) noexcept
-{
-    operator delete(block);
-}
-
-void operator delete[](void* block, std::size_t /*size*/) noexcept
-{
-    operator delete(block);
 }
 
 namespace {

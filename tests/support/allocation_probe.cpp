@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "tests/support/allocation_operators.h"
+
 namespace {
 
 // Operator new may be called before any constructor has run, so all of this starts out as zeros.
@@ -25,8 +27,6 @@ void* allocate(std::size_t size)
 
 } // namespace
 
-// The forms that the library's objects use; the others are replaced as well, because a sanitizer's
-// own ones would not match operator delete below.
 void* operator new(std::size_t size)
 {
     if (!watching)
@@ -39,21 +39,6 @@ void* operator new(std::size_t size)
     return block;
 }
 
-void* operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
-{
-    return std::malloc(size);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept
-{
-    return std::malloc(size);
-}
-
 void operator delete(void* block) noexcept
 {
     // Blocks are forgotten whether watched or not, as their addresses come back.
@@ -64,21 +49,6 @@ void operator delete(void* block) noexcept
         --blockCount;
     }
     std::free(block);
-}
-
-void operator delete(void* block, std::size_t /*size*/) noexcept
-{
-    operator delete(block);
-}
-
-void operator delete[](void* block) noexcept
-{
-    operator delete(block);
-}
-
-void operator delete[](void* block, std::size_t /*size*/) noexcept
-{
-    operator delete(block);
 }
 
 AllocationProbe::AllocationProbe(std::size_t failing)

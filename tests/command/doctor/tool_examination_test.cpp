@@ -376,9 +376,6 @@ TEST_F(ToolExamination, WhoAsksAboutAPartitionIsToldToAskAboutTheDisk)
     tools.answer(query, 0, {"NAME", "===="});
     examine({"/dev/sdc12"});
     EXPECT_THAT(last().advice, EndsWith("Ask about the disk: dmpclaim doctor /dev/sdc"));
-    tools.answer(query, 3);
-    examine({"/dev/sdc12"});
-    EXPECT_THAT(last().advice, EndsWith("Ask about the disk: dmpclaim doctor /dev/sdc"));
 }
 
 TEST_F(ToolExamination, AdviceMayBePastedIntoAShell)
