@@ -3,7 +3,7 @@
 #
 #     benchmarks/jobs_benchmark.sh [BUILD]
 #
-# BUILD is the folder of the build, build/dev without it. Runs `dmpclaim active` with the simulated
+# BUILD is the folder of the build, build/bench without it. Runs `dmpclaim active` with the simulated
 # tools, with pauses of one second for those of five: still many times as long as the tools take, as
 # in life. Six rounds: eight jobs look up 64 disks, then one job looks up eight, which is an eighth of
 # its work. So a machine that is busy with other things disturbs both sides of a round alike, and the
@@ -12,7 +12,7 @@ set -euo pipefail
 
 readonly pause=1000 rounds=6
 root=$(dirname -- "$(realpath -- "${BASH_SOURCE[0]}")")/..
-build=$(realpath -- "${1:-$root/build/dev}")
+build=$(realpath -- "${1:-$root/build/bench}")
 
 # Once more, among the simulated tools and with the folder of their state.
 if (($# < 2)); then

@@ -46,7 +46,7 @@ Numbered numbered(std::string_view path)
     return {path.substr(0, length), path.substr(length)};
 }
 
-std::string quoted(std::string_view text)
+std::string inQuotes(std::string_view text)
 {
     return "'" + std::string(text) + "'";
 }
@@ -63,7 +63,7 @@ void warnOfPlace(const NamedDevice& device, Warnings& warnings)
     if (command::startsWith(device.path, device.prefix))
         return;
     warnings.push_back({"prefix-not-at-start",
-                        quoted(device.prefix) +
+                        inQuotes(device.prefix) +
                             " stands inside this path, not at its start. The library claims it all "
                             "the same; for other tools it need not be a device of this driver. "
                             "Check that this is the path you mean."});
@@ -79,7 +79,7 @@ void warnOfHyphen(const NamedDevice& device, Warnings& warnings)
         disk = path.name.substr(0, path.name.size() - udevSeparator.size());
         const std::string number(path.digits);
         warnings.push_back({"udev-partition-name",
-                            quoted(std::string(udevSeparator) + number) +
+                            inQuotes(std::string(udevSeparator) + number) +
                                 " is udev's way to name partition " + number +
                                 ". The library leaves every path with a '-' unclaimed, and knows a "
                                 "'p' and one digit instead. Ask about the disk, " +
@@ -163,8 +163,8 @@ void warnOfLetters(const NamedDevice& device, std::string_view letters, Warnings
 {
     if (letters.empty()) {
         warnings.push_back(
-            {"no-disk-letters", "No letters of a disk follow " + quoted(device.prefix) +
-                                    ", so the disk is said to be " + quoted(device.disk) +
+            {"no-disk-letters", "No letters of a disk follow " + inQuotes(device.prefix) +
+                                    ", so the disk is said to be " + inQuotes(device.disk) +
                                     ", which names none. Check the name."});
         return;
     }
@@ -172,8 +172,8 @@ void warnOfLetters(const NamedDevice& device, std::string_view letters, Warnings
         if (character >= 'a' && character <= 'z')
             continue;
         warnings.push_back(
-            {"unusual-name", quoted(letters) + " stands where the disk's letters belong, behind " +
-                                 quoted(device.prefix) +
+            {"unusual-name", inQuotes(letters) + " stands where the disk's letters belong, behind " +
+                                 inQuotes(device.prefix) +
                                  ". The library claims it all the same. Check the name for stray "
                                  "characters, such as a blank or a carriage return at its end."});
         return;

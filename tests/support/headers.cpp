@@ -1,0 +1,1 @@
+// Only carries the precompiled headers of the test programs.
