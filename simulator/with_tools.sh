@@ -29,9 +29,10 @@ fi
 [[ -f $1 ]] || complain 2 "no state file $1"
 [[ -x $tools/kodmpadm && -x $tools/kodisk ]] || complain 2 "no tools in $tools, build them first"
 
-# A relative lower folder needs no escapes, whatever its name.
+# A relative lower folder needs no escapes, whatever its name. cd looks a relative folder up in
+# CDPATH, and takes "-" for the last one.
 # shellcheck disable=SC2016 # expanded by the inner shell
-overlay='(cd -- "$0" && mount -t overlay kovm-simulator -o ro,lowerdir=.:"$1" "$1")'
+overlay='(CDPATH="" cd -- "$0/" && mount -t overlay kovm-simulator -o ro,lowerdir=.:"$1" "$1")'
 state=$(realpath -- "$1")
 shift
 

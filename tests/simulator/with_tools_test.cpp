@@ -105,6 +105,33 @@ TEST_F(WithTools, TheToolsFolderCanHaveAnyName)
     EXPECT_THAT(Process(command).finish(), Succeeds());
 }
 
+TEST_F(WithTools, ARelativeToolsFolderIsNotLookedUpInCdpath)
+{
+    const std::filesystem::path planted = folder() / "planted";
+    create_directories(planted / "tools");
+    create_directory(folder() / "tools");
+    for (const char* name : {"kodmpadm", "kodisk"}) {
+        std::ofstream(planted / "tools" / name) << "#!/bin/sh\necho planted\n";
+        permissions(planted / "tools" / name, std::filesystem::perms::owner_all);
+        copy_file(SIMULATOR_TOOLS "/kodisk", folder() / "tools" / name);
+    }
+    const std::string script = "cd \"$1\" && export CDPATH=\"$2\" && shift 2 && exec \"$@\"";
+    EXPECT_THAT(Process({"/bin/sh", "-c", script, "sh", folder(), planted, SIMULATOR_WITH_TOOLS,
+                         "--tools", "tools", statePath(), "kodisk", "scandisks"})
+                    .finish(),
+                Succeeds());
+}
+
+TEST_F(WithTools, AToolsFolderCanBeNamedMinus)
+{
+    copy(std::filesystem::path(SIMULATOR_TOOLS), folder() / "-");
+    const std::string script = "cd / && cd \"$1\" && shift && exec \"$@\"";
+    EXPECT_THAT(Process({"/bin/sh", "-c", script, "sh", folder(), SIMULATOR_WITH_TOOLS, "--tools",
+                         "-", statePath(), "kodisk", "scandisks"})
+                    .finish(),
+                Succeeds());
+}
+
 TEST_F(WithTools, NobodyCanUseItToo)
 {
     const std::vector<std::string> nobody{"/usr/bin/setpriv", "--reuid=65534", "--regid=65534",
