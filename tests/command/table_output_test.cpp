@@ -93,6 +93,15 @@ TEST(TableOutput, RowsGoOutInBatches)
     EXPECT_NE(output.text(), "");
 }
 
+TEST(TableOutput, CellsOf256BytesAreAlignedAndLongerOnesAreNot)
+{
+    const std::string aligned(256, 'x');
+    const std::string longer(257, 'x');
+    EXPECT_EQ(tableOf({row(aligned), row("a")}, false),
+              aligned + " 16 -\na" + std::string(255, ' ') + " 16 -\n");
+    EXPECT_EQ(tableOf({row(longer), row("a")}, false), longer + " 16 -\na 16 -\n");
+}
+
 TEST(TableOutput, AVeryLongNameWidensNoOtherRow)
 {
     const std::string longName(1 << 20, 'x');

@@ -73,6 +73,8 @@ TEST(TimeStamp, FollowsDaylightSaving)
 
 TEST(TimeStamp, HasMillisecondsThatAreCutAndFilledUp)
 {
+    EXPECT_EQ(stampAt("UTC0", january, 6999999), "2026-01-15T12:00:00.006+00:00");
+    EXPECT_EQ(stampAt("UTC0", january, 7000000), "2026-01-15T12:00:00.007+00:00");
     EXPECT_EQ(stampAt("UTC0", january, 7999999), "2026-01-15T12:00:00.007+00:00");
     EXPECT_EQ(stampAt("UTC0", january, 999999999), "2026-01-15T12:00:00.999+00:00");
 }

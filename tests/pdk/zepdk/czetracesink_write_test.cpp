@@ -47,12 +47,25 @@ struct Answer {
 
 std::deque<Answer> answers;
 std::vector<std::string> written;
+std::vector<int> blocked; // signals, during the last write
 bool memoryIsOut = false;
 bool closeFails = false;
 bool duplicationFails = false;
 int arriving = 0;
 int openFlags = 0;
 std::vector<timespec> waits;
+
+std::vector<int> blockedSignals()
+{
+    std::vector<int> signals;
+    sigset_t mask;
+    pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+    for (int signal = 1; signal < SIGRTMIN; ++signal) {
+        if (sigismember(&mask, signal) == 1)
+            signals.push_back(signal);
+    }
+    return signals;
+}
 
 } // namespace
 
@@ -61,6 +74,7 @@ extern "C" ssize_t write(int fd, const void* buf, size_t n)
     if (fd != watched)
         return syscall(SYS_write, fd, buf, n);
     written.emplace_back(static_cast<const char*>(buf), n);
+    blocked = blockedSignals();
     if (arriving != 0)
         (void)std::raise(arriving);
     if (answers.empty())
@@ -230,6 +244,15 @@ TEST_F(Write, EndsACutLineBeforeTheNextOneAndOnlyThen)
     EXPECT_EQ(sink.dropped(), 1U);
 }
 
+TEST_F(Write, EndsALineThatWasCutAfterOneByte)
+{
+    answers = {{0, 1}};
+    sink.write(2, "cut");
+    sink.write(2, "whole");
+    EXPECT_THAT(written, ElementsAre(StartsWith("2"), MatchesRegex("\n2.* 2 whole\n")));
+    EXPECT_EQ(sink.dropped(), 1U);
+}
+
 TEST_F(Write, EndsACutLineEvenWhenOthersAreLostInBetween)
 {
     answers = {{0, 10}, {ENOSPC, 0}, {0, 20}, {0, 0}};
@@ -257,6 +280,18 @@ TEST_F(Write, ALineWithoutMemoryIsDroppedAndCounted)
     memoryIsOut = false;
     EXPECT_THAT(written, SizeIs(0));
     EXPECT_EQ(sink.dropped(), 1U);
+}
+
+TEST_F(Write, ChangesTheMaskByTheSignalsOfItsOwnFailuresOnly)
+{
+    sigset_t hosts;
+    sigemptyset(&hosts);
+    sigaddset(&hosts, SIGUSR1);
+    pthread_sigmask(SIG_BLOCK, &hosts, nullptr);
+    sink.write(2, "line");
+    EXPECT_THAT(blocked, testing::UnorderedElementsAre(SIGUSR1, SIGPIPE, SIGXFSZ));
+    EXPECT_THAT(blockedSignals(), ElementsAre(SIGUSR1));
+    pthread_sigmask(SIG_UNBLOCK, &hosts, nullptr);
 }
 
 volatile std::sig_atomic_t handled = 0;
