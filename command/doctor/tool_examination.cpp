@@ -6,6 +6,7 @@
 #include "doctor/shell_word.h"
 #include "pdk/include/czeexecpipe.h"
 #include "tool_commands.h"
+#include "tool_name.h"
 
 using namespace command;
 using koze_pdk_4_4::CZeExecPipeBase;
@@ -111,6 +112,12 @@ void ToolExamination::examineDisk(const std::string& path)
 {
     if (!m_canAsk)
         return;
+    if (const char* reason = whyNotAsked(path)) {
+        m_report({State::error, path,
+                  std::string("the volume manager is not asked about it: ") + reason,
+                  "Check the name; 'active' refuses it, too."});
+        return;
+    }
     const std::string node = nodeOf(path);
     if (!node.empty())
         examinePathOf(path, node);
@@ -151,7 +158,10 @@ void ToolExamination::examinePathOf(const std::string& path, const std::string& 
     const std::string active = devFolder + reading.name;
     const std::string text = "node " + node + ", active path " + active;
     const FileKind kind = fileKind(active);
-    if (kind != FileKind::blockDevice && kind != FileKind::none)
+    if (const char* reason = whyNotUsed(active))
+        m_report({State::error, path, text + ", which is not to be used: " + reason,
+                  "Find out why the volume manager names it; lookups return it all the same."});
+    else if (kind != FileKind::blockDevice && kind != FileKind::none)
         m_report(
             {State::error, path, text + ", which is no block device here",
              "Move that away, for it may hold what was meant for the disk." +

@@ -392,6 +392,29 @@ TEST_F(ToolExamination, AdviceMayBePastedIntoAShell)
     EXPECT_THAT(last().advice, EndsWith("--refresh '/dev/sd$(x)'"));
 }
 
+TEST_F(ToolExamination, ANameThatTheToolsWouldMisreadIsNotAskedAbout)
+{
+    examine({"/dev/sdc force=yes"});
+    EXPECT_THAT(findings(),
+                ElementsAre("error /dev/sdc force=yes: the volume manager is not asked about it: "
+                            "it holds a space, which separates the arguments of the volume "
+                            "manager's tools"));
+    EXPECT_THAT(commands(), IsEmpty());
+    tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0, pathTable);
+    examine({"/dev/sdc,sdd", "/dev/sdc"});
+    EXPECT_THAT(findings().back(), StartsWith("ok /dev/sdc: "));
+}
+
+TEST_F(ToolExamination, AnActivePathThatLeavesDevIsAnError)
+{
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, {"NAME", "====", "../etc/shadow ENABLED(A) PRIMARY c1"});
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings(),
+                ElementsAre("error /dev/sdc: node arr0_17, active path /dev/../etc/shadow, which "
+                            "is not to be used: it leaves /dev"));
+}
+
 TEST_F(ToolExamination, NothingIsScannedOrRemoved)
 {
     tools.answer(nodeQuery, 1);
