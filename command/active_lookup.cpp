@@ -4,7 +4,8 @@
 #include <utility>
 
 #include "device_row.h"
-#include "providers/device/scsitool/dmp_claim_manager.h"
+#include "drivers.h"
+#include "tool_name.h"
 
 namespace {
 
@@ -61,14 +62,27 @@ Row ActiveLookup::run(const std::string& path)
     manager.registerTraceLog(log);
     CDmpDeviceClaimBase* owner = nullptr;
     manager.getClaimModule(owner, path);
-    Row active;
-    if (owner != nullptr)
-        active = owner->getActivePath(path, !m_refresh);
-    const bool changed = owner != nullptr && active != path;
+    const Answer answer = owner == nullptr ? Answer() : ask(*owner);
     const Timeline::Clock::duration took = Timeline::Clock::now() - m_begin;
-    return {{"name", path},          {"owner", ownerField(owner)},
-            {"active", active},      {"changed", changed},
-            {"took", seconds(took)}, {"timeline", timelineField(m_timeline)}};
+    return {{"name", path},
+            {"owner", ownerField(owner)},
+            {"active", answer.active},
+            {"changed", !answer.active.is_null() && answer.active != path},
+            {"took", seconds(took)},
+            {"timeline", timelineField(m_timeline)},
+            {"warning", answer.warning}};
+}
+
+ActiveLookup::Answer ActiveLookup::ask(CDmpDeviceClaimBase& owner)
+{
+    const char* obstacle = asksTools(&owner) ? whyNotAsked(m_path) : nullptr;
+    if (obstacle != nullptr)
+        return {nullptr, std::string("not looked up: ") + obstacle};
+    const std::string active = owner.getActivePath(m_path, !m_refresh);
+    const char* fault = active == m_path ? nullptr : whyNotUsed(active);
+    if (fault != nullptr)
+        return {active, "do not use the active path '" + active + "': " + fault};
+    return {active, nullptr};
 }
 
 void ActiveLookup::take(int level, std::string_view text)

@@ -5,6 +5,7 @@
 
 #include "lookup_status.h"
 #include "pdk/include/czetracesink.h"
+#include "providers/device/scsitool/dmp_claim_manager.h"
 #include "row.h"
 #include "stop_request.h"
 #include "timeline.h"
@@ -22,11 +23,19 @@ public:
     ActiveLookup& operator=(const ActiveLookup&) = delete;
     ~ActiveLookup();
 
-    /// Returns name, owner, active, changed, took and timeline. Throws Interrupted when stopped.
-    /// Blocks while tools run and in the pauses between attempts. Called once.
+    /// Returns name, owner, active, changed, took, timeline and warning, which is null unless the
+    /// path cannot be looked up or its active path is not to be used; see tool_name.h. Throws
+    /// Interrupted when stopped. Blocks while tools run and in the pauses between attempts. Called
+    /// once.
     Row run(const std::string& path);
 
 private:
+    struct Answer {
+        Row active;
+        Row warning;
+    };
+
+    Answer ask(CDmpDeviceClaimBase& owner);
     void take(int level, std::string_view text);
     void countTool(TraceEvent::Kind kind);
     void report();

@@ -22,6 +22,7 @@ constexpr Column active{"ACTIVE", "active"};
 constexpr Column changed{"CHANGED", "changed"};
 constexpr Column took{"TOOK", "took", true};
 constexpr Column timeline{"TIMELINE", "timeline"};
+constexpr Column warning{"WARNING", "warning"};
 constexpr Column commandLine{"COMMAND", "command"};
 constexpr Column when{"WHEN", "when"};
 
@@ -53,7 +54,7 @@ const ColumnSet& deviceColumns()
 const ColumnSet& activeColumns()
 {
     static const std::vector<Column> usual{name, owner, active, changed, took};
-    static const ColumnSet set{{name, owner, active, changed, took, timeline}, usual};
+    static const ColumnSet set{{name, owner, active, changed, took, timeline, warning}, usual};
     return set;
 }
 

@@ -17,7 +17,7 @@ Exit status:
    0  every path is claimed, or none was asked about
   32  no path is claimed
   64  some paths are claimed, some are not
-   1  input or output failed
+   1  input or output failed; for 'active' also: there are warnings
    2  the command line is wrong; nothing was done)";
 
 constexpr char pathHelp[] = "Device paths; '-' reads them from standard input, one a\n"
@@ -36,6 +36,12 @@ The timeline (with -J, or -o +TIMELINE) tells: each command, how many seconds it
 took and its result, and each wait. A result is the exit status, 0 for success;
 1000+N: signal N ended the tool; 1100: it took more than 600 seconds; 1101: it
 printed too much; 1102: its status was lost; null: it could not be run.
+
+A native path that holds a space or a comma is refused: the tools would take it
+for several arguments or disks. From standard input such a path, or one with a
+NUL byte, has no active path but a warning; so has an active path that is not to
+be used because it leaves /dev, or holds a blank or a control character.
+Warnings also go to standard error, and the exit status is 1.
 
 Without --refresh a disk that is not found is scanned and looked up again after
 5 seconds, up to 4 times. While this goes on, a terminal on standard error shows

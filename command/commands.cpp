@@ -8,6 +8,7 @@
 #include "active.h"
 #include "bare_output.h"
 #include "block_devices.h"
+#include "complaint.h"
 #include "device_row.h"
 #include "doctor/doctor.h"
 #include "drivers.h"
@@ -17,7 +18,9 @@
 #include "json_output.h"
 #include "raw_output.h"
 #include "table_output.h"
+#include "tool_name.h"
 #include "trace.h"
+#include "usage_error.h"
 #include "wanted_paths.h"
 
 using namespace command;
@@ -62,9 +65,12 @@ std::unique_ptr<RowWriter> makeWriter(const Options& options, OutputStream& outp
 class Tally {
 public:
     void count(bool isClaimed) { ++(isClaimed ? m_claimed : m_unclaimed); }
+    void countWarning() { ++m_warnings; }
 
     int exitStatus() const
     {
+        if (m_warnings > 0)
+            return 1;
         if (m_unclaimed == 0)
             return 0;
         return m_claimed == 0 ? 32 : 64;
@@ -73,6 +79,7 @@ public:
 private:
     std::size_t m_claimed = 0;
     std::size_t m_unclaimed = 0;
+    std::size_t m_warnings = 0;
 };
 
 /// One run of the command.
@@ -128,14 +135,37 @@ private:
 
     void active()
     {
+        rejectMisreadNames();
         if (m_options.dryRun)
             showCommands();
         else
-            lookUpActivePaths(m_options, {[this](const Row& row) { write(row); },
+            lookUpActivePaths(m_options, {[this](const Row& row) { writeActive(row); },
                                           [this] {
                                               m_writer->flush();
                                               m_output.flush();
                                           }});
+    }
+
+    /// Those among the arguments. Standard input is not read ahead: its names get warnings.
+    void rejectMisreadNames() const
+    {
+        CDmpClaimManager manager; // without the user's trace log
+        for (const std::string& path : m_options.paths) {
+            CDmpDeviceClaimBase* owner = nullptr;
+            manager.getClaimModule(owner, path);
+            const char* reason = asksTools(owner) ? whyNotAsked(path) : nullptr;
+            if (reason != nullptr)
+                throw UsageError("'" + path + "' cannot be looked up: " + reason, "active");
+        }
+    }
+
+    void writeActive(const Row& row)
+    {
+        write(row);
+        if (row["warning"].is_null())
+            return;
+        complain(row["name"].get<std::string>() + ": " + row["warning"].get<std::string>());
+        m_tally.countWarning();
     }
 
     void showCommands()

@@ -17,6 +17,11 @@ const char* driverName(const CDmpDeviceClaimBase* module)
     return nullptr;
 }
 
+bool asksTools(const CDmpDeviceClaimBase* module)
+{
+    return dynamic_cast<const CNativePathClaim*>(module) != nullptr;
+}
+
 std::vector<std::unique_ptr<CDmpDeviceClaimBase>>
 makeModules(const koze_pdk_4_4::CZeTraceLogHandle& log)
 {

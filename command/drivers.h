@@ -12,6 +12,9 @@ namespace command {
 /// module.
 const char* driverName(const CDmpDeviceClaimBase* module);
 
+/// Whether the module's lookups ask the volume manager's tools; false for no module.
+bool asksTools(const CDmpDeviceClaimBase* module);
+
 /// Modules of the command's own, in the order in which the manager asks its modules.
 std::vector<std::unique_ptr<CDmpDeviceClaimBase>>
 makeModules(const koze_pdk_4_4::CZeTraceLogHandle& log);

@@ -1,9 +1,11 @@
 #include "dry_run.h"
 
 #include "device_row.h"
+#include "drivers.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "retry_policy.h"
 #include "tool_commands.h"
+#include "tool_name.h"
 
 namespace {
 
@@ -66,8 +68,12 @@ std::vector<Row> dryRun(CDmpClaimManager& manager, const std::string& path, bool
         rows.back()["command"] = commandLine;
         rows.back()["when"] = when;
     };
-    if (dynamic_cast<const CNativePathClaim*>(owner) == nullptr) {
+    if (!asksTools(owner)) {
         add(nullptr, "never: only a native path is looked up");
+        return rows;
+    }
+    if (const char* reason = whyNotAsked(path)) {
+        add(nullptr, std::string("never: ") + reason);
         return rows;
     }
     const std::string disk = owner->removeDevPrefix(path);

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "commands.h"
+#include "complaint.h"
 #include "options.h"
-#include "printable.h"
 #include "usage_error.h"
 
 namespace {
@@ -24,11 +24,6 @@ void restoreBrokenPipeSignal()
     sigemptyset(&signals);
     sigaddset(&signals, SIGPIPE);
     sigprocmask(SIG_UNBLOCK, &signals, nullptr);
-}
-
-void complain(const std::string& text)
-{
-    std::fprintf(stderr, "dmpclaim: %s\n", command::printable(text).c_str());
 }
 
 int run(const std::vector<std::string>& arguments)
@@ -51,12 +46,12 @@ int main(int argc, char** argv)
     try {
         return run({argv + 1, argv + argc});
     } catch (const command::UsageError& error) {
-        complain(error.what());
+        command::complain(error.what());
         const std::string subcommand = error.subcommand().empty() ? "" : error.subcommand() + ' ';
         std::fprintf(stderr, "Try 'dmpclaim %s--help' for more information.\n", subcommand.c_str());
         return badUsage;
     } catch (const std::exception& error) {
-        complain(error.what());
+        command::complain(error.what());
         return failed;
     }
 }

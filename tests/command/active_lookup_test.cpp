@@ -54,6 +54,7 @@ TEST_F(ActiveLookupTest, TellsTheActivePathAndHowItWasFound)
     EXPECT_EQ(row["owner"], "native");
     EXPECT_EQ(row["active"], "/dev/sdf");
     EXPECT_EQ(row["changed"], true);
+    EXPECT_EQ(row["warning"], nullptr);
     EXPECT_THAT(outline(row),
                 testing::ElementsAre(nodeQuery + std::string(": 3"), "wait",
                                      rescan + std::string(": 0"), nodeQuery + std::string(": 0"),
@@ -84,6 +85,42 @@ TEST_F(ActiveLookupTest, AnUnclaimedPathHasNoActiveOne)
     EXPECT_EQ(row["owner"], nullptr);
     EXPECT_EQ(row["active"], nullptr);
     EXPECT_EQ(row["changed"], false);
+}
+
+TEST_F(ActiveLookupTest, ANameThatTheToolsWouldMisreadIsNotLookedUp)
+{
+    for (const bool refresh : {false, true}) {
+        const Row row = lookUp("/dev/sdc force=yes", refresh);
+        EXPECT_EQ(row["owner"], "native");
+        EXPECT_EQ(row["active"], nullptr);
+        EXPECT_EQ(row["changed"], false);
+        EXPECT_EQ(row["timeline"], Row::array());
+        EXPECT_EQ(row["warning"], "not looked up: it holds a space, which separates the arguments "
+                                  "of the volume manager's tools");
+    }
+    EXPECT_TRUE(tools.events.empty());
+}
+
+TEST_F(ActiveLookupTest, OtherDriversPathsMayHoldAnything)
+{
+    EXPECT_EQ(lookUp("/dev/mapper/mpatha b,c")["active"], "/dev/mapper/mpatha b,c");
+}
+
+TEST_F(ActiveLookupTest, AnActivePathThatLeavesDevHasAWarning)
+{
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, {"NAME STATE", "====", "../etc/shadow ENABLED(A) PRIMARY"});
+    const Row row = lookUp("/dev/sdc");
+    EXPECT_EQ(row["active"], "/dev/../etc/shadow");
+    EXPECT_EQ(row["changed"], true);
+    EXPECT_EQ(row["warning"], "do not use the active path '/dev/../etc/shadow': it leaves /dev");
+}
+
+TEST_F(ActiveLookupTest, AnUnchangedPathIsTheCallersOwn)
+{
+    const std::string path = "/dev/../dev/sdc";
+    tools.installed = false;
+    EXPECT_EQ(lookUp(path)["warning"], nullptr);
 }
 
 TEST_F(ActiveLookupTest, RefreshingRemovesTheNode)

@@ -61,8 +61,18 @@ TEST_F(DryRun, TheRefreshingLookupsCommandsAreShownInOrder)
 
 TEST_F(DryRun, NamesAreNotAltered)
 {
-    EXPECT_EQ(commands("/dev/sd;rm -rf $HOME\n%s").front(),
-              "/usr/sbin/kodmpadm   getdmpnode  nodename=sd;rm -rf $HOME\n%s");
+    EXPECT_EQ(commands("/dev/sd;rm\t-rf$HOME\n%s").front(),
+              "/usr/sbin/kodmpadm   getdmpnode  nodename=sd;rm\t-rf$HOME\n%s");
+}
+
+TEST_F(DryRun, ForNamesThatTheToolsWouldMisreadNothingIsRun)
+{
+    const std::vector<Row> only = rows("/dev/sdc force=yes");
+    ASSERT_EQ(only.size(), 1U);
+    EXPECT_EQ(only[0]["owner"], "native");
+    EXPECT_EQ(only[0]["command"], nullptr);
+    EXPECT_EQ(only[0]["when"], "never: it holds a space, which separates the arguments of the "
+                               "volume manager's tools");
 }
 
 TEST_F(DryRun, EachRowTellsThePathItsOwnerAndWhenTheCommandRuns)

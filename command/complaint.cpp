@@ -1,0 +1,14 @@
+#include "complaint.h"
+
+#include <cstdio>
+
+#include "printable.h"
+
+namespace command {
+
+void complain(const std::string& text)
+{
+    std::fprintf(stderr, "dmpclaim: %s\n", printable(text).c_str());
+}
+
+} // namespace command
