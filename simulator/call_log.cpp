@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "error.h"
+#include "regular_file.h"
 
 namespace simulator {
 
@@ -48,10 +48,7 @@ void logCall(const std::string& path, const Command& command)
     for (const std::string& argument : command.arguments)
         line += " " + quoted(argument);
     line += '\n';
-    const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-    if (file < 0 || write(file, line.data(), line.size()) != static_cast<ssize_t>(line.size()))
-        failWithErrno("cannot write", path);
-    close(file);
+    RegularFile(path, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW, 0640).write(line);
 }
 
 } // namespace simulator

@@ -1,5 +1,7 @@
 #include "endings.h"
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 
 #include <sys/prctl.h>
@@ -11,6 +13,15 @@ namespace {
 
 constexpr int killedBySignal = 1000;
 constexpr int deadlinePassed = 1100;
+
+/// The other signals stop a process, or let it go on.
+bool endsProcess(int signal)
+{
+    constexpr std::array others = {SIGCHLD, SIGCONT, SIGSTOP, SIGTSTP,
+                                   SIGTTIN, SIGTTOU, SIGURG,  SIGWINCH};
+    return signal > 0 && signal <= SIGRTMAX &&
+           std::find(others.begin(), others.end(), signal) == others.end();
+}
 
 /// Whatever the caller has blocked or ignored, and whatever a runtime library has installed.
 void dieBy(int signal)
@@ -33,7 +44,7 @@ Ending endingOf(int result)
     Ending ending;
     if (result >= 0 && result <= 255)
         ending.status = result;
-    else if (result > killedBySignal && result <= killedBySignal + SIGRTMAX)
+    else if (endsProcess(result - killedBySignal))
         ending.signal = result - killedBySignal;
     else
         ending.hang = result == deadlinePassed;

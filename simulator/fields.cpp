@@ -1,6 +1,7 @@
 #include "fields.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "error.h"
@@ -82,7 +83,7 @@ std::map<std::string, unsigned> Fields::counts(const char* key)
     if (!numbers)
         return counts;
     for (const auto& [name, value] : numbers->m_object.items())
-        counts[name] = numbers->number(name.c_str(), 0);
+        counts[name] = numbers->number(name.c_str(), 0, 0, std::numeric_limits<unsigned>::max());
     return counts;
 }
 

@@ -21,6 +21,7 @@
 #include "error.h"
 #include "shaping.h"
 #include "state_file.h"
+#include "write_all.h"
 
 namespace simulator {
 
@@ -32,12 +33,8 @@ constexpr int cannotWork = 78;
 /// Throws an Error when the reader of the descriptor is out of order.
 void print(int descriptor, std::string_view text)
 {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0)
-            failWithErrno("cannot write to descriptor", std::to_string(descriptor));
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
+    if (!writeAll(descriptor, text))
+        failWithErrno("cannot write to descriptor", std::to_string(descriptor));
 }
 
 void flood(unsigned mebibytes, const std::string& line)

@@ -1,13 +1,18 @@
 #include "state.h"
 
-#include <fstream>
+#include <filesystem>
 #include <set>
 
+#include <fcntl.h>
+
 #include "error.h"
+#include "regular_file.h"
 
 namespace simulator {
 
 namespace {
+
+constexpr int deepest = 100;
 
 Path readPath(Fields fields)
 {
@@ -73,8 +78,11 @@ std::optional<std::vector<Record>> readReplay(Fields& fields, const std::string&
         return std::nullopt;
     if (!value->is_string())
         return fields.each("replay", readRecord);
-    const std::string path = folder + "/" + value->get<std::string>();
-    const Json file = readJsonFile(path);
+    const auto name = value->get<std::string>();
+    if (name.find('/') != std::string::npos)
+        fields.refuse("replay", "is not the name of a file in the same folder");
+    const std::string path = (std::filesystem::path(folder) / name).string();
+    const Json file = readJsonFile(path, O_NOFOLLOW);
     Fields recorded(file, path);
     if (!recorded.has("commands"))
         recorded.refuse("commands", "is missing");
@@ -144,13 +152,16 @@ void writeState(const State& state, Json& document)
     setOrErase(document, "replayed", state.replayed);
 }
 
-Json readJsonFile(const std::string& path)
+Json readJsonFile(const std::string& path, int flags)
 {
-    std::ifstream file(path);
-    if (!file)
-        failWithErrno("cannot read", path);
+    // Values are copied, compared and written by functions that call themselves for each level.
+    const auto limitDepth = [&path](int depth, Json::parse_event_t, const Json&) {
+        if (depth >= deepest)
+            throw Error(path + " is nested more than " + std::to_string(deepest) + " levels deep");
+        return true;
+    };
     try {
-        return Json::parse(file);
+        return Json::parse(RegularFile(path, O_RDONLY | flags).read(), limitDepth);
     } catch (const Json::parse_error& error) {
         throw Error(path + " is no JSON: " + error.what());
     }

@@ -57,8 +57,9 @@ State readState(const Json& document, const std::string& folder);
 /// Writes what calls can change back into the document that `state` was read from.
 void writeState(const State& state, Json& document);
 
-/// Reads a JSON file. Throws an Error when it cannot be read or is no JSON.
-Json readJsonFile(const std::string& path);
+/// Reads a JSON file, opened with these flags of open(2) besides. Throws an Error when it cannot be
+/// read, is no JSON, or is nested deeper than any state or report.
+Json readJsonFile(const std::string& path, int flags = 0);
 
 } // namespace simulator
 

@@ -2,31 +2,13 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
+#include "error.h"
 #include "json_text.h"
 
 namespace simulator {
-
-StateFile::Lock::Lock(const std::string& path)
-    : m_file(open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0666))
-{
-    if (m_file < 0)
-        failWithErrno("cannot open", path);
-    if (flock(m_file, LOCK_EX) != 0) {
-        close(m_file);
-        failWithErrno("cannot lock", path);
-    }
-}
-
-StateFile::Lock::~Lock()
-{
-    close(m_file);
-}
 
 State StateFile::load(Json& document) const
 {
@@ -45,11 +27,12 @@ void StateFile::save(const State& state, Json& document) const
     if (document == before)
         return;
     const std::string next = m_path + ".new";
-    std::ofstream file(next, std::ios::trunc);
-    file << jsonText(document) << '\n';
-    file.close();
-    if (!file || std::rename(next.c_str(), m_path.c_str()) != 0)
-        failWithErrno("cannot write", next);
+    const mode_t mode = RegularFile(m_path, O_RDONLY).permissions();
+    // A call that was killed leaves its file behind. The lock says that nobody writes to it now.
+    unlink(next.c_str());
+    RegularFile(next, O_WRONLY | O_CREAT | O_EXCL, mode).write(jsonText(document) + "\n");
+    if (std::rename(next.c_str(), m_path.c_str()) != 0)
+        failWithErrno("cannot replace", m_path);
 }
 
 } // namespace simulator

@@ -3,7 +3,9 @@
 
 #include <string>
 
-#include "error.h"
+#include <fcntl.h>
+
+#include "regular_file.h"
 #include "state.h"
 
 namespace simulator {
@@ -21,7 +23,8 @@ public:
     template <class Work>
     auto change(Work work) const
     {
-        const Lock lock(m_path + ".lock");
+        const RegularFile file(m_path + ".lock", O_WRONLY | O_CREAT | O_NOFOLLOW, 0640);
+        file.lock();
         Json document;
         State state = load(document);
         auto result = work(state);
@@ -30,17 +33,6 @@ public:
     }
 
 private:
-    class Lock {
-    public:
-        explicit Lock(const std::string& path);
-        ~Lock();
-        Lock(const Lock&) = delete;
-        Lock& operator=(const Lock&) = delete;
-
-    private:
-        int m_file;
-    };
-
     State load(Json& document) const;
     void save(const State& state, Json& document) const;
 

@@ -73,7 +73,7 @@ TEST_F(Replay, ARecordedTimeoutHangsAfterItsOutput)
 
 TEST_F(Replay, WhatCannotBeRepeatedIsSaid)
 {
-    for (const int status : {256, 999, 1000, 1099, 1101, 1102}) {
+    for (const int status : {256, 999, 1000, 1000 + SIGCHLD, 1000 + SIGSTOP, 1099, 1101, 1102}) {
         use({record("kodisk scandisks", status, {})});
         EXPECT_THAT(kodisk({"scandisks"}),
                     Fails(70, "status " + std::to_string(status) + " cannot be replayed"));
@@ -88,6 +88,41 @@ TEST_F(Replay, ARecordingCanStandInAFileOfItsOwn)
     write(Json{{"replay", "case.json"}});
     EXPECT_EQ(kodisk({"scandisks"}).status, 4);
     EXPECT_EQ(textOf(folder() / "case.json"), recording);
+}
+
+TEST_F(Replay, ARecordingIsLookedForInTheFolderOfTheStateOnly)
+{
+    create_directory(folder() / "inner");
+    const std::string inner = (folder() / "inner" / "state.json").string();
+    std::ofstream(folder() / "case.json") << Json{{"commands", Json::array()}};
+    const std::string names[] = {"../case.json", "../inner/case.json", "./case.json",
+                                 (folder() / "case.json").string()};
+    for (const std::string& name : names) {
+        std::ofstream(inner) << Json{{"replay", name}};
+        EXPECT_THAT(start({"/usr/bin/env", "KOVM_SIMULATOR_STATE=" + inner,
+                           SIMULATOR_TOOLS "/kodisk", "scandisks"})
+                        .finish(),
+                    Fails(78, inner + ": replay is not the name of a file in the same folder"));
+    }
+}
+
+TEST_F(Replay, TheNameOfAFolderIsNoRecording)
+{
+    for (const char* name : {"", ".", ".."}) {
+        write(Json{{"replay", name}});
+        EXPECT_THAT(nodeOf("sdc"), Fails(78, "it is no regular file"));
+    }
+}
+
+TEST_F(Replay, AStateWithoutAFolderInItsPathFindsItsRecording)
+{
+    std::ofstream(folder() / "case.json")
+        << Json{{"commands", {record("kodisk scandisks", 4, {})}}};
+    write(Json{{"replay", "case.json"}});
+    const std::string script = "cd \"$1\" && KOVM_SIMULATOR_STATE=state.json exec \"$2\" scandisks";
+    EXPECT_EQ(
+        start({"/bin/sh", "-c", script, "sh", folder(), SIMULATOR_TOOLS "/kodisk"}).finish().status,
+        4);
 }
 
 TEST_F(Replay, ADamagedRecordingIsNamedWithItsPlace)

@@ -47,6 +47,35 @@ TEST_F(State, AMistakeIsNamedWithItsPlace)
     }
 }
 
+/// So many arrays in each other.
+std::string nested(std::size_t levels)
+{
+    return std::string(levels, '[') + std::string(levels, ']');
+}
+
+TEST_F(State, WhatIsNestedDeeplyIsRefusedBeforeItIsBuilt)
+{
+    const std::string records = R"({"commands": [{"command": "kodisk scandisks", "status": 0,
+        "output": [], "levels 4 and deeper": )";
+    for (const std::size_t levels : {98U, 200'000U}) {
+        std::ofstream(folder() / "case.json") << records << nested(levels) << "}]}";
+        write(Json{{"replay", "case.json"}});
+        EXPECT_THAT(kodisk({"scandisks"}),
+                    Fails(78, "/case.json is nested more than 100 levels deep\n"));
+        write("{\"about\": " + nested(levels + 2) + "}");
+        EXPECT_THAT(kodisk({"scandisks"}),
+                    Fails(78, statePath() + " is nested more than 100 levels deep\n"));
+    }
+}
+
+TEST_F(State, AHundredLevelsAreRead)
+{
+    write(R"({"replay": [{"command": "kodisk scandisks", "status": 0, "output": [], "x": )" +
+          nested(97) + "}]}");
+    EXPECT_THAT(kodisk({"scandisks"}), Succeeds());
+    EXPECT_EQ(state()["replayed"], Json({{"kodisk scandisks", 1}}));
+}
+
 TEST_F(State, EveryFieldButTheNamesCanBeMissing)
 {
     write(Json::parse(R"({"arrays": [{"name": "a"}, {"name": "b", "nodes": [{"name": "n"}]}]})"));
@@ -62,6 +91,16 @@ TEST_F(State, CountingGoesOnWhereItStands)
     write(state);
     nodeOf("sdc");
     EXPECT_EQ(this->state()["calls"], Json({{"getdmpnode", 42}, {"rm", 7}}));
+}
+
+TEST_F(State, NoCountIsTooLargeForTheNextCall)
+{
+    write(Json{{"calls", {{"rm", 4294967295U}}}});
+    EXPECT_THAT(kodisk({"rm", "x"}), Fails(1, "node \"x\""));
+    EXPECT_THAT(kodisk({"rm", "x"}), Fails(1, "node \"x\""));
+    write(Json{{"calls", {{"rm", 4294967296U}}}});
+    EXPECT_THAT(kodisk({"rm", "x"}),
+                Fails(78, "calls.rm is not a whole number from 0 to 4294967295"));
 }
 
 } // namespace

@@ -1,0 +1,77 @@
+#include "regular_file.h"
+
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "error.h"
+#include "write_all.h"
+
+namespace simulator {
+
+namespace {
+
+bool isRegular(int descriptor)
+{
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+} // namespace
+
+RegularFile::RegularFile(std::string path, int flags, mode_t mode)
+    : m_path(std::move(path)),
+      m_failure((flags & O_ACCMODE) == O_RDONLY ? "cannot read" : "cannot write"),
+      m_descriptor(open(m_path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode))
+{
+    if (m_descriptor >= 0 && isRegular(m_descriptor))
+        return;
+    // A symbolic link is ELOOP with O_NOFOLLOW, and a FIFO that nobody reads ENXIO.
+    if (m_descriptor < 0 && errno != ELOOP && errno != ENXIO)
+        failWithErrno(m_failure, m_path);
+    if (m_descriptor >= 0)
+        close(m_descriptor);
+    throw Error(std::string(m_failure) + " " + m_path + ": it is no regular file; remove it");
+}
+
+RegularFile::~RegularFile()
+{
+    close(m_descriptor);
+}
+
+void RegularFile::lock() const
+{
+    if (flock(m_descriptor, LOCK_EX) != 0)
+        failWithErrno("cannot lock", m_path);
+}
+
+mode_t RegularFile::permissions() const
+{
+    struct stat status {};
+    if (fstat(m_descriptor, &status) != 0)
+        failWithErrno(m_failure, m_path);
+    return status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
+}
+
+std::string RegularFile::read() const
+{
+    std::string text;
+    char block[65536];
+    for (ssize_t size = 0; (size = ::read(m_descriptor, block, sizeof block)) != 0;) {
+        if (size < 0)
+            failWithErrno(m_failure, m_path);
+        text.append(block, static_cast<std::size_t>(size));
+    }
+    return text;
+}
+
+void RegularFile::write(std::string_view text) const
+{
+    if (!writeAll(m_descriptor, text))
+        failWithErrno(m_failure, m_path);
+}
+
+} // namespace simulator

@@ -1,0 +1,25 @@
+#ifndef SIMULATOR_WRITE_ALL_H
+#define SIMULATOR_WRITE_ALL_H
+
+#include <string_view>
+
+#include <unistd.h>
+
+namespace simulator {
+
+/// Writes the text, in one write(2) where the kernel takes it whole. False, with errno set, when it
+/// cannot be written.
+inline bool writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written < 0)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+} // namespace simulator
+
+#endif
