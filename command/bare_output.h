@@ -6,14 +6,18 @@
 
 namespace command {
 
-/// Writes one field of each row, unaltered, a line each; an empty line for null.
+/// Writes one field of each row, a line each; an empty line for null. Programs get the field
+/// unaltered, a terminal gets it printable.
 class BareOutput : public RowWriter {
 public:
-    BareOutput(OutputStream& output, Column column) : m_output(output), m_column(column) {}
+    BareOutput(OutputStream& output, Column column)
+        : m_output(output), m_isTerminal(output.isTerminal()), m_column(column)
+    {}
     void write(const Row& row) override;
 
 private:
     OutputStream& m_output;
+    bool m_isTerminal;
     Column m_column;
 };
 

@@ -25,8 +25,9 @@ constexpr char pathHelp[] = "Device paths; '-' reads them from standard input, o
 constexpr char rowsFooter[] =
     R"(PARTNUM is '-' for a whole disk, and for a device-mapper partition, whose number
 the library does not read back.)";
-constexpr char bareFooter[] = "Answers are printed bare, a line each: an empty line when nobody "
-                              "claims.\nWith -o they come as a table.";
+constexpr char bareFooter[] =
+    R"(Answers are printed bare, a line each: an empty line when nobody claims.
+On a terminal, unprintable bytes become \xNN. With -o they come as a table.)";
 
 constexpr char activeFooter[] =
     R"(A native path is looked up with the volume manager's tools under /usr/sbin; the

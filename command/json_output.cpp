@@ -5,7 +5,7 @@ namespace command {
 std::string jsonText(const Row& document)
 {
     const auto replace = nlohmann::ordered_json::error_handler_t::replace;
-    return document.dump(2, ' ', false, replace) + '\n';
+    return document.dump(2, ' ', true, replace) + '\n';
 }
 
 JsonOutput::JsonOutput(OutputStream& output, const char* array, std::vector<Column> columns)

@@ -8,7 +8,8 @@
 
 namespace command {
 
-/// The document as text, with its line end. Bytes that are not UTF-8 become U+FFFD.
+/// The document as text, with its line end, in ASCII: other characters become \uNNNN, so that none
+/// steers a terminal. Bytes that are not UTF-8 become U+FFFD.
 std::string jsonText(const Row& document);
 
 /// Writes all rows as one document when the last has come:

@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include <unistd.h>
+
 namespace {
 
 [[noreturn]] void fail()
@@ -13,6 +15,11 @@ namespace {
 } // namespace
 
 namespace command {
+
+bool OutputStream::isTerminal() const
+{
+    return isatty(fileno(m_stream)) == 1;
+}
 
 void OutputStream::write(std::string_view bytes)
 {

@@ -13,6 +13,8 @@ public:
     /// `stream` stays the caller's.
     explicit OutputStream(std::FILE* stream) : m_stream(stream) {}
 
+    bool isTerminal() const;
+
     void write(std::string_view bytes);
 
     /// Hands on what has been written so far.

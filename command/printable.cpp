@@ -2,16 +2,11 @@
 
 #include <cwchar>
 
-namespace {
+#include "pdk/include/czeprintable.h"
 
-void appendEscaped(std::string& text, std::string_view bytes)
-{
-    static constexpr char digits[] = "0123456789abcdef";
-    for (const char character : bytes) {
-        const auto byte = static_cast<unsigned char>(character);
-        text += {'\\', 'x', digits[byte >> 4], digits[byte & 0xf]};
-    }
-}
+using koze_pdk_4_4::appendEscaped;
+
+namespace {
 
 struct Character {
     std::size_t size;
@@ -27,7 +22,8 @@ Character firstCharacter(std::string_view text)
     const std::size_t size = std::mbrtowc(&character, text.data(), text.size(), &state);
     if (size == 0 || size > text.size())
         return {1, false};
-    return {size, wcwidth(character) > 0};
+    const bool isControl = koze_pdk_4_4::isControlCharacter(static_cast<char32_t>(character));
+    return {size, !isControl && wcwidth(character) > 0};
 }
 
 } // namespace

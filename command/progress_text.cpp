@@ -25,7 +25,7 @@ std::string shortCommand(std::string_view command)
         command.remove_prefix(std::min(command.find_first_not_of(' '), command.size()));
         const std::size_t end = std::min(command.find(' '), command.size());
         const std::string_view text = command.substr(0, end);
-        words += (word == 0 ? "" : " ") + std::string(text.substr(text.rfind('/') + 1));
+        words += (word == 0 ? "" : " ") + printableWord(text.substr(text.rfind('/') + 1));
         command.remove_prefix(end);
     }
     return words;

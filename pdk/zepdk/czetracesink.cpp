@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "hoststate.h"
+#include "printable_text.h"
 
 namespace {
 
@@ -100,19 +101,6 @@ void appendPrefix(std::string& line, int level)
     line += ' ';
 }
 
-/// Appends `text` with its control characters as \xNN.
-void appendEscaped(std::string& line, std::string_view text)
-{
-    static constexpr char digits[] = "0123456789abcdef";
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte >= 0x20 && byte != 0x7f)
-            line += character;
-        else
-            (line += "\\x").append({digits[byte >> 4], digits[byte & 0xf]});
-    }
-}
-
 int openForAppending(const std::string& path)
 {
     const int opened =
@@ -141,7 +129,7 @@ void CZeTraceDescriptorSink::write(int level, std::string_view text)
         if (m_midLine)
             line += '\n';
         appendPrefix(line, level);
-        appendEscaped(line, text);
+        appendPrintable(line, text);
         line += '\n';
     } catch (const std::bad_alloc&) {
         drop();

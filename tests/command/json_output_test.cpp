@@ -51,4 +51,12 @@ TEST(JsonOutput, BytesThatAreNotUtf8AreReplaced)
     EXPECT_EQ(Row::parse(output.text())["devices"][0]["name"], "a\ufffdb\u00e4\n\x01");
 }
 
+TEST(JsonOutput, CharactersOutsideAsciiAndDelAreEscapedAndComeBack)
+{
+    const std::string text = "\x7f\u0085\u009b\u00e4\u2028\u202e\ufeff\U000e0041";
+    EXPECT_EQ(command::jsonText(text), R"("\u007f\u0085\u009b\u00e4\u2028\u202e\ufeff\udb40\udc41")"
+                                       "\n");
+    EXPECT_EQ(Row::parse(command::jsonText(text)), text);
+}
+
 } // namespace

@@ -1,6 +1,7 @@
 #include "command/printable.h"
 
 #include <clocale>
+#include <cwchar>
 
 #include <gtest/gtest.h>
 
@@ -38,6 +39,12 @@ TEST_F(Printable, CharactersWithoutAWidthAreEscaped)
 {
     EXPECT_EQ(printable("e\u0301"), "e\\xcc\\x81");
     EXPECT_EQ(printable("\u202eb"), "\\xe2\\x80\\xaeb");
+}
+
+TEST_F(Printable, ControlCharactersAreEscapedWhateverWidthTheLocaleGivesThem)
+{
+    ASSERT_EQ(wcwidth(L'\u00ad'), 1);
+    EXPECT_EQ(printable("a\u00adb"), "a\\xc2\\xadb");
 }
 
 TEST_F(Printable, AnEscapeInTheTextIsTellable)

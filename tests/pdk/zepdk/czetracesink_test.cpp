@@ -176,15 +176,55 @@ TEST_F(TraceFileSink, ControlCharactersCannotForgeALine)
     }
 }
 
-TEST_F(TraceFileSink, PrintableCharactersAndBytesAbove127StayAsTheyAre)
+/// What the file holds of a line with this text, without what stands before the text.
+std::string storedText(const std::string& path, const std::string& text)
 {
-    std::string printable;
-    for (int byte = 0x20; byte <= 0xff; ++byte) {
-        if (byte != 0x7f)
-            printable += static_cast<char>(byte);
-    }
-    CZeTraceFileSink(6, path).write(2, printable);
-    EXPECT_THAT(textOf(path), testing::EndsWith("] 2 " + printable + "\n"));
+    CZeTraceFileSink(6, path).write(2, text);
+    const std::string line = textOf(path);
+    std::filesystem::remove(path);
+    constexpr std::string_view level = "] 2 ";
+    return line.substr(line.find(level) + level.size());
+}
+
+TEST_F(TraceFileSink, OrdinaryTextStaysAsItIs)
+{
+    std::string ascii;
+    for (char character = ' '; character <= '~'; ++character)
+        ascii += character;
+    for (const std::string& text :
+         {ascii, std::string("\u00a0\u00fc e\u0301 \u65e5\u672c \U0001f4be"),
+          std::string("\u07ff\u0800\ud7ff\ue000\uffff\U00010000\U0010ffff")})
+        EXPECT_EQ(storedText(path, text), text + "\n");
+}
+
+TEST_F(TraceFileSink, CharactersThatSteerOrReorderAreEscapedByteByByte)
+{
+    EXPECT_EQ(storedText(path, "a\u009b31mb\u0085"), "a\\xc2\\x9b31mb\\xc2\\x85\n");
+    EXPECT_EQ(storedText(path, "\u2028\u202e\ufeff"),
+              "\\xe2\\x80\\xa8\\xe2\\x80\\xae\\xef\\xbb\\xbf\n");
+    EXPECT_EQ(storedText(path, "\u00ad\U000e0041"), "\\xc2\\xad\\xf3\\xa0\\x81\\x81\n");
+}
+
+TEST_F(TraceFileSink, BytesThatAreNotUtf8AreEscaped)
+{
+    const std::vector<std::pair<std::string, std::string>> texts = {
+        {"a\x9b"
+         "31m",
+         "a\\x9b31m"},
+        {"\x80\xbf\xff", "\\x80\\xbf\\xff"},
+        {"cut \xc3", "cut \\xc3"},
+        {"cut \xe6\x97", "cut \\xe6\\x97"},
+        {"cut \xf0\x9f\x92x", "cut \\xf0\\x9f\\x92x"},
+        {"\xc3(", "\\xc3("},
+        {"\xe2\x80\u00fc", "\\xe2\\x80\u00fc"},
+        {"longer than need be \xc1\xbf\xe0\x9f\xbf\xf0\x8f\xbf\xbf",
+         "longer than need be \\xc1\\xbf\\xe0\\x9f\\xbf\\xf0\\x8f\\xbf\\xbf"},
+        {"halves \xed\xa0\x80\xed\xbf\xbf", "halves \\xed\\xa0\\x80\\xed\\xbf\\xbf"},
+        {"too large \xf4\x90\x80\x80\xf8\x88\x80\x80\x80",
+         "too large \\xf4\\x90\\x80\\x80\\xf8\\x88\\x80\\x80\\x80"},
+    };
+    for (const auto& [text, escaped] : texts)
+        EXPECT_EQ(storedText(path, text), escaped + "\n");
 }
 
 TEST_F(TraceFileSink, AChildWritesItsOwnProcessId)
