@@ -86,28 +86,31 @@ long peakFor(const std::vector<std::string>& arguments, int count)
     return result.peakKilobytes;
 }
 
+/// The peak varies by some 200 KiB. The smallest block that a path could leave allocated takes 32
+/// bytes: 20,000 of them are found. Explanations are large, and take longer.
 TEST(Input, MemoryDoesNotGrowWithTheNumberOfPaths)
 {
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"show", "-"}, {"show", "-", "-r"}, {"strip", "-"}}) {
         const long peak = peakFor(arguments, 1000);
-        EXPECT_LT(peakFor(arguments, 100000), peak + 1024) << arguments.front();
+        EXPECT_LT(peakFor(arguments, 20000), peak + 512) << arguments.front();
     }
     const long peak = peakFor({"explain", "-"}, 1000);
-    EXPECT_LT(peakFor({"explain", "-"}, 20000), peak + 1024);
+    EXPECT_LT(peakFor({"explain", "-"}, 5000), peak + 512);
 }
 
-TEST(Input, AHundredThousandPathsAreAllAnswered)
+/// Input and output are larger than any pipe or buffer on the way.
+TEST(Input, TwentyThousandPathsAreAllAnswered)
 {
     std::string paths;
     std::string disks;
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 20000; ++i) {
         const std::string disk = "/dev/mapper/mpath" + std::to_string(i);
         paths += disk + "p1\n";
         disks += disk + "\n";
     }
     EXPECT_TRUE(disksOf({"-"}, paths) == disks);
-    EXPECT_EQ(runJson({"show", "-"}, paths)["devices"].size(), 100000U);
+    EXPECT_EQ(runJson({"show", "-"}, paths)["devices"].size(), 20000U);
 }
 
 TEST(Input, OneThatCannotBeReadIsAnError)
