@@ -19,13 +19,15 @@ struct LookupPool::State {
     };
     using Answers = std::map<std::size_t, Answer>;
     /// Made before the work, so that no answer and no failure is lost for want of memory.
-    using Place = Answers::node_type;
+    using Slot = Answers::node_type;
 
-    static Place newPlace();
-    std::optional<std::string> takePath(Place& place);
-    Place answer(const std::string& path, unsigned int worker, Place place);
-    void put(Place place);
-    void runWorker(unsigned int worker, Place place);
+    static Slot newSlot();
+    bool awaitRoom();
+    std::optional<std::string> takePath(Slot& slot);
+    Slot answer(const std::string& path, unsigned int worker, Slot slot);
+    void put(Slot slot);
+    void runWorker(unsigned int worker, Slot slot);
+    void stop();
 
     Source source;
     Work work;
@@ -34,70 +36,91 @@ struct LookupPool::State {
     bool exhausted = false;
 
     std::mutex mutex;
-    std::condition_variable changed;
+    std::condition_variable changed; // an answer has come, or a worker has ended
+    std::condition_variable room;    // an answer was handed out, or no more paths are taken
     Answers answers;
+    std::size_t handedOut = 0;
+    bool isStopped = false;
     unsigned int working = 0;
 };
 
-LookupPool::State::Place LookupPool::State::newPlace()
+LookupPool::State::Slot LookupPool::State::newSlot()
 {
     Answers answers;
     answers.try_emplace(0);
     return answers.extract(answers.begin());
 }
 
-/// The next path, whose answer has its number in `place`. What the source throws is put there.
-std::optional<std::string> LookupPool::State::takePath(Place& place)
+/// Waits until the next answer fits into the window; false when no more paths are to be taken. One
+/// worker at a time waits: it holds the mutex of the source.
+bool LookupPool::State::awaitRoom()
+{
+    std::unique_lock lock(mutex);
+    room.wait(lock, [this] { return isStopped || taken < handedOut + window; });
+    return !isStopped;
+}
+
+/// The next path, whose answer has its number in `slot`. What the source throws is put there.
+std::optional<std::string> LookupPool::State::takePath(Slot& slot)
 {
     const std::lock_guard lock(sourceMutex);
-    if (exhausted)
+    if (exhausted || !awaitRoom())
         return std::nullopt;
-    place.key() = taken++;
+    slot.key() = taken++;
     std::optional<std::string> path;
     try {
         path = source();
     } catch (...) {
-        place.mapped().failure = std::current_exception();
-        put(std::move(place));
+        slot.mapped().failure = std::current_exception();
+        put(std::move(slot));
     }
     exhausted = !path;
     return path;
 }
 
-/// Puts the answer in `place` and returns the place for the worker's next one; an empty place when
+/// Puts the answer in `slot` and returns the slot for the worker's next one; an empty slot when
 /// there is none, which ends the worker.
-LookupPool::State::Place LookupPool::State::answer(const std::string& path, unsigned int worker,
-                                                   Place place)
+LookupPool::State::Slot LookupPool::State::answer(const std::string& path, unsigned int worker,
+                                                  Slot slot)
 {
-    Place next;
+    Slot next;
     try {
-        next = newPlace();
-        place.mapped().row = work(path, worker);
+        next = newSlot();
+        slot.mapped().row = work(path, worker);
     } catch (const Interrupted&) {
+        stop(); // the answer never comes, so the window would never move on
         return {};
     } catch (...) {
-        place.mapped().failure = std::current_exception();
+        slot.mapped().failure = std::current_exception();
     }
-    put(std::move(place));
+    put(std::move(slot));
     return next;
 }
 
-void LookupPool::State::put(Place place)
+void LookupPool::State::put(Slot slot)
 {
     const std::lock_guard lock(mutex);
-    answers.insert(std::move(place));
+    answers.insert(std::move(slot));
     changed.notify_one();
 }
 
-void LookupPool::State::runWorker(unsigned int worker, Place place)
+void LookupPool::State::runWorker(unsigned int worker, Slot slot)
 {
-    while (!place.empty()) {
-        const std::optional<std::string> path = takePath(place);
-        place = path ? answer(*path, worker, std::move(place)) : Place();
+    while (!slot.empty()) {
+        const std::optional<std::string> path = takePath(slot);
+        slot = path ? answer(*path, worker, std::move(slot)) : Slot();
     }
     const std::lock_guard lock(mutex);
     --working;
     changed.notify_one();
+}
+
+/// Has the workers end as they come back for a path.
+void LookupPool::State::stop()
+{
+    const std::lock_guard lock(mutex);
+    isStopped = true;
+    room.notify_one();
 }
 
 LookupPool::LookupPool(unsigned int workers, Source source, Work work)
@@ -110,8 +133,8 @@ LookupPool::LookupPool(unsigned int workers, Source source, Work work)
         const std::lock_guard lock(m_state->mutex);
         try {
             m_threads.push_back(
-                startThread([state = m_state, worker, place = State::newPlace()]() mutable {
-                    state->runWorker(worker, std::move(place));
+                startThread([state = m_state, worker, slot = State::newSlot()]() mutable {
+                    state->runWorker(worker, std::move(slot));
                 }));
         } catch (const std::exception&) {
             if (worker == 0)
@@ -124,6 +147,7 @@ LookupPool::LookupPool(unsigned int workers, Source source, Work work)
 
 LookupPool::~LookupPool()
 {
+    m_state->stop();
     std::unique_lock lock(m_state->mutex);
     const bool allEnded = m_state->working == 0;
     lock.unlock();
@@ -135,16 +159,27 @@ LookupPool::Next LookupPool::next(Row& row, std::chrono::milliseconds patience)
 {
     State& state = *m_state;
     std::unique_lock lock(state.mutex);
-    state.changed.wait_for(
-        lock, patience, [&] { return state.working == 0 || state.answers.count(m_handedOut) > 0; });
-    auto answer = state.answers.extract(m_handedOut);
-    if (answer.empty())
+    state.changed.wait_for(lock, patience, [&] {
+        return state.working == 0 || state.answers.count(state.handedOut) > 0;
+    });
+    const State::Slot slot = state.answers.extract(state.handedOut);
+    if (slot.empty())
         return state.working == 0 ? Next::end : Next::pending;
-    if (answer.mapped().failure)
-        std::rethrow_exception(answer.mapped().failure);
-    row = std::move(answer.mapped().row);
-    ++m_handedOut;
+    if (slot.mapped().failure) {
+        lock.unlock();
+        state.stop();
+        std::rethrow_exception(slot.mapped().failure);
+    }
+    row = std::move(slot.mapped().row);
+    ++state.handedOut;
+    state.room.notify_one();
     return Next::row;
+}
+
+std::size_t LookupPool::handedOut() const
+{
+    const std::lock_guard lock(m_state->mutex);
+    return m_state->handedOut;
 }
 
 } // namespace command

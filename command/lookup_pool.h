@@ -14,12 +14,18 @@
 namespace command {
 
 /// Answers paths in several threads at once and hands the answers out in the order of the paths.
+///
+/// Answers wait for those before them. So that one slow path does not have endless input answered
+/// and kept, workers take no path from the source that is `window` or more behind the next answer
+/// to hand out.
 class LookupPool {
 public:
+    static constexpr std::size_t window = 1024;
+
     /// The next path; nothing at the end. Called by one worker at a time.
     using Source = std::function<std::optional<std::string>()>;
     /// Answers a path in worker number `worker`, counted from 0. Interrupted ends the worker
-    /// without an answer.
+    /// without an answer, and no more paths are taken.
     using Work = std::function<Row(const std::string& path, unsigned int worker)>;
 
     enum class Next { row, pending, end };
@@ -30,23 +36,22 @@ public:
     LookupPool(const LookupPool&) = delete;
     LookupPool& operator=(const LookupPool&) = delete;
 
-    /// Leaves workers that have not ended to themselves: what source and work refer to must then
-    /// outlive them.
+    /// Detaches workers that are still running. They take no more paths, but what source and work
+    /// refer to must outlive them.
     ~LookupPool();
 
     /// Waits for the next answer, up to `patience`, and stores it in `row`. What source or work
-    /// threw in its place, or std::bad_alloc, is thrown here; the answers end with that.
+    /// threw for that path, or std::bad_alloc, is thrown here; the answers end with that.
     Next next(Row& row, std::chrono::milliseconds patience);
 
     /// The number of answers handed out.
-    std::size_t handedOut() const { return m_handedOut; }
+    std::size_t handedOut() const;
 
 private:
     struct State;
 
     std::shared_ptr<State> m_state;
     std::vector<std::thread> m_threads;
-    std::size_t m_handedOut = 0;
 };
 
 } // namespace command

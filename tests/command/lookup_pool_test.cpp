@@ -206,16 +206,129 @@ TEST(LookupPool, AnInterruptedWorkerLeavesNoAnswer)
     EXPECT_THAT(answers(pool), ElementsAre("a"));
 }
 
+/// A pool whose source has no end: "0", "1" and so on. The first path is answered when the test
+/// says so, the others at once.
+class EndlessPool {
+public:
+    explicit EndlessPool(unsigned int workers)
+        : m_pool(std::make_unique<LookupPool>(
+              workers, [calls = m_calls] { return std::to_string((*calls)++); },
+              [first = m_first.get_future().share()](const std::string& path, unsigned int) {
+                  if (path == "0")
+                      first.get();
+                  return Row(path);
+              }))
+    {}
+
+    void answerFirst() { m_first.set_value(); }
+    void failFirst(const std::exception_ptr& failure) { m_first.set_exception(failure); }
+
+    LookupPool& operator*() { return *m_pool; }
+    void destroyPool() { m_pool.reset(); }
+
+    /// Waits until the source has been asked so often, and returns whether that was the last time
+    /// for now.
+    bool isAskedExactly(std::size_t times) const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + 10s;
+        while (*m_calls < times && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(20ms);
+        return *m_calls == times;
+    }
+
+    /// Whether no worker is left: each holds on to what the source uses.
+    bool isLeftByWorkers() const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + 10s;
+        while (m_calls.use_count() > 1 && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::yield();
+        return m_calls.use_count() == 1;
+    }
+
+private:
+    std::promise<void> m_first;
+    std::shared_ptr<std::atomic<std::size_t>> m_calls =
+        std::make_shared<std::atomic<std::size_t>>(0);
+    std::unique_ptr<LookupPool> m_pool;
+};
+
+class LookupPoolWindow : public testing::TestWithParam<unsigned int> {
+protected:
+    EndlessPool pool{GetParam()};
+};
+
+INSTANTIATE_TEST_SUITE_P(Workers, LookupPoolWindow, testing::Values(2U, 64U));
+
+TEST_P(LookupPoolWindow, NoPathIsTakenThatIsTooFarBehindTheFirst)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.answerFirst();
+}
+
+TEST_P(LookupPoolWindow, EachAnswerHandedOutLetsOneMorePathIn)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.answerFirst();
+    Row row;
+    for (std::size_t number = 0; number < 3; ++number) {
+        ASSERT_EQ((*pool).next(row, 10s), LookupPool::Next::row);
+        EXPECT_EQ(row, std::to_string(number));
+        EXPECT_TRUE(pool.isAskedExactly(LookupPool::window + number + 1));
+    }
+}
+
+TEST_P(LookupPoolWindow, NoAnswerIsLostAsItMovesOn)
+{
+    pool.answerFirst();
+    Row row;
+    for (std::size_t number = 0; number < 3 * LookupPool::window; ++number) {
+        ASSERT_EQ((*pool).next(row, 10s), LookupPool::Next::row);
+        ASSERT_EQ(row, std::to_string(number));
+    }
+    EXPECT_EQ((*pool).handedOut(), 3 * LookupPool::window);
+}
+
+TEST_P(LookupPoolWindow, WorkersThatWaitEndWhenThePoolGoes)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.destroyPool();
+    pool.answerFirst();
+    EXPECT_TRUE(pool.isLeftByWorkers());
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+}
+
+TEST_P(LookupPoolWindow, WorkersThatWaitEndWhenOneIsInterrupted)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.failFirst(std::make_exception_ptr(command::Interrupted()));
+    Row row;
+    EXPECT_EQ((*pool).next(row, 10s), LookupPool::Next::end);
+}
+
+TEST_P(LookupPoolWindow, WorkersThatWaitEndBehindAFailure)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.failFirst(std::make_exception_ptr(std::runtime_error("no 0")));
+    Row row;
+    EXPECT_THROW((*pool).next(row, 10s), std::runtime_error);
+    EXPECT_EQ((*pool).next(row, 10s), LookupPool::Next::end);
+}
+
 TEST(LookupPool, ItDoesNotWaitForWorkersThatAreBusyWhenItGoes)
 {
+    auto begun = std::make_shared<std::promise<void>>();
     auto goOn = std::make_shared<std::promise<void>>();
     auto done = std::make_shared<std::promise<void>>();
     {
-        LookupPool pool(1, source({"a"}), [goOn, done](const std::string& path, unsigned int) {
-            goOn->get_future().wait();
-            done->set_value();
-            return Row(path);
-        });
+        const LookupPool pool(1, source({"a"}),
+                              [begun, goOn, done](const std::string& path, unsigned int) {
+                                  begun->set_value();
+                                  goOn->get_future().wait();
+                                  done->set_value();
+                                  return Row(path);
+                              });
+        begun->get_future().wait();
     }
     goOn->set_value();
     done->get_future().wait();
