@@ -2,10 +2,9 @@
 #define ALLOCATION_OPERATORS_H
 
 // For the one source file of a test program that replaces operator new and operator delete: their
-// other forms, which a sanitizer's own ones would not match. Those that throw, and every delete,
-// end in the two that the file defines.
+// other forms, which a sanitizer's own ones would not match. All of them end in the two that the
+// file defines.
 
-#include <cstdlib>
 #include <new>
 
 // NOLINTBEGIN(misc-definitions-in-headers)
@@ -16,12 +15,16 @@ void* operator new[](std::size_t size)
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
 {
-    return std::malloc(size);
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
-void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept
 {
-    return std::malloc(size);
+    return operator new(size, tag);
 }
 
 void operator delete(void* block, std::size_t /*size*/) noexcept

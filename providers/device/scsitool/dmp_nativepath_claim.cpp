@@ -1,7 +1,9 @@
 #include "dmp_nativepath_claim.h"
 
 #include <chrono>
-#include <numeric>
+#include <initializer_list>
+#include <new>
+#include <string_view>
 #include <utility>
 
 #include <unistd.h>
@@ -28,29 +30,38 @@ constexpr char diskTool[] = "kodisk  ";
 constexpr unsigned long commandLimitSeconds = 600;
 constexpr int lookupAttempts = 4;
 
-AceString toolCommand(const char* tool, const char* subcommand)
+/// Appends all of `piece`. ACE's strings do not report that memory ran out: one that could not be
+/// made or copied has a null pointer, and one that could not grow keeps its length.
+void append(AceString& text, const AceString& piece)
 {
-    AceString command(toolDirectory);
-    command += tool;
-    command += subcommand;
-    return command;
+    const bool made = text.c_str() != nullptr && piece.c_str() != nullptr;
+    const std::size_t length = text.length() + piece.length();
+    if (!made || (text += piece).length() != length)
+        throw std::bad_alloc();
 }
 
-std::string joined(const std::vector<std::string>& lines)
+AceString commandLine(std::initializer_list<const char*> pieces)
 {
-    return std::accumulate(lines.begin(), lines.end(), std::string());
+    AceString line;
+    for (const char* piece : pieces)
+        append(line, piece);
+    return line;
 }
 
-/// The names with commas between them.
-std::string commaList(const std::vector<std::string>& names)
+/// The pieces in order, with `separator` between them.
+std::string joined(const std::vector<std::string>& pieces, std::string_view separator)
 {
-    std::string list;
-    const char* separator = "";
-    for (const std::string& name : names) {
-        (list += separator) += name;
-        separator = ",";
+    std::size_t size = 0;
+    for (const std::string& piece : pieces)
+        size += separator.size() + piece.size();
+    std::string text;
+    text.reserve(size);
+    std::string_view before;
+    for (const std::string& piece : pieces) {
+        (text += before) += piece;
+        before = separator;
     }
-    return list;
+    return text;
 }
 
 bool contains(const std::string& text, const char* part)
@@ -187,7 +198,7 @@ std::string CNativePathClaim::getActivePath(std::string device, bool wait)
 bool CKoDMPSupport::isCommandAvailable(AceString directory, AceString command)
 {
     CZE_TRACE_FUNCTION();
-    directory += command;
+    append(directory, command);
     const std::string path = CZeStringTool::trim(CZeStringTool::tstr2str(directory), " \n\t\r");
     return access(path.c_str(), X_OK) == 0;
 }
@@ -200,40 +211,37 @@ bool CKoDMPSupport::isKoDMPInstalled()
 
 int CKoDMPSupport::executeCommand(const char* command, std::vector<std::string>& output)
 {
+    std::string text;
+    return executeCommand(command, output, text);
+}
+
+int CKoDMPSupport::executeCommand(const char* command, std::vector<std::string>& output,
+                                  std::string& text)
+{
     CZE_TRACE_FUNCTION();
     CZeExecPipePosix runner(1);
     runner.registerTraceLog(m_traceLog);
     output.clear();
     CZE_TRACE(3, "ExecuteCommand command: %s", command);
     int result = 1;
+    bool hasRun = false;
     try {
         result = runner.Exec(command, output, "", commandLimitSeconds, "", "", "");
+        hasRun = true;
     } catch (const EZeExecPipe&) {
         CZE_TRACE(1, "ExecuteCommand - exception thrown in command execution.");
-        return result;
     }
-    if (result != 0)
-        CZE_TRACE(2, "Warning - failed with message='%s' and error no '%d'.",
-                  joined(output).c_str(), result);
-    else if (!output.empty())
-        CZE_TRACE(6, "ExecuteCommand passed with output '%s'", joined(output).c_str());
+    if (m_traceLog)
+        text = joined(output, "");
+    if (hasRun && result != 0)
+        CZE_TRACE(2, "Warning - failed with message='%s' and error no '%d'.", text.c_str(), result);
+    else if (hasRun && !output.empty())
+        CZE_TRACE(6, "ExecuteCommand passed with output '%s'", text.c_str());
     return result;
 }
 
-void CKoDMPSupport::traceFailure(const char* operation, const AceString& command,
-                                 const std::vector<std::string>& lines)
+CKoDMPSupport::Answer CKoDMPSupport::judge(const std::vector<std::string>& lines)
 {
-    CZE_TRACE(2, "CKoDMPSupport::%s : Command [%s] failed with error [%s]", operation,
-              command.c_str(), joined(lines).c_str());
-}
-
-CKoDMPSupport::Answer CKoDMPSupport::query(const char* operation, const AceString& command,
-                                           std::vector<std::string>& lines)
-{
-    if (executeCommand(command.c_str(), lines) != 0) {
-        traceFailure(operation, command, lines);
-        return Answer::failed;
-    }
     if (lines.size() < firstRow) {
         CZE_TRACE(2, "Warning - no output of command.");
         return Answer::failed;
@@ -253,11 +261,18 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler(std::string osDiskName, std::stri
 {
     CZE_TRACE_FUNCTION();
     dmpNodeName.clear();
-    AceString command = toolCommand(adminTool, " getdmpnode ");
-    command += " nodename=";
-    command += osDiskName.c_str();
+    const AceString command =
+        commandLine({toolDirectory, adminTool, " getdmpnode ", " nodename=", osDiskName.c_str()});
     std::vector<std::string> lines;
-    const Answer answer = query(__func__, command, lines);
+    std::string text;
+    if (executeCommand(command.c_str(), lines, text) != 0) {
+        CZE_TRACE(2,
+                  "CKoDMPSupport::getKoVMDiskForOSDiskHandler : Command [%s] failed with error "
+                  "[%s]",
+                  command.c_str(), text.c_str());
+        return 1;
+    }
+    const Answer answer = judge(lines);
     if (answer != Answer::table)
         return answer == Answer::failed ? 1 : 0;
     for (std::size_t number = firstRow; number < lines.size(); ++number) {
@@ -274,11 +289,17 @@ int CKoDMPSupport::getOSDiskHandleForKoVMDisk(std::string dmpNodeName, std::stri
 {
     CZE_TRACE_FUNCTION();
     osDiskName.clear();
-    AceString command = toolCommand(adminTool, " getsubpaths ");
-    command += " dmpnodename=";
-    command += dmpNodeName.c_str();
+    const AceString command = commandLine(
+        {toolDirectory, adminTool, " getsubpaths ", " dmpnodename=", dmpNodeName.c_str()});
     std::vector<std::string> lines;
-    const Answer answer = query(__func__, command, lines);
+    std::string text;
+    if (executeCommand(command.c_str(), lines, text) != 0) {
+        CZE_TRACE(2,
+                  "CKoDMPSupport::getOSDiskHandleForKoVMDisk : Command [%s] failed with error [%s]",
+                  command.c_str(), text.c_str());
+        return 1;
+    }
+    const Answer answer = judge(lines);
     if (answer != Answer::table)
         return answer == Answer::failed ? 1 : 0;
     osDiskName = bestPath(lines);
@@ -291,8 +312,7 @@ int CKoDMPSupport::getOSDiskHandleForKoVMDisk(std::string dmpNodeName, std::stri
 int CKoDMPSupport::removeDisksFromKoVM(std::string diskName)
 {
     CZE_TRACE_FUNCTION();
-    AceString command = toolCommand(diskTool, " rm ");
-    command += diskName.c_str();
+    const AceString command = commandLine({toolDirectory, diskTool, " rm ", diskName.c_str()});
     std::vector<std::string> lines;
     if (executeCommand(command.c_str(), lines) != 0)
         CZE_TRACE(2, "Warning - removing disk from kovm db is failed.");
@@ -302,16 +322,16 @@ int CKoDMPSupport::removeDisksFromKoVM(std::string diskName)
 int CKoDMPSupport::kovmScanDisks(const std::vector<std::string>& diskNames)
 {
     CZE_TRACE_FUNCTION();
-    AceString command = toolCommand(diskTool, " scandisks ");
-    const std::string list = commaList(diskNames);
-    if (!list.empty()) {
-        command += " device=";
-        command += CZeStringTool::str2tstr(list);
-    }
+    const std::string list = joined(diskNames, ",");
+    const char* keyword = list.empty() ? "" : " device=";
+    const AceString command =
+        commandLine({toolDirectory, diskTool, " scandisks ", keyword, list.c_str()});
     std::vector<std::string> lines;
-    if (executeCommand(command.c_str(), lines) == 0)
+    std::string text;
+    if (executeCommand(command.c_str(), lines, text) == 0)
         return 0;
-    traceFailure(__func__, command, lines);
+    CZE_TRACE(2, "CKoDMPSupport::kovmScanDisks : Command [%s] failed with error [%s]",
+              command.c_str(), text.c_str());
     return 1;
 }
 
@@ -322,6 +342,7 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Waited(std::string osDiskName,
     const std::vector<std::string> disk{osDiskName};
     int result = 0;
     for (int attempt = 0; attempt < lookupAttempts; ++attempt) {
+        dmpNodeName.clear();
         result = getKoVMDiskForOSDiskHandler(osDiskName, dmpNodeName);
         if (result == 0)
             return 0;
@@ -341,6 +362,7 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Refreshed(std::string osDiskName,
     CZE_TRACE(6,
               "We will remove dmp node from kovm and rescan to regenerate dmp node for disk [%s].",
               osDiskName.c_str());
+    dmpNodeName.clear();
     int result = getKoVMDiskForOSDiskHandler(osDiskName, dmpNodeName);
     if (result == 0) {
         CZE_TRACE(6, "Obtained dmp nodes is [%s].", dmpNodeName.c_str());

@@ -55,7 +55,8 @@ public:
 /// for success; names come back through references that are emptied first. Operations run on the
 /// caller's thread and block while their tools run, 600 seconds each and what it takes to end one
 /// that runs longer. Objects have no state besides the trace log handle; one object serves one
-/// thread. What the runner throws besides EZeExecPipe passes through.
+/// thread. What the runner throws besides EZeExecPipe passes through. When memory runs out,
+/// std::bad_alloc leaves the operation: a command line is run whole or not at all.
 class CZE_EXPORT CKoDMPSupport : public koze_pdk_4_4::CZeTraceable {
 public:
     /// Returns whether the file `directory` + `command`, without the white space around it, can be
@@ -98,12 +99,12 @@ public:
 private:
     enum class Answer { failed, noTable, table };
 
-    /// Runs a query into `lines` and judges its output; traces what is wrong with it.
-    CZE_LOCAL Answer query(const char* operation, const ACE_String_Base<char>& command,
-                           std::vector<std::string>& lines);
+    /// The operation above, which also stores the lines in `text`, joined, when there is a log.
+    CZE_LOCAL int executeCommand(const char* command, std::vector<std::string>& output,
+                                 std::string& text);
 
-    CZE_LOCAL void traceFailure(const char* operation, const ACE_String_Base<char>& command,
-                                const std::vector<std::string>& lines);
+    /// Judges the output of a query, and traces what is wrong with it.
+    CZE_LOCAL Answer judge(const std::vector<std::string>& lines);
 };
 
 #endif

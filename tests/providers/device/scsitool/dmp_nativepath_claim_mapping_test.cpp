@@ -9,6 +9,7 @@
 #include "tests/support/scripted_tools.h"
 #include "tests/support/trace_outline.h"
 
+using koze_pdk_4_4::CZeTraceLog;
 using koze_pdk_4_4::EZeExecPipe;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -350,6 +351,22 @@ TEST_F(KoDmpMapping, NoLineIsCopiedWithoutALog)
     m_tools.answer({pathCommand, 0, table, [&] { probe.emplace(); }});
     m_support.getOSDiskHandleForKoVMDisk("arr0_17", m_name);
     EXPECT_GT(probe->largest(), longLine); // With a log the lines are joined for its message.
+}
+
+TEST_F(KoDmpMapping, LinesAreJoinedOnceAndForALogOnly)
+{
+    const Lines lines(1000, "a line with memory of its own");
+    const auto allocations = [&](CKoDMPSupport& support, int status) {
+        std::optional<AllocationProbe> probe;
+        m_tools.answer({pathCommand, status, lines, [&] { probe.emplace(); }});
+        support.getOSDiskHandleForKoVMDisk("arr0_17", m_name);
+        return probe->made();
+    };
+    CKoDMPSupport silent;
+    CKoDMPSupport traced;
+    traced.registerTraceLog(new CZeTraceLog);
+    for (const int status : {0, 1})
+        EXPECT_EQ(allocations(traced, status), allocations(silent, status) + 1) << status;
 }
 
 TEST_F(KoDmpMapping, ResultsDoNotDependOnTracing)

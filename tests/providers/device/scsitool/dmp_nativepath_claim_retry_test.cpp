@@ -2,11 +2,15 @@
 #include <gmock/gmock.h>
 
 #include <new>
+#include <stdexcept>
 
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "tests/support/scripted_tools.h"
 #include "tests/support/trace_outline.h"
 
+using koze_pdk_4_4::CZeTraceCallbackSink;
+using koze_pdk_4_4::CZeTraceLog;
+using koze_pdk_4_4::CZeTraceLogHandle;
 using koze_pdk_4_4::EZeExecPipe;
 using testing::ElementsAre;
 
@@ -346,6 +350,37 @@ TEST_F(KoDmpRetry, AnExceptionAfterTheRemovalLeavesNoOldNodeBehind)
     m_tools.answer({rescanAll, 0, {}, [] { throw std::bad_alloc(); }});
     EXPECT_THROW(refreshed(), std::bad_alloc);
     EXPECT_EQ(m_node, "");
+}
+
+/// A log that throws at a line which begins with `line`.
+CZeTraceLogHandle throwingAt(const std::string& line)
+{
+    CZeTraceLogHandle log = new CZeTraceLog;
+    log->setSink(new CZeTraceCallbackSink(6, [line](int, std::string_view text) {
+        if (text.substr(0, line.size()) == line)
+            throw std::runtime_error("log");
+    }));
+    return log;
+}
+
+TEST_F(KoDmpRetry, TheOldNodeIsGoneBeforeALookupBegins)
+{
+    m_support.registerTraceLog(throwingAt("Entering Function getKoVMDiskForOSDiskHandler ["));
+    EXPECT_THROW(waited(), std::runtime_error);
+    EXPECT_EQ(m_node, "");
+    m_node = "old";
+    EXPECT_THROW(refreshed(), std::runtime_error);
+    EXPECT_EQ(m_node, "");
+}
+
+TEST_F(KoDmpRetry, TheOldNodeIsKeptUntilTheLookupIsDue)
+{
+    m_support.registerTraceLog(throwingAt("Entering Function getKoVMDiskForOSDiskHandler_"));
+    EXPECT_THROW(waited(), std::runtime_error);
+    EXPECT_EQ(m_node, "old");
+    m_support.registerTraceLog(throwingAt("We will remove"));
+    EXPECT_THROW(refreshed(), std::runtime_error);
+    EXPECT_EQ(m_node, "old");
 }
 
 TEST_F(KoDmpRetry, ResultsDoNotDependOnTracing)
