@@ -10,10 +10,12 @@
 
 namespace koze_pdk_4_4 {
 
-/// The framework's string helpers. Stateless; safe between threads.
+/// The framework's string helpers. Stateless; safe between threads. Throws std::bad_alloc when
+/// memory runs out, which framework strings themselves do not report.
 class CZE_EXPORT CZeStringTool {
 public:
-    /// The text of a framework string as a standard string, unchanged, NUL bytes included.
+    /// The text of a framework string as a standard string, unchanged, NUL bytes included. Throws
+    /// std::bad_alloc too when there was no memory to make `text`.
     static std::string tstr2str(const ACE_String_Base<char>& text);
 
     /// The text of a standard string as a framework string, unchanged, NUL bytes included.

@@ -1,6 +1,7 @@
 #include "pdk/include/czestringtool.h"
 
 #include <algorithm>
+#include <new>
 #include <string_view>
 
 namespace {
@@ -26,12 +27,17 @@ namespace koze_pdk_4_4 {
 
 std::string CZeStringTool::tstr2str(const ACE_String_Base<char>& text)
 {
+    if (text.fast_rep() == nullptr)
+        throw std::bad_alloc();
     return {text.fast_rep(), text.length()};
 }
 
 ACE_String_Base<char> CZeStringTool::str2tstr(const std::string& text)
 {
-    return {text.data(), text.size()};
+    ACE_String_Base<char> converted(text.data(), text.size());
+    if (converted.length() != text.size())
+        throw std::bad_alloc();
+    return converted;
 }
 
 std::string CZeStringTool::trim(const std::string& text, const std::string& characters)
