@@ -7,6 +7,20 @@
 #include "dmp_nativepath_claim.h"
 #include "dmp_powerpath_claim.h"
 
+namespace {
+
+/// Visits the modules that are listed when the walk begins. A module, or the trace log, may
+/// register another module meanwhile, which moves the list in memory.
+template <class Visit>
+void forEach(const std::vector<CDmpDeviceClaimBase*>& modules, Visit visit)
+{
+    const std::size_t count = modules.size();
+    for (std::size_t number = 0; number < count; ++number)
+        visit(*modules[number]);
+}
+
+} // namespace
+
 // The list holds plain pointers: when a module cannot be made here, those made already are left
 // alone, as the host's framework expects of a constructor that throws.
 CDmpClaimManager::CDmpClaimManager()
@@ -36,19 +50,20 @@ void CDmpClaimManager::registerTraceLog(koze_pdk_4_4::CZeTraceLogHandle& log)
 {
     CZE_TRACE_FUNCTION();
     m_traceLog = log;
-    for (CDmpDeviceClaimBase* module : m_modules)
-        module->registerTraceLog(log);
+    // The held handle, not `log`: a module may register another log, and then all share the last.
+    forEach(m_modules,
+            [this](CDmpDeviceClaimBase& module) { module.registerTraceLog(m_traceLog); });
 }
 
 std::vector<std::string> CDmpClaimManager::getDeviceClaimStrings()
 {
     CZE_TRACE_FUNCTION();
     std::vector<std::string> merged;
-    for (CDmpDeviceClaimBase* module : m_modules) {
-        std::vector<std::string> strings = module->getDeviceClaimStrings();
+    forEach(m_modules, [&merged](CDmpDeviceClaimBase& module) {
+        std::vector<std::string> strings = module.getDeviceClaimStrings();
         merged.insert(merged.begin(), std::make_move_iterator(strings.begin()),
                       std::make_move_iterator(strings.end()));
-    }
+    });
     return merged;
 }
 
@@ -89,12 +104,12 @@ std::uint32_t CDmpClaimManager::getClaimModule(CDmpDeviceClaimBase*& module, std
 {
     CZE_TRACE_FUNCTION();
     std::uint32_t strongest = CLAIM_NONE;
-    for (CDmpDeviceClaimBase* candidate : m_modules) {
-        const std::uint32_t result = candidate->claim(device);
+    forEach(m_modules, [&](CDmpDeviceClaimBase& candidate) {
+        const std::uint32_t result = candidate.claim(device);
         if (result > strongest) {
             strongest = result;
-            module = candidate;
+            module = &candidate;
         }
-    }
+    });
     return strongest;
 }

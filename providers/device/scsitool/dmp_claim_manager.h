@@ -19,6 +19,10 @@
 /// until `registerTraceLog`. The strongest claim wins, among equals the earlier module. One manager
 /// serves one thread; queries do not change it.
 ///
+/// Modules and the trace log may call the manager from within its operations, but not destroy it. A
+/// module that is registered while the modules are being asked is first asked by the next question.
+/// A log that is registered meanwhile goes to every listed module.
+///
 /// An operation leaves by an exception only when memory runs out, or a module of the host's or the
 /// trace log throws.
 class CZE_EXPORT CDmpClaimManager : public virtual koze_pdk_4_4::CZeTraceable {
@@ -27,12 +31,18 @@ public:
     CDmpClaimManager(const CDmpClaimManager&) = delete;
     CDmpClaimManager& operator=(const CDmpClaimManager&) = delete;
 
-    /// Deletes every listed module.
+    /// Deletes every listed module, in order. Their destructors must not call the manager.
     ~CDmpClaimManager() override;
 
-    /// Gives the module the manager's log and appends it to the list; null is ignored. The manager
-    /// owns the module from then on: made with `new`, registered once, never deleted by the host.
-    /// When memory for the list runs out, the module stays the host's.
+    /// Gives the module the manager's log and appends it to the list; null is ignored.
+    ///
+    /// When the call returns, the manager owns the module: made with `new`, registered once, never
+    /// deleted by the host. When the call leaves by an exception, whichever it is, the module is
+    /// not listed and stays the host's; it may have been given the log. So a host writes
+    ///
+    ///     auto module = std::make_unique<HostModule>();
+    ///     manager.registerClaimModule(module.get());
+    ///     module.release();
     virtual void registerClaimModule(CDmpDeviceClaimBase* module);
 
     /// Shares `log` and passes it to every listed module. The entering and exiting line of this
