@@ -130,6 +130,14 @@ TEST(BoundedFormatter, TakesASizeWithTheSignBitForTooSmall)
     EXPECT_EQ(dst.last(), '\0');
 }
 
+TEST(BoundedFormatter, TakesASizeWithTheSignBitForTooSmallForTheEmptyTextToo)
+{
+    HugeDestination dst(std::size_t{1} << 31);
+    EXPECT_EQ(Y_snprintf(dst, dst.size(), "%s", ""), INT32_MAX);
+    EXPECT_STREQ(dst, "");
+    EXPECT_EQ(dst.last(), '\0');
+}
+
 TEST(BoundedFormatter, ComparesWithTheLowBitsOfALargeSize)
 {
     HugeDestination dst((std::size_t{1} << 32) + 3);

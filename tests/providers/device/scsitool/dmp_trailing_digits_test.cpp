@@ -4,6 +4,32 @@
 
 #include <cerrno>
 #include <clocale>
+#include <cstdlib>
+#include <cstring>
+
+#include "tests/support/allocation_operators.h"
+
+namespace {
+
+/// In front of every block of memory stand digits, and so in front of every long string.
+constexpr std::size_t digitsInFront = 64;
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    auto* block = static_cast<char*>(std::malloc(digitsInFront + size));
+    if (block == nullptr)
+        throw std::bad_alloc();
+    std::memset(block, '7', digitsInFront);
+    return block + digitsInFront;
+}
+
+[[gnu::noinline]] void operator delete(void* block) noexcept // inlined, it would not match new
+{
+    if (block != nullptr)
+        std::free(static_cast<char*>(block) - digitsInFront);
+}
 
 namespace {
 
@@ -33,11 +59,19 @@ TEST(TrailingDigits, BeginBehindTheLastCharacterThatIsNone)
     EXPECT_EQ(trailingDigits("a"), 1U);
     EXPECT_EQ(trailingDigits("7"), 0U);
     EXPECT_EQ(trailingDigits("123"), 0U);
-    EXPECT_EQ(trailingDigits(std::string(100, '1')), 0U);
     EXPECT_EQ(trailingDigits("a123"), 1U);
     EXPECT_EQ(trailingDigits("a1b23"), 3U);
     EXPECT_EQ(trailingDigits("123a"), 4U);
     EXPECT_EQ(trailingDigits(std::string("1\0002", 3)), 2U);
+}
+
+TEST(TrailingDigits, OfAnAllDigitNameBeginWithItHoweverLongItIs)
+{
+    ASSERT_EQ(*(std::string(16, '1').data() - 1), '7');
+    for (std::size_t length = 0; length < 100; ++length) {
+        const std::string name(length, '1');
+        EXPECT_EQ(trailingDigits(name), 0U) << length;
+    }
 }
 
 TEST(TrailingDigits, SpellTheLow32BitsOfALongThatSaturates)
