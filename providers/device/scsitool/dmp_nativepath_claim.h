@@ -99,7 +99,7 @@ public:
 private:
     enum class Answer { failed, noTable, table };
 
-    /// The operation above, which also stores the lines in `text`, joined, when there is a log.
+    /// The public operation of this name, which also joins the lines in `text` when there is a log.
     CZE_LOCAL int executeCommand(const char* command, std::vector<std::string>& output,
                                  std::string& text);
 
