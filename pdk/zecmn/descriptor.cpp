@@ -62,11 +62,11 @@ Descriptor aboveStandard(Descriptor opened)
     if (opened.number() > STDERR_FILENO)
         return opened;
     const int moved = fcntl(opened.number(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    if (moved < 0 && errno == EINVAL)
+    if (moved >= 0)
+        return Descriptor(moved);
+    if (errno == EINVAL)
         errno = EMFILE; // the limit allows for no other numbers at all
-    if (moved < 0)
-        fail("cannot open a descriptor");
-    return Descriptor(moved);
+    fail("cannot open a descriptor");
 }
 
 Pipe openPipe()

@@ -167,6 +167,32 @@ TEST_F(DescriptorTest, AnInputIsStoredUnsealedWhereTheKernelDoesNotKnowTheSeal)
     EXPECT_EQ(memoryFileFlags, (std::vector{MFD_CLOEXEC | noExecSeal, MFD_CLOEXEC}));
 }
 
+TEST_F(DescriptorTest, AnEarlierErrorMeansNothingToAHostThatHasClosedDescriptor0)
+{
+    const ClosedStandard closed({STDIN_FILENO});
+    errno = EINVAL;
+    EXPECT_EQ(contents(openInput("text")), "text");
+    EXPECT_EQ(memoryFileFlags, std::vector{MFD_CLOEXEC | noExecSeal});
+    errno = EINVAL;
+    EXPECT_TRUE(isPrivate(openPipe().readEnd));
+}
+
+TEST_F(DescriptorTest, AHostWithoutRoomAboveTheStandardDescriptorsHasTooManyFiles)
+{
+    EXPECT_TRUE(holdsInChild([] {
+        const ClosedStandard closed({STDIN_FILENO});
+        const rlimit limit{3, 3};
+        if (setrlimit(RLIMIT_NOFILE, &limit) != 0)
+            return false;
+        try {
+            openInput("");
+        } catch (const std::system_error& error) {
+            return error.code().value() == EMFILE;
+        }
+        return false;
+    }));
+}
+
 TEST_F(DescriptorTest, AnInputThatFindsNoMemoryFileIsRefusedAtOnce)
 {
     sealError = EMFILE;

@@ -92,6 +92,14 @@ TEST_F(OutputReaderTest, ThePipeIsClosedAtItsEnd)
     EXPECT_EQ(m_lines, Lines({"a"}));
 }
 
+TEST_F(OutputReaderTest, ThePipeIsClosedAtItsEndThoughSomethingElseWasInterruptedBefore)
+{
+    m_pipe.writeEnd.reset();
+    errno = EINTR;
+    m_reader.read();
+    EXPECT_FALSE(m_reader.isOpen());
+}
+
 TEST_F(OutputReaderTest, AnInterruptedReadLosesNothing)
 {
     print("a\n");

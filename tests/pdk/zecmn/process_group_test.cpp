@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 #include <limits>
 
 #include <dirent.h>
 #include <dlfcn.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,12 +21,34 @@ namespace {
 
 bool hasProc = true;
 
+/// How the processes that /proc lists vanish before their state is read, if they do.
+enum class Vanish { never, beforeOpening, beforeReading };
+Vanish vanish = Vanish::never;
+
 } // namespace
 
 extern "C" DIR* opendir(const char* name)
 {
     static auto* const real = reinterpret_cast<decltype(&opendir)>(dlsym(RTLD_NEXT, "opendir"));
     return hasProc ? real(name) : nullptr;
+}
+
+extern "C" int openat(int folder, const char* path, int flags, ...)
+{
+    if (vanish == Vanish::beforeOpening) {
+        errno = ENOENT;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_openat, folder, path, flags, 0));
+}
+
+extern "C" ssize_t read(int descriptor, void* bytes, std::size_t size)
+{
+    if (vanish == Vanish::beforeReading) {
+        errno = ESRCH;
+        return -1;
+    }
+    return syscall(SYS_read, descriptor, bytes, size);
 }
 
 namespace {
@@ -103,6 +127,17 @@ TEST(ProcessGroup, RunsWhateverItsMembersAreCalled)
     for (const char* name : {") Z 1 1", "a) Z 1", "(", ")", "a b", "\n"}) {
         const Member leader(0, name);
         EXPECT_TRUE(groupRuns(leader.pid())) << name;
+    }
+}
+
+TEST(ProcessGroup, DoesNotRunWhereItsMembersVanishWhileTheyAreLookedAt)
+{
+    const Member leader(0);
+    for (const Vanish when : {Vanish::beforeOpening, Vanish::beforeReading}) {
+        vanish = when;
+        EXPECT_FALSE(groupRuns(leader.pid()));
+        vanish = Vanish::never;
+        EXPECT_TRUE(groupRuns(leader.pid()));
     }
 }
 
