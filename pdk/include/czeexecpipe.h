@@ -70,23 +70,35 @@ public:
     ///
     /// The optional settings, each absent when it is empty:
     ///   directory    working directory of the program; else the host's.
-    ///   user         name of the account whose user and groups the program runs with; else the
-    ///                host's. Looked up before the time limit begins.
+    ///   user         name of the account that the program runs as, see below; else the host's user
+    ///                and groups. Looked up before the time limit begins.
     ///   environment  lines NAME=VALUE that replace or join the program's variables. These are
     ///                the host's, with LC_ALL=C and without LANGUAGE.
     ///   input        text of standard input; else it is /dev/null. One that is longer than a
     ///                file of the host may be (RLIMIT_FSIZE) is refused with EZeExecPipe.
     ///
     /// The program gets no other descriptor, default signal dispositions, no blocked or pending
-    /// signal and a process group of its own. The call returns as soon as the program has ended and
-    /// what it printed until then is read; what it left running in the background is left alone.
+    /// signal, and a session and process group of its own, without a terminal. The call returns as
+    /// soon as the program has ended and what it printed until then is read; what it left running
+    /// in the background is left alone.
+    ///
+    /// With `user`, the program has the account's user, groups, HOME, USER, LOGNAME and SHELL, and
+    /// a new session keyring. It has none of the host's capabilities (an account with number 0 gets
+    /// root's) and no real-time class. Everything else is inherited: the other variables, with any
+    /// secret in them; limits, nice value, I/O priority and out-of-memory score; umask, processors,
+    /// capability bounding set, namespaces, control group and filters. Setuid programs work. An
+    /// account whose number, or a group's, is 4294967295 is refused with EZeExecPipe. The program
+    /// starts from a copy of the host, as after fork, that no process of the account can look into.
+    /// Its cost grows with the host, and what open(2) says of direct I/O during a fork holds.
+    /// Without `user` nothing is copied.
     ///
     /// Past `timeLimitSeconds` (0: the default limit; more than 1,000,000,000 counts as that), or
-    /// past a bound, its whole process group gets SIGTERM and, after the grace at the latest,
-    /// SIGKILL. The call then returns within another second. A program that even SIGKILL cannot
-    /// end, because it waits for a device that does not answer, is left behind. So is, before
-    /// kernel 6.9 and in a host that reaps every child itself, what outlives the program in its
-    /// group: its number may mean another group by then.
+    /// past a bound, the program and its process group get SIGTERM and, after the grace at the
+    /// latest, SIGKILL. The call then returns within another second. The program cannot leave its
+    /// group. A process that it has started can, and is left behind then. So is one that waits for
+    /// a device that does not answer, and, before kernel 6.9 and in a host that reaps every child
+    /// itself, what outlives the program in its group: its number may mean another group by then.
+    /// Nothing waits for what is left behind.
     ///
     /// The host gets its SIGCHLD as for any child. Signals to this thread wait while the program
     /// starts, a cancellation of it until the call returns.

@@ -1,23 +1,28 @@
-// What a child does between clone and its program. It shares the host's memory meanwhile, thread
-// storage included, and any other thread of the host may hold any lock. So it makes plain system
-// calls only: no function of the C library that keeps state, and none that a host may have
-// replaced. The one variable they write is errno; the host's thread leaves that alone until the
-// child has left.
+// What a child does between clone and its program. It has the host's memory meanwhile, shared or
+// copied, thread storage included, and any other thread of the host may hold any lock. So it makes
+// plain system calls only: no function of the C library that keeps state, and none that a host may
+// have replaced. The one variable they write is errno; the host's thread leaves a shared one alone
+// until the child has left.
 #include "child_plan.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <new>
+#include <system_error>
 #include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "switch_user.h"
+
 namespace {
 
-using koze_pdk_4_4::runner::Identity;
+using koze_pdk_4_4::runner::Failure;
 using koze_pdk_4_4::runner::StandardStreams;
 
 static_assert(sizeof(long) == 8, "system calls take 64-bit arguments as they are");
@@ -29,6 +34,16 @@ constexpr char kernelZeros[64] = {};
 constexpr std::uint64_t everySignal = ~std::uint64_t{0};
 
 constexpr int firstOther = STDERR_FILENO + 1;
+
+/// Memory that a copy of this process shares with it.
+Failure* mapFailure()
+{
+    void* memory =
+        mmap(nullptr, sizeof(Failure), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        throw std::system_error(errno, std::generic_category(), "cannot start a process");
+    return new (memory) Failure();
+}
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts)
 {
@@ -101,27 +116,29 @@ bool closeOthers()
     return syscall(SYS_close_range, firstOther, ~0U, 0) == 0 || closeListed();
 }
 
-bool become(const Identity& identity)
-{
-    return syscall(SYS_setgroups, identity.groups.size(), identity.groups.data()) == 0 &&
-           syscall(SYS_setresgid, identity.group, identity.group, identity.group) == 0 &&
-           syscall(SYS_setresuid, identity.user, identity.user, identity.user) == 0;
-}
-
 } // namespace
 
 namespace koze_pdk_4_4::runner {
 
+void UnmapFailure::operator()(Failure* failure) const
+{
+    munmap(failure, sizeof *failure);
+}
+
 ChildPlan::ChildPlan(Program program, const StandardStreams& streams)
     : m_program(std::move(program)), m_streams(streams),
-      m_arguments(pointersTo(m_program.arguments)), m_environment(pointersTo(m_program.environment))
+      m_arguments(pointersTo(m_program.arguments)),
+      m_environment(pointersTo(m_program.environment)),
+      m_mappedFailure(sharesMemory() ? nullptr : mapFailure()),
+      m_failure(m_mappedFailure ? *m_mappedFailure : m_ownFailure)
 {}
 
 int ChildPlan::enter(void* plan)
 {
     auto* self = static_cast<ChildPlan*>(plan);
-    self->m_failedStep = self->start();
-    self->m_error = errno;
+    const char* step = self->start();
+    self->m_failure.error = errno;
+    self->m_failure.step = step;
     return 127;
 }
 
@@ -129,15 +146,16 @@ int ChildPlan::enter(void* plan)
 const char* ChildPlan::start() const
 {
     resetDispositions();
-    if (syscall(SYS_setpgid, 0, 0) != 0)
-        return "cannot lead a process group";
+    if (syscall(SYS_setsid) < 0)
+        return "cannot lead a session";
     dropSignals();
     if (!placeStreams(m_streams))
         return "cannot place its streams";
     if (!closeOthers())
         return "cannot close the host's descriptors";
-    if (m_program.identity && !become(*m_program.identity))
-        return "cannot become its user";
+    const char* failed = m_program.identity ? switchUser(*m_program.identity) : nullptr;
+    if (failed != nullptr)
+        return failed;
     if (!m_program.directory.empty() && syscall(SYS_chdir, m_program.directory.c_str()) != 0)
         return "cannot enter its directory";
     syscall(SYS_rt_sigprocmask, SIG_SETMASK, kernelZeros, nullptr, kernelSetSize);

@@ -8,7 +8,6 @@
 #include <linux/futex.h>
 #include <poll.h>
 #include <sched.h>
-#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -57,19 +56,16 @@ namespace koze_pdk_4_4::runner {
 ChildProcess::~ChildProcess()
 {
     kill();
-    dropPlan();
+    releasePlan();
 }
 
 bool ChildProcess::start(const Deadline& deadline)
 {
     const SignalBlock block;
-    m_dumpable = prctl(PR_GET_DUMPABLE);
     clone();
     if (!waitUntilLeft(deadline))
         return false;
-    if (m_plan->failedStep() != nullptr)
-        throw std::system_error(m_plan->error(), std::generic_category(), m_plan->failedStep());
-    dropPlan();
+    throwFailure();
     return true;
 }
 
@@ -77,18 +73,17 @@ void ChildProcess::clone()
 {
     // Not CLONE_VFORK: nothing would end its wait for a program on a device that does not answer.
     // The kernel clears `inUse` at the same moment, and that wait has a deadline.
+    const bool shares = m_plan->sharesMemory();
     int pidfd = -1;
-    m_plan->inUse() = 1;
+    m_plan->inUse() = shares ? 1 : 0;
     const int pid = ::clone(ChildPlan::enter, m_plan->stackTop(),
-                            CLONE_VM | CLONE_PIDFD | CLONE_CHILD_CLEARTID | SIGCHLD, m_plan.get(),
-                            &pidfd, nullptr, &m_plan->inUse());
+                            (shares ? CLONE_VM : 0) | CLONE_PIDFD | CLONE_CHILD_CLEARTID | SIGCHLD,
+                            m_plan.get(), &pidfd, nullptr, &m_plan->inUse());
     if (pid < 0) {
         m_plan->inUse() = 0;
         throw std::system_error(errno, std::generic_category(), "cannot start a process");
     }
     m_pid = pid;
-    // The child does the same. Whoever comes first, there is a group to signal from here on.
-    setpgid(pid, pid);
     if (pidfd >= 0)
         m_pidfd = aboveStandard(Descriptor(pidfd));
 }
@@ -105,20 +100,18 @@ bool ChildProcess::waitUntilLeft(const Deadline& deadline)
     return true;
 }
 
-/// Frees the plan, unless a child that cannot be ended still stands on it.
-void ChildProcess::dropPlan()
+void ChildProcess::throwFailure() const
 {
-    if (m_plan == nullptr)
-        return;
-    if (m_plan->inUse() != 0) {
+    const Failure& failure = m_plan->failure();
+    if (failure.step != nullptr)
+        throw std::system_error(failure.error, std::generic_category(), failure.step);
+}
+
+/// Frees the plan, unless a child that cannot be ended still uses it.
+void ChildProcess::releasePlan()
+{
+    if (m_plan->inUse() != 0)
         static_cast<void>(m_plan.release());
-        return;
-    }
-    // A child that becomes another user takes this from the memory that it shares with the host.
-    // Two such children at once may leave it taken, which errs on the safe side.
-    if (m_dumpable == 1 && prctl(PR_GET_DUMPABLE) != 1)
-        prctl(PR_SET_DUMPABLE, 1);
-    m_plan.reset();
 }
 
 bool ChildProcess::ended()
@@ -128,6 +121,13 @@ bool ChildProcess::ended()
 }
 
 int ChildProcess::reap()
+{
+    const int result = takeResult();
+    throwFailure();
+    return result;
+}
+
+int ChildProcess::takeResult()
 {
     siginfo_t status;
     const bool ours = wait(status, 0);
@@ -157,21 +157,27 @@ bool ChildProcess::wait(siginfo_t& status, int options)
     }
 }
 
-void ChildProcess::signalGroup(int signal)
+void ChildProcess::signal(int signal)
 {
     if (m_pidfd.isOpen() && signalGroupOf(m_pidfd.number(), signal))
         return;
     // The number of a child that nobody has reaped, ended or not, means no other group.
     siginfo_t status;
-    if (wait(status, WNOWAIT))
-        ::kill(-m_pid, signal);
+    const bool numberIsOurs = wait(status, WNOWAIT);
+    if (numberIsOurs && ::kill(-m_pid, signal) == 0)
+        return;
+    // Between clone and setsid the child has no group of its own yet.
+    if (m_pidfd.isOpen())
+        signalProcess(m_pidfd.number(), signal);
+    else if (numberIsOurs)
+        ::kill(m_pid, signal);
 }
 
 void ChildProcess::kill()
 {
     if (m_pid == 0)
         return;
-    signalGroup(SIGKILL);
+    signal(SIGKILL);
     awaitEnd(Deadline(std::chrono::seconds(1)));
     m_pid = 0;
 }
@@ -185,7 +191,7 @@ void ChildProcess::awaitEnd(const Deadline& deadline)
         poll(&end, 1, deadline.timeout(lookInterval));
     }
     const pid_t group = m_pid;
-    reap();
+    takeResult();
     // At worst the number means another group by now, which costs time only.
     while (groupRuns(group) && !deadline.passed())
         poll(nullptr, 0, 1);

@@ -50,10 +50,11 @@ Program programFor(const std::string& command, const std::string& directory,
 {
     Program program;
     program.arguments = koze_pdk_4_4::runner::splitCommand(command);
-    program.environment = koze_pdk_4_4::runner::childEnvironment(environ, environment);
     program.directory = koze_pdk_4_4::runner::checkedDirectory(directory);
     if (!user.empty())
         program.identity = koze_pdk_4_4::runner::lookUpUser(user);
+    program.environment =
+        koze_pdk_4_4::runner::childEnvironment(environ, environment, program.identity);
     return program;
 }
 

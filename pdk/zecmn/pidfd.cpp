@@ -43,6 +43,11 @@ bool signalGroupOf(int pidfd, int signal)
     return syscall(SYS_pidfd_send_signal, pidfd, signal, nullptr, signalProcessGroup) == 0;
 }
 
+void signalProcess(int pidfd, int signal)
+{
+    syscall(SYS_pidfd_send_signal, pidfd, signal, nullptr, 0);
+}
+
 std::optional<int> statusOfReaped(int pidfd)
 {
     // The status appears a moment after the process has left the wait calls' sight.

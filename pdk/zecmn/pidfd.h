@@ -11,6 +11,9 @@ namespace koze_pdk_4_4::runner {
 /// now. False when nobody is left in the group, and before kernel 6.9.
 bool signalGroupOf(int pidfd, int signal);
 
+/// Sends `signal` to the process alone.
+void signalProcess(int pidfd, int signal);
+
 /// The wait status of an ended process that somebody else has reaped, or is just about to; nothing
 /// before kernel 6.15.
 std::optional<int> statusOfReaped(int pidfd);

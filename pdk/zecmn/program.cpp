@@ -14,6 +14,8 @@
 
 namespace {
 
+using koze_pdk_4_4::runner::Identity;
+
 /// `text`, which becomes a C string of the child: a NUL byte would cut it short.
 const std::string& checked(const std::string& text, const char* what)
 {
@@ -52,6 +54,14 @@ void set(std::vector<std::string>& environment, std::string variable)
     environment.push_back(std::move(variable));
 }
 
+std::vector<std::string> variablesOf(const passwd& entry)
+{
+    const bool hasShell = *entry.pw_shell != '\0';
+    return {std::string("HOME=") + entry.pw_dir, std::string("USER=") + entry.pw_name,
+            std::string("LOGNAME=") + entry.pw_name,
+            std::string("SHELL=") + (hasShell ? entry.pw_shell : "/bin/sh")};
+}
+
 std::vector<gid_t> groupsOf(const char* name, gid_t group)
 {
     int count = 32;
@@ -63,6 +73,14 @@ std::vector<gid_t> groupsOf(const char* name, gid_t group)
     }
     groups.resize(static_cast<std::size_t>(count));
     return groups;
+}
+
+/// getgrouplist lists an account's own group too.
+bool hasUnusableNumber(const Identity& identity)
+{
+    const auto& groups = identity.groups;
+    return identity.user == static_cast<uid_t>(-1) ||
+           std::find(groups.begin(), groups.end(), static_cast<gid_t>(-1)) != groups.end();
 }
 
 } // namespace
@@ -79,7 +97,8 @@ std::vector<std::string> splitCommand(const std::string& command)
     return arguments;
 }
 
-std::vector<std::string> childEnvironment(const char* const* host, const std::string& additions)
+std::vector<std::string> childEnvironment(const char* const* host, const std::string& additions,
+                                          const std::optional<Identity>& account)
 {
     std::vector<std::string> environment;
     for (; host != nullptr && *host != nullptr; ++host) {
@@ -87,6 +106,10 @@ std::vector<std::string> childEnvironment(const char* const* host, const std::st
             environment.emplace_back(*host);
     }
     set(environment, "LC_ALL=C");
+    if (account) {
+        for (const std::string& variable : account->variables)
+            set(environment, variable);
+    }
     for (std::string& addition : split(checked(additions, "the environment"), '\n')) {
         if (addition.find('=') + 1 < 2) // npos + 1 is 0
             throw std::invalid_argument("no variable: " + addition);
@@ -113,7 +136,12 @@ Identity lookUpUser(const std::string& name)
         throw std::system_error(error, std::generic_category(), "cannot look up user " + name);
     if (found == nullptr)
         throw std::invalid_argument("there is no user " + name);
-    return {entry.pw_uid, entry.pw_gid, groupsOf(entry.pw_name, entry.pw_gid)};
+    Identity identity{entry.pw_uid, entry.pw_gid, groupsOf(entry.pw_name, entry.pw_gid),
+                      variablesOf(entry)};
+    if (hasUnusableNumber(identity))
+        throw std::invalid_argument("user " + name +
+                                    " or a group of it has the number 4294967295, which is none");
+    return identity;
 }
 
 } // namespace koze_pdk_4_4::runner

@@ -83,8 +83,8 @@ void Run::finish()
 /// Asks the whole group to end. Those who still hold a stream have until `grace` for it.
 void Run::end(const Deadline& grace)
 {
-    m_child.signalGroup(SIGTERM);
-    m_child.signalGroup(SIGCONT); // a stopped process would sleep through it
+    m_child.signal(SIGTERM);
+    m_child.signal(SIGCONT); // a stopped process would sleep through it
     while ((!m_ended || m_readers[0].isOpen() || m_readers[1].isOpen()) && !grace.passed())
         advance(grace);
     m_child.kill();

@@ -214,6 +214,21 @@ TEST_F(ExecHost, WithAChildOfItsOwn)
     }
 }
 
+TEST_F(ExecHost, ThatInheritsWhatAProgramLeavesKeepsItsStatus)
+{
+    ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+    EXPECT_EQ(execToFirstWord("leave_session", std::chrono::milliseconds(100)),
+              CZeExecPipeBase::boundExceeded);
+    const std::vector<std::string> left = processesWith(mark());
+    ASSERT_EQ(left.size(), 1);
+    const pid_t process = std::stoi(left.front());
+    kill(process, SIGUSR1);
+    int status = 0;
+    EXPECT_EQ(waitpid(process, &status, 0), process);
+    EXPECT_EQ(WTERMSIG(status), SIGUSR1);
+    prctl(PR_SET_CHILD_SUBREAPER, 0);
+}
+
 TEST_F(ExecHost, ThatBlocksAndIgnoresSignals)
 {
     sigset_t all;

@@ -8,16 +8,22 @@
 #include <cstdarg>
 #include <limits>
 #include <map>
+#include <memory>
+#include <optional>
 #include <thread>
 
 #include <dlfcn.h>
+#include <linux/keyctl.h>
 #include <malloc.h>
+#include <poll.h>
 #include <sched.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 
 #include "closed_standard.h"
 #include "exec_test.h"
+#include "pdk/zecmn/child_process.h"
 #include "pdk/zecmn/run.h"
 #include "tests/support/recording_log.h"
 
@@ -36,10 +42,16 @@ struct Kernel {
     bool sends = true;
     long hangsIn = 0; // the number of a call
     bool clones = true;
+    bool maps = true;    // memory to share with a copy of this process
     int groupSignal = 0; // reaches the child while it is in the host's group
+    std::optional<std::chrono::nanoseconds> frozen; // the time, which only waiting moves
+    int joinError = 0;                              // of joining a session keyring
+    int keyError = 0; // of everything else that keyctl does, when joining fails
 
     id_t lowestPidfd = std::numeric_limits<id_t>::max(); // that was waited for
     std::atomic<int> asked{0};                           // how often the kernel denied something
+    std::atomic<int> foldersOpened{0};                   // by a child that shares this memory
+    std::vector<int> pauses;                             // in milliseconds
     std::vector<std::pair<pid_t, int>> killed;
     pid_t sibling = 0; // 0: none wanted; -1: wanted
 };
@@ -58,6 +70,7 @@ auto* const realSyscall = real<long(long, ...)>("syscall");
 auto* const realIoctl = real<int(int, unsigned long, ...)>("ioctl");
 auto* const realWaitid = real<int(idtype_t, id_t, siginfo_t*, int)>("waitid");
 auto* const realKill = real<int(pid_t, int)>("kill");
+auto* const realPoll = real<int(pollfd*, nfds_t, int)>("poll");
 
 constexpr unsigned int pidfdInfo = 11;
 constexpr std::uint64_t exitBit = 1U << 3;
@@ -67,6 +80,13 @@ int deny(int error)
     ++kernel->asked;
     errno = error;
     return -1;
+}
+
+long answerKeyctl(long operation)
+{
+    const int error =
+        operation == KEYCTL_JOIN_SESSION_KEYRING ? kernel->joinError : kernel->keyError;
+    return error == 0 ? 1 : deny(error);
 }
 
 } // namespace
@@ -108,8 +128,12 @@ extern "C" long syscall(long number, ...) noexcept
             return deny(denied->second);
         if (number == SYS_pidfd_send_signal && !kernel->sends)
             return 0;
-        if (number == SYS_setpgid && kernel->groupSignal != 0)
+        if (number == SYS_setsid && kernel->groupSignal != 0)
             realSyscall(SYS_kill, realSyscall(SYS_getpid), kernel->groupSignal);
+        if (number == SYS_keyctl && kernel->joinError != 0)
+            return answerKeyctl(a[0]);
+        if (number == SYS_openat)
+            ++kernel->foldersOpened;
         const timespec moment{0, 1000000};
         while (number == *const_cast<volatile long*>(&kernel->hangsIn))
             realSyscall(SYS_nanosleep, &moment, nullptr);
@@ -161,6 +185,38 @@ extern "C" int kill(pid_t pid, int signal) noexcept
     return realKill(pid, signal);
 }
 
+extern "C" void* mmap(void* address, std::size_t size, int protection, int flags, int descriptor,
+                      off_t offset) noexcept
+{
+    if (kernel != nullptr && !kernel->maps && (flags & MAP_SHARED) != 0) {
+        errno = ENOMEM;
+        return MAP_FAILED;
+    }
+    // Not looked up with the others: a sanitizer may map memory before that.
+    static auto* const realMmap = real<void*(void*, std::size_t, int, int, int, off_t)>("mmap");
+    return realMmap(address, size, protection, flags, descriptor, offset);
+}
+
+extern "C" int poll(pollfd* events, nfds_t count, int timeout)
+{
+    if (kernel != nullptr && events == nullptr)
+        kernel->pauses.push_back(timeout);
+    if (kernel != nullptr && kernel->frozen) {
+        *kernel->frozen += std::chrono::milliseconds(timeout);
+        return 0;
+    }
+    return realPoll(events, count, timeout);
+}
+
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
+{
+    if (kernel == nullptr || !kernel->frozen || clock != CLOCK_MONOTONIC)
+        return static_cast<int>(realSyscall(SYS_clock_gettime, clock, time));
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(*kernel->frozen);
+    *time = {seconds.count(), (*kernel->frozen - seconds).count()};
+    return 0;
+}
+
 /// A plan that is left to a child which cannot be ended.
 extern "C" const char* __lsan_default_suppressions() // NOLINT(bugprone-reserved-identifier)
 {
@@ -193,6 +249,15 @@ protected:
         EXPECT_EQ(exec("lines 1 67108864"), CZeExecPipeBase::boundExceeded);
         EXPECT_NE(refusal("/no/such/program"), "");
         expectUnrulyOnesEnd();
+    }
+
+    /// Ends a program that the kernel could not end.
+    void endWhatIsLeft()
+    {
+        m_kernel.sends = true;
+        for (const std::string& left : processesWith(mark()))
+            realKill(std::stoi(left), SIGKILL);
+        EXPECT_GT(waitpid(-1, nullptr, 0), 0);
     }
 
     Kernel m_kernel;
@@ -264,6 +329,17 @@ TEST_F(ExecKernel, BeforeCloseRange)
     expectDenied();
 }
 
+TEST_F(ExecKernel, WithCloseRangeOpensNothingToFindTheHostsDescriptors)
+{
+    if (syscall(SYS_close_range, ~0U, ~0U, 0) != 0)
+        GTEST_SKIP() << "this kernel has no close_range";
+    EXPECT_EQ(exec("exit_with 0"), 0);
+    EXPECT_EQ(m_kernel.foldersOpened, 0);
+    m_kernel.deniedCalls[SYS_close_range] = ENOSYS;
+    EXPECT_EQ(exec("exit_with 0"), 0);
+    EXPECT_EQ(m_kernel.foldersOpened, 1);
+}
+
 TEST_F(ExecKernel, BeforeAllOfIt)
 {
     m_kernel.hasPidfd = false;
@@ -317,6 +393,16 @@ TEST_F(ExecKernelThatReaps, AndKeepsNoStatusIsTraced)
     traceTo({});
 }
 
+TEST_F(ExecKernelThatReaps, AndKeepsNoStatusStillSaysWhyAnotherUsersProgramCannotStart)
+{
+    m_kernel.keepsExitInformation = false;
+    Settings settings;
+    settings.user = "root";
+    EXPECT_EQ(refusal("/no/such/program", settings),
+              "cannot run /no/such/program: it or its interpreter is missing: No such file or "
+              "directory");
+}
+
 TEST_F(ExecKernelThatReaps, AndHasNoPidfds)
 {
     m_kernel.hasPidfd = false;
@@ -331,6 +417,7 @@ TEST_F(ExecKernelThatReaps, AndKeepsTheStatusALittleLater)
         GTEST_SKIP() << "this kernel keeps no status";
     EXPECT_EQ(result, 3);
     EXPECT_EQ(m_kernel.asked, 3);
+    EXPECT_EQ(m_kernel.pauses, std::vector<int>(3, 1));
 }
 
 TEST_F(ExecKernelThatReaps, AndMissesTheProcessOnce)
@@ -410,11 +497,16 @@ TEST_F(ExecKernel, WithAProcessThatKeepsAllThatWasOpenAtTheStart)
 TEST_F(ExecKernel, SaysWhichStepItFailedAt)
 {
     const std::vector<std::pair<long, std::string>> steps = {
-        {SYS_setpgid, "cannot lead a process group: Input/output error"},
+        {SYS_setsid, "cannot lead a session: Input/output error"},
         {SYS_dup3, "cannot place its streams: Input/output error"},
+        {SYS_prctl, "cannot close its memory to others: Input/output error"},
+        {SYS_sched_getscheduler, "cannot leave the host's real-time class: Input/output error"},
+        {SYS_keyctl, "cannot leave the host's session keyring: Input/output error"},
         {SYS_setgroups, "cannot become its user: Input/output error"},
         {SYS_setresgid, "cannot become its user: Input/output error"},
         {SYS_setresuid, "cannot become its user: Input/output error"},
+        {SYS_capget, "cannot drop the host's capabilities: Input/output error"},
+        {SYS_capset, "cannot drop the host's capabilities: Input/output error"},
         {SYS_chdir, "cannot enter its directory: Input/output error"},
         {SYS_execve, "it cannot be executed: Input/output error"}};
     Settings settings;
@@ -429,6 +521,44 @@ TEST_F(ExecKernel, SaysWhichStepItFailedAt)
         EXPECT_EQ(refusal("/bin/true"),
                   "cannot run /bin/true: cannot close the host's descriptors: Input/output error");
     }
+}
+
+TEST_F(ExecKernel, WithoutKeyringsRunsAProgramAsAnotherUser)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may become another user";
+    Settings settings;
+    settings.user = "root";
+    for (const int error : {ENOSYS, EPERM}) {
+        m_kernel.joinError = error;
+        m_kernel.keyError = error;
+        EXPECT_EQ(exec("exit_with 3", settings), 3);
+    }
+}
+
+TEST_F(ExecKernel, ThatDoesNotLetGoOfTheSessionKeyringRunsNoProgramAsAnotherUser)
+{
+    Settings settings;
+    settings.user = "root";
+    const std::string begin = "cannot run /bin/true: cannot leave the host's session keyring: ";
+    m_kernel.joinError = EPERM; // but the keyring can be used
+    EXPECT_EQ(refusal("/bin/true", settings), begin + "Operation not permitted");
+    m_kernel.keyError = EACCES;
+    EXPECT_EQ(refusal("/bin/true", settings), begin + "Permission denied");
+    m_kernel.joinError = EDQUOT;
+    m_kernel.keyError = EPERM;
+    EXPECT_EQ(refusal("/bin/true", settings), begin + "Disk quota exceeded");
+    EXPECT_EQ(exec("exit_with 3"), 3);
+}
+
+TEST_F(ExecKernel, ThatHasNoMemoryToShareRunsNoProgramAsAnotherUser)
+{
+    m_kernel.maps = false;
+    Settings settings;
+    settings.user = "root";
+    EXPECT_EQ(refusal("/bin/true", settings),
+              "cannot run /bin/true: cannot start a process: Cannot allocate memory");
+    EXPECT_EQ(exec("exit_with 3"), 3);
 }
 
 TEST_F(ExecKernel, ThatHasNoProcessLeftCostsNoMemory)
@@ -455,7 +585,7 @@ int runBriefly(const std::string& command)
 
 TEST_F(ExecKernel, ThatDoesNotGetRoundToStartingTheProgram)
 {
-    for (const long call : {SYS_setpgid, SYS_execve}) {
+    for (const long call : {SYS_setsid, SYS_execve}) {
         m_kernel.hangsIn = call;
         for (const bool hasPidfd : {true, false}) {
             m_kernel.hasPidfd = hasPidfd;
@@ -466,6 +596,22 @@ TEST_F(ExecKernel, ThatDoesNotGetRoundToStartingTheProgram)
             EXPECT_LT(threadTime() - busy, 75ms);
             expectNoChild();
         }
+    }
+}
+
+TEST_F(ExecKernel, ThatDoesNotGetRoundToSwitchingTheUserHasALimitToo)
+{
+    koze_pdk_4_4::runner::Program program;
+    program.arguments = {commandLine("exit_with"), "0"};
+    program.identity = koze_pdk_4_4::runner::lookUpUser("root");
+    Lines lines;
+    for (const long call : {SYS_setsid, SYS_setresuid, SYS_execve}) {
+        m_kernel.hangsIn = call;
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(koze_pdk_4_4::runner::run(program, "", {100ms, 100ms, 1000, 1000}, lines, lines),
+                  CZeExecPipeBase::deadlinePassed);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
+        expectNoChild();
     }
 }
 
@@ -500,10 +646,26 @@ TEST_F(ExecKernel, ThatCannotEndAStartedProgramDoesNotHoldTheHostUp)
     EXPECT_EQ(koze_pdk_4_4::runner::run(program, "", {300ms, 300ms, 1000, 1000}, output, output),
               CZeExecPipeBase::deadlinePassed);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
-    m_kernel.sends = true;
-    for (const std::string& left : processesWith(mark()))
-        realKill(std::stoi(left), SIGKILL);
-    EXPECT_GT(waitpid(-1, nullptr, 0), 0);
+    endWhatIsLeft();
+}
+
+TEST_F(ExecKernel, ThatCannotEndAProgramHasASecondForIt)
+{
+    koze_pdk_4_4::runner::Program program;
+    program.arguments = {commandLine("hang")};
+    program.environment = {mark()};
+    const koze_pdk_4_4::runner::Descriptor null = koze_pdk_4_4::runner::openInput("");
+    koze_pdk_4_4::runner::ChildProcess child(std::make_unique<koze_pdk_4_4::runner::ChildPlan>(
+        program,
+        koze_pdk_4_4::runner::StandardStreams{null.number(), null.number(), null.number()}));
+    ASSERT_TRUE(child.start(koze_pdk_4_4::runner::Deadline(60s)));
+    m_kernel.sends = false;
+    m_kernel.frozen = 100s;
+    child.kill();
+    const auto passed = *m_kernel.frozen - 100s;
+    m_kernel.frozen.reset();
+    EXPECT_EQ(passed, 1s);
+    endWhatIsLeft();
 }
 
 TEST_F(ExecKernel, ThatCannotEndAGrandchildHoldsTheHostUpForASecond)

@@ -9,9 +9,7 @@
 #include <type_traits>
 
 #include <dlfcn.h>
-#include <grp.h>
 #include <link.h>
-#include <pwd.h>
 #include <sys/stat.h>
 
 #include "exec_test.h"
@@ -267,28 +265,6 @@ TEST_F(Exec, NeedsNobodyToReadTheInput)
     EXPECT_EQ(exec("exit_with 0", settings), 0);
 }
 
-TEST_F(Exec, RunsAsTheUserThatItIsTold)
-{
-    if (geteuid() != 0)
-        GTEST_SKIP() << "only root may become another user";
-    const passwd* entry = getpwnam("nobody");
-    ASSERT_NE(entry, nullptr);
-    const auto user = std::to_string(entry->pw_uid);
-    const auto group = std::to_string(entry->pw_gid);
-    Settings settings;
-    settings.user = "nobody";
-    ASSERT_EQ(exec("show identity", settings), 0);
-    ASSERT_FALSE(output().empty());
-    EXPECT_EQ(output().front(), user + ' ' + user + ' ' + group + ' ' + group);
-    EXPECT_THAT(output(), AllOf(Contains(group), Not(Contains("0"))));
-    const std::string path = testing::TempDir() + mark();
-    ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
-    settings.directory = path;
-    EXPECT_THAT(refusal("show identity", settings),
-                EndsWith("cannot enter its directory: Permission denied"));
-    rmdir(path.c_str());
-}
-
 TEST_F(Exec, LeavesAHostThatNobodyMayDumpAsItIs)
 {
     ASSERT_EQ(prctl(PR_SET_DUMPABLE, 0), 0);
@@ -305,10 +281,10 @@ TEST_F(Exec, RunsAsTheHostsUserOtherwise)
     EXPECT_THAT(output().front(), StartsWith(std::to_string(getuid()) + ' '));
 }
 
-TEST_F(Exec, MakesTheProgramLeadItsGroup)
+TEST_F(Exec, MakesTheProgramLeadItsSessionAndGroup)
 {
-    EXPECT_EQ(exec("show group"), 0);
-    EXPECT_EQ(output(), Lines({"leads its group"}));
+    EXPECT_EQ(exec("show session"), 0);
+    EXPECT_EQ(output(), Lines({"leads both"}));
 }
 
 // Programs that cannot be run.

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <new>
 #include <numeric>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 
@@ -29,6 +30,7 @@ struct Accounts {
     std::size_t textsSize = 0; // of every account
     bool memory = true;
     int error = 0;
+    std::optional<passwd> entry; // of every account
 };
 
 const Accounts* accounts;
@@ -66,6 +68,11 @@ extern "C" int getpwnam_r(const char* name, passwd* entry, char* texts, std::siz
         return accounts->error;
     if (accounts != nullptr && size < accounts->textsSize)
         return ERANGE;
+    if (accounts != nullptr && accounts->entry) {
+        *entry = *accounts->entry;
+        *found = entry;
+        return 0;
+    }
     static auto* const real =
         reinterpret_cast<decltype(&getpwnam_r)>(dlsym(RTLD_NEXT, "getpwnam_r"));
     return real(name, entry, texts, size, found);
@@ -132,6 +139,16 @@ TEST(ChildEnvironment, RefusesWhatIsNoVariable)
         EXPECT_THROW(childEnvironment(nullptr, addition), std::invalid_argument);
 }
 
+TEST(ChildEnvironment, AnAccountsVariablesReplaceTheHostsAndAdditionsReplaceThem)
+{
+    const char* const host[] = {"HOME=/root", "USERS=1", "USER=root", nullptr};
+    const Identity account{1, 1, {}, {"HOME=/home/a", "USER=a"}};
+    EXPECT_EQ(childEnvironment(host, "", account),
+              Texts({"USERS=1", "LC_ALL=C", "HOME=/home/a", "USER=a"}));
+    EXPECT_EQ(childEnvironment(host, "HOME=/", account),
+              Texts({"USERS=1", "LC_ALL=C", "USER=a", "HOME=/"}));
+}
+
 TEST(CheckedDirectory, RefusesANulByte)
 {
     EXPECT_EQ(checkedDirectory("/a b"), "/a b");
@@ -167,6 +184,41 @@ TEST_F(LookUpUser, FindsAnAccountWithLongTexts)
 {
     m_accounts.textsSize = 100000;
     EXPECT_EQ(lookUpUser("root").user, 0);
+}
+
+TEST_F(LookUpUser, FindsAnAccountsVariables)
+{
+    char name[] = "alias";
+    char home[] = "/home/a b";
+    char shell[] = "/bin/zsh";
+    char none[] = "";
+    m_accounts.groups = 1;
+    m_accounts.entry = passwd{name, none, 1, 1, none, home, shell};
+    EXPECT_EQ(lookUpUser("a").variables,
+              Texts({"HOME=/home/a b", "USER=alias", "LOGNAME=alias", "SHELL=/bin/zsh"}));
+    m_accounts.entry->pw_shell = none;
+    EXPECT_EQ(lookUpUser("a").variables.back(), "SHELL=/bin/sh");
+}
+
+TEST_F(LookUpUser, RefusesNumbersThatWouldLeaveTheHostsInPlace)
+{
+    char text[] = "a";
+    constexpr auto unchanged = static_cast<uid_t>(-1);
+    m_accounts.groups = 2;
+    const auto refusal = [&](uid_t user, gid_t group) -> std::string {
+        m_accounts.entry = passwd{text, text, user, group, text, text, text};
+        try {
+            lookUpUser("a");
+            return {};
+        } catch (const std::invalid_argument& reason) {
+            return reason.what();
+        }
+    };
+    const std::string reason = "user a or a group of it has the number 4294967295, which is none";
+    EXPECT_EQ(refusal(unchanged, 1), reason);
+    EXPECT_EQ(refusal(1, unchanged), reason);
+    EXPECT_EQ(refusal(1, unchanged - 1), reason); // its second group
+    EXPECT_EQ(refusal(unchanged - 1, unchanged - 2), "");
 }
 
 TEST_F(LookUpUser, SaysThatTheLookUpFailed)

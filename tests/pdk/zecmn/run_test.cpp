@@ -142,6 +142,29 @@ TEST_F(RunTest, AStoppedProgramHearsSigtermToo)
     EXPECT_LT(took(), never);
 }
 
+TEST_F(RunTest, AProgramCannotLeaveItsGroupBeforeTheLimit)
+{
+    const std::string hostsGroup = std::to_string(getpgrp());
+    for (auto limit = 300ms; limit < never && output().empty(); limit *= 2)
+        EXPECT_EQ(run("leave_group " + hostsGroup, {limit, never, 1000, 1000}),
+                  CZeExecPipeBase::deadlinePassed);
+    expectNobodyLeft();
+    expectNoChild();
+    EXPECT_EQ(output(), Lines({"kept out", "made no group", "made no session"}));
+    EXPECT_LT(took(), never);
+}
+
+TEST_F(RunTest, WhatHasLeftTheSessionIsLeftBehind)
+{
+    Limits limits = speechless;
+    limits.grace = 100ms;
+    EXPECT_EQ(run("leave_session", limits), CZeExecPipeBase::boundExceeded);
+    EXPECT_LT(took(), 20s);
+    const std::vector<std::string> left = processesWith(mark());
+    ASSERT_EQ(left.size(), 1);
+    kill(std::stoi(left.front()), SIGKILL);
+}
+
 TEST_F(RunTest, AFloodEndsAtTheBound)
 {
     for (const char* flood : {"flood 1 100", "flood 2 100", "flood 1 0"}) {

@@ -1,15 +1,20 @@
-// show WHAT: prints something of its surroundings.
+// show WHAT [NUMBER]: prints something of its surroundings.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <map>
 #include <string>
 #include <vector>
 
 #include <csignal>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/keyctl.h>
+#include <sched.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 /// Each open descriptor with its file.
@@ -73,24 +78,57 @@ static void input()
         std::fwrite(text, 1, static_cast<std::size_t>(size), stdout);
 }
 
+static void session()
+{
+    std::puts(getpgrp() == getpid() && getsid(0) == getpid() ? "leads both" : "does not");
+}
+
+/// Whether there is a terminal that controls this session.
+static void terminal()
+{
+    std::puts(open("/dev/tty", O_RDONLY | O_CLOEXEC) >= 0 ? "a terminal" : "no terminal");
+}
+
+/// All sets of capabilities but the bounding set.
+static void capabilities()
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.compare(0, 3, "Cap") == 0 && line.compare(0, 6, "CapBnd") != 0)
+            std::puts(line.c_str());
+    }
+}
+
+/// The class, without its flags.
+static void scheduling()
+{
+    std::printf("%d\n", sched_getscheduler(0) & ~SCHED_RESET_ON_FORK);
+}
+
+/// The text of the key of that number.
+static void key(const char* number)
+{
+    char text[100];
+    const long size = syscall(SYS_keyctl, KEYCTL_READ, std::atoi(number), text, sizeof text);
+    std::puts(size < 0 ? "no such key" : std::string(text, text + size).c_str());
+}
+
 int main(int, char** argv)
 {
+    const std::map<std::string, void (*)()> shows = {{"descriptors", descriptors},
+                                                     {"environment", environment},
+                                                     {"signals", signals},
+                                                     {"identity", identity},
+                                                     {"input", input},
+                                                     {"session", session},
+                                                     {"terminal", terminal},
+                                                     {"capabilities", capabilities},
+                                                     {"scheduling", scheduling},
+                                                     {"directory", directory}};
     const std::string what = argv[1];
-    if (what == "descriptors")
-        descriptors();
-    else if (what == "environment")
-        environment();
-    else if (what == "signals")
-        signals();
-    else if (what == "identity")
-        identity();
-    else if (what == "input")
-        input();
-    else if (what == "group")
-        std::puts(getpgrp() == getpid() && getsid(0) != getpid() ? "leads its group" : "does not");
-    else if (what == "directory")
-        directory();
+    if (what == "key")
+        key(argv[2]);
     else
-        return 99;
+        shows.at(what)();
     return 0;
 }

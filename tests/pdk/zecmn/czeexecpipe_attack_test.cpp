@@ -1,0 +1,314 @@
+// The account that a program runs as attacks the host's memory, which the program's process has, as
+// a copy, until the program starts.
+#include "pdk/include/czeexecpipe.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdint>
+#include <thread>
+#include <utility>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <grp.h>
+#include <linux/capability.h>
+#include <sys/mman.h>
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+
+#include "exec_test.h"
+#include "pdk/zecmn/descriptor.h"
+#include "tests/support/child.h"
+
+namespace {
+
+constexpr uid_t nobody = 65534;
+constexpr std::uint64_t magic = 0x7365'6372'6574'2121;
+
+/// What the host keeps from the account.
+volatile std::uint64_t secret = magic;
+
+/// What the test and its processes tell each other.
+struct Board {
+    std::atomic<long> attempts{0};
+    std::atomic<long> opened{0}; // memories of processes of the account
+    std::atomic<long> wonByFile{0};
+    std::atomic<long> wonByCopying{0};
+    std::atomic<long> wonByTracing{0};
+    std::atomic<bool> holdsChildren{false};
+    std::atomic<pid_t> held{0}; // a child on its way to its program
+};
+
+Board* board;
+
+auto* const realSyscall = reinterpret_cast<long (*)(long, ...)>(dlsym(RTLD_NEXT, "syscall"));
+
+void doze()
+{
+    const timespec moment{0, 100'000};
+    realSyscall(SYS_nanosleep, &moment, nullptr);
+}
+
+} // namespace
+
+/// Called by children too.
+extern "C" long syscall(long number, ...) noexcept
+{
+    va_list list;
+    va_start(list, number);
+    long a[6];
+    for (long& argument : a)
+        argument = va_arg(list, long);
+    va_end(list);
+    if (number == SYS_execve && board != nullptr && board->holdsChildren &&
+        realSyscall(SYS_getuid) == nobody) {
+        board->held = static_cast<pid_t>(realSyscall(SYS_getpid));
+        while (board->held != 0)
+            doze();
+    }
+    return realSyscall(number, a[0], a[1], a[2], a[3], a[4], a[5]);
+}
+
+namespace {
+
+/// Reads and overwrites the secret through the process's memory file.
+void attackByFile(pid_t process)
+{
+    ++board->attempts;
+    const std::string path = "/proc/" + std::to_string(process) + "/mem";
+    const koze_pdk_4_4::runner::Descriptor memory(open(path.c_str(), O_RDWR | O_CLOEXEC));
+    if (!memory.isOpen())
+        return;
+    ++board->opened;
+    const auto at = static_cast<off_t>(reinterpret_cast<std::uintptr_t>(&secret));
+    std::uint64_t found = 0;
+    const std::uint64_t other = 1;
+    if (pread(memory.number(), &found, sizeof found, at) == sizeof found && found == magic) {
+        ++board->wonByFile;
+        EXPECT_EQ(pwrite(memory.number(), &other, sizeof other, at), sizeof other);
+    }
+}
+
+void attackByCopying(pid_t process)
+{
+    ++board->attempts;
+    std::uint64_t found = 0;
+    const iovec mine{&found, sizeof found};
+    const iovec theirs{const_cast<std::uint64_t*>(&secret), sizeof secret};
+    if (process_vm_readv(process, &mine, 1, &theirs, 1, 0) == sizeof found && found == magic)
+        ++board->wonByCopying;
+}
+
+void attackByTracing(pid_t process)
+{
+    ++board->attempts;
+    if (ptrace(PTRACE_SEIZE, process, nullptr, nullptr) == 0)
+        ++board->wonByTracing;
+}
+
+bool becomeNobody()
+{
+    return setgroups(0, nullptr) == 0 && setresgid(nobody, nobody, nobody) == 0 &&
+           setresuid(nobody, nobody, nobody) == 0;
+}
+
+/// A process of the account that does something again and again.
+class Nobody {
+public:
+    explicit Nobody(void (*work)()) : m_process(fork())
+    {
+        if (m_process != 0)
+            return;
+        if (!becomeNobody())
+            _exit(1);
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        for (;;)
+            work();
+    }
+    Nobody(const Nobody&) = delete;
+    Nobody& operator=(const Nobody&) = delete;
+    ~Nobody()
+    {
+        kill(m_process, SIGKILL);
+        waitpid(m_process, nullptr, 0);
+    }
+
+    pid_t process() const { return m_process; }
+
+private:
+    pid_t m_process;
+};
+
+/// Opens the memory of this process to its account, whatever the system's rules for tracing are.
+void openMemory()
+{
+    prctl(PR_SET_DUMPABLE, 1);
+    prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);
+    doze();
+}
+
+/// The number that the system gave away last.
+pid_t newestProcess()
+{
+    const std::string load = contentsOf("/proc/loadavg");
+    return static_cast<pid_t>(std::atoi(load.c_str() + load.rfind(' ')));
+}
+
+void attackNewProcesses()
+{
+    const pid_t newest = newestProcess();
+    for (int round = 0; round < 50; ++round) {
+        for (pid_t process = newest - 1; process <= newest + 2; ++process) {
+            if (process != getpid())
+                attackByFile(process);
+        }
+    }
+}
+
+/// Attacks the child that is held a thousand times in every way, and lets it go.
+void attackHeldChild()
+{
+    const pid_t child = board->held;
+    if (child == 0)
+        return doze();
+    for (int round = 0; round < 1000; ++round) {
+        attackByCopying(child);
+        attackByFile(child);
+        attackByTracing(child);
+    }
+    board->held = 0;
+}
+
+class ExecAttack : public ExecTest {
+protected:
+    ExecAttack()
+    {
+        secret = magic;
+        board = new (mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE,
+                          MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Board();
+    }
+    ~ExecAttack() override { munmap(std::exchange(board, nullptr), sizeof(Board)); }
+
+    void SetUp() override
+    {
+        if (geteuid() != 0)
+            GTEST_SKIP() << "only root may become another user";
+    }
+
+    /// Runs programs as `user`, in a host that lets its memory be dumped, until told to stop.
+    void runUntil(const std::atomic<bool>& stop, const std::string& user)
+    {
+        for (long runs = 0; !stop || runs == 0; ++runs) {
+            koze_pdk_4_4::CZeExecPipePosix runner(1);
+            Lines lines;
+            prctl(PR_SET_DUMPABLE, 1);
+            EXPECT_EQ(runner.Exec("/bin/true", lines, "", 60, user, mark(), ""), 0);
+            ++m_runs;
+        }
+    }
+
+    void expectNotWon() const
+    {
+        EXPECT_EQ(board->wonByFile, 0);
+        EXPECT_EQ(board->wonByCopying, 0);
+        EXPECT_EQ(board->wonByTracing, 0);
+        EXPECT_EQ(secret, magic);
+    }
+
+    /// Kept with the test's results.
+    void recordCounts() const
+    {
+        RecordProperty("attempts", std::to_string(board->attempts));
+        RecordProperty("opened", std::to_string(board->opened));
+        RecordProperty("runs", std::to_string(m_runs));
+    }
+
+    std::atomic<long> m_runs{0};
+};
+
+/// Called where no process may trace another of its account, so that every attack fails.
+void endWithoutTracing()
+{
+    if (std::getenv("CI") != nullptr)
+        FAIL() << "tracing is not permitted, and CI must have it";
+    GTEST_SKIP() << "tracing is not permitted";
+}
+
+TEST_F(ExecAttack, WinsInEveryWayWhereMemoryIsOpen)
+{
+    const Nobody victim(openMemory);
+    const Nobody attacker(attackHeldChild);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (board->wonByFile == 0 && std::chrono::steady_clock::now() < deadline) {
+        board->held = victim.process();
+        doze();
+    }
+    if (board->wonByFile + board->wonByCopying + board->wonByTracing == 0)
+        return endWithoutTracing();
+    EXPECT_GT(board->wonByFile, 0);
+    EXPECT_GT(board->wonByCopying, 0);
+    EXPECT_GT(board->wonByTracing, 0);
+}
+
+TEST_F(ExecAttack, FailsOnAChildThatHasSwitchedToTheAccount)
+{
+    board->holdsChildren = true;
+    const Nobody attacker(attackHeldChild);
+    std::atomic<bool> stop{false};
+    std::thread other([&] { runUntil(stop, ""); });
+    Settings settings;
+    settings.user = "nobody";
+    settings.limit = 10;
+    for (int run = 0; run < 10; ++run)
+        EXPECT_EQ(exec("/bin/true", settings), 0);
+    stop = true;
+    other.join();
+    expectNotWon();
+    EXPECT_GE(board->attempts, 10 * 3000);
+    recordCounts();
+}
+
+/// Makes this process root whose effective user and group are the account's.
+bool becomeNobodyInPart()
+{
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct sets[2];
+    if (syscall(SYS_capget, &header, sets) != 0 || setresgid(0, nobody, 0) != 0 ||
+        setresuid(0, nobody, 0) != 0 || syscall(SYS_capset, &header, sets) != 0)
+        return false;
+    return prctl(PR_SET_DUMPABLE, 1) == 0;
+}
+
+TEST_F(ExecAttack, FailsOnAChildOfAHostThatIsTheAccountInPart)
+{
+    board->holdsChildren = true;
+    const Nobody attacker(attackHeldChild);
+    EXPECT_TRUE(holdsInChild([this] {
+        Settings settings;
+        settings.user = "nobody";
+        settings.limit = 10;
+        return becomeNobodyInPart() && exec("/bin/true", settings) == 0;
+    }));
+    expectNotWon();
+    EXPECT_GE(board->attempts, 3000);
+}
+
+TEST_F(ExecAttack, FailsOnProgramsThatAreStartedAsFastAsPossible)
+{
+    const Nobody attacker(attackNewProcesses);
+    std::atomic<bool> stop{false};
+    std::thread other([&] { runUntil(stop, ""); });
+    std::thread same([&] { runUntil(stop, "nobody"); });
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    stop = true;
+    other.join();
+    same.join();
+    expectNotWon();
+    EXPECT_GT(board->attempts, 1000);
+    recordCounts();
+}
+
+} // namespace
