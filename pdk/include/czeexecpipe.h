@@ -23,6 +23,10 @@ public:
 /// Runs external programs, one after the other, and collects what they print. Construct a
 /// CZeExecPipePosix.
 ///
+/// Of any framework the library relies on this: Exec runs the command line, appends the lines of
+/// its output, returns 0 for success and nothing else, and throws EZeExecPipe when the command
+/// cannot be run. All else that this header says is what the stand-in does.
+///
 /// Made for a host that is not ours: it starts no thread, takes no lock, changes neither the
 /// host's signal handlers nor its environment, locale or directory, and raises no SIGPIPE. Any
 /// number of runners may work at once, in as many threads; one runner serves one thread.

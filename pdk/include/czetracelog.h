@@ -10,7 +10,12 @@
 #include "pdk/include/czeexport.h"
 #include "pdk/include/czerefcount.h"
 #include "pdk/include/czesmartptr.h"
+#include "pdk/include/czetracelogobject.h"
+
+// Only the stand-ins have sinks. Their header is not installed for a host's own framework.
+#if __has_include("pdk/include/czetracesink.h")
 #include "pdk/include/czetracesink.h"
+#endif
 
 namespace koze_pdk_4_4 {
 
@@ -18,26 +23,33 @@ namespace koze_pdk_4_4 {
 /// mean is the framework's business.
 ///
 /// Made with `new` and shared by handles, the last of which destroys it. One log serves one
-/// thread.
+/// thread. The fields are the same with every framework.
 class CZE_EXPORT CZeTraceLog : public virtual CZeRefCount {
 public:
     CZeTraceLog() = default;
 
+#ifdef CZETRACESINK_H
     /// Sends the lines that follow to `sink`; the log shares it with the caller's handles. An
     /// empty handle, as after construction, drops every line.
-    void setSink(const CZeTraceSinkHandle& sink) { m_sink = sink; }
+    void setSink(const CZeTraceSinkHandle& sink)
+    {
+        m_object = sink.get();
+    }
+#endif
 
-    /// Formats and stores one line when the sink wants its level; nothing is formatted otherwise.
-    /// `format` and its arguments are those of printf. A line that cannot be formatted is dropped
-    /// and counted by the sink. Leaves errno alone and is no cancellation point. Throws only what
-    /// the sink throws.
+    /// Formats and stores one line, if the framework wants its level. `format` and its arguments
+    /// are those of printf.
+    ///
+    /// That of the stand-ins formats nothing that the sink does not want. A line that cannot be
+    /// formatted is dropped and counted by the sink. It leaves errno alone, is no cancellation
+    /// point, and throws only what the sink throws.
     void trace(int level, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
 protected:
     ACE_String_Base<char> m_texts[5];
     bool m_flags[3] = {false, false, false};
     std::int32_t m_setting = 12345;
-    CZeTraceSinkHandle m_sink;
+    CZeTraceLogObjectHandle m_object;
 };
 
 /// Handle to the host's trace log; an empty one silences all tracing.

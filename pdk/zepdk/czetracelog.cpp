@@ -11,11 +11,13 @@ namespace koze_pdk_4_4 {
 
 void CZeTraceLog::trace(int level, const char* format, ...)
 {
-    if (!m_sink || !m_sink->wants(level))
+    // Only setSink fills the handle.
+    auto* const current = static_cast<CZeTraceSink*>(m_object.get());
+    if (current == nullptr || !current->wants(level))
         return;
     const HostState kept;
     // A callback may replace the sink, or release the log, while it runs.
-    const CZeTraceSinkHandle sink = m_sink;
+    const CZeTraceSinkHandle sink = current;
     char* text = nullptr;
     va_list arguments;
     va_start(arguments, format);

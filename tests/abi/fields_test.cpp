@@ -93,8 +93,8 @@ TEST(Fields, OfATracerAreHandleNameLineAndFile)
 /// A trace log that tells where its fields are.
 struct OpenTraceLog : CZeTraceLog {
     using CZeTraceLog::m_flags;
+    using CZeTraceLog::m_object;
     using CZeTraceLog::m_setting;
-    using CZeTraceLog::m_sink;
     using CZeTraceLog::m_texts;
 };
 
@@ -105,7 +105,7 @@ TEST(Fields, OfATraceLogAreTextsFlagsSettingAndHandle)
     EXPECT_EQ(offsetIn(&log, log.m_texts), pointer);
     EXPECT_EQ(offsetIn(&log, log.m_flags), flags);
     EXPECT_EQ(offsetIn(&log, log.m_setting), flags + 4);
-    EXPECT_EQ(offsetIn(&log, log.m_sink), flags + 8);
+    EXPECT_EQ(offsetIn(&log, log.m_object), flags + 8);
     EXPECT_EQ(sizeof log, flags + 8 + pointer + sizeof(CZeRefCount));
     EXPECT_EQ(fieldAt<std::int32_t>(&log, flags + 4), 12345);
 }

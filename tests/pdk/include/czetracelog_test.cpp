@@ -26,8 +26,8 @@ namespace {
 class OpenLog : public CZeTraceLog {
 public:
     using CZeTraceLog::m_flags;
+    using CZeTraceLog::m_object;
     using CZeTraceLog::m_setting;
-    using CZeTraceLog::m_sink;
     using CZeTraceLog::m_texts;
 };
 
@@ -39,7 +39,7 @@ TEST(TraceLog, StartsEmptyWithTheSetting12345)
         EXPECT_EQ(text.length(), 0U);
     EXPECT_THAT(log.m_flags, ElementsAre(false, false, false));
     EXPECT_EQ(log.m_setting, 12345);
-    EXPECT_FALSE(log.m_sink);
+    EXPECT_FALSE(log.m_object);
 }
 
 // Behind the pointer to the slots stand the five texts.
@@ -58,7 +58,7 @@ TEST(TraceLog, ItsFieldsStandInTheirOrder)
     EXPECT_EQ(offset(&log.m_flags + 1), behindTexts + 3);
     EXPECT_EQ(offset(&log.m_setting), behindTexts + 4);
     EXPECT_EQ(offset(&log.m_setting + 1), behindTexts + 8);
-    EXPECT_EQ(offset(&log.m_sink), behindTexts + 8);
+    EXPECT_EQ(offset(&log.m_object), behindTexts + 8);
 }
 
 TEST(TraceLog, HasNoOtherFields)

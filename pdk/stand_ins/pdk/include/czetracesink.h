@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "pdk/include/czeexport.h"
-#include "pdk/include/czerefcount.h"
 #include "pdk/include/czesmartptr.h"
+#include "pdk/include/czetracelogobject.h"
 
 namespace koze_pdk_4_4 {
 
@@ -18,7 +18,7 @@ namespace koze_pdk_4_4 {
 /// A line is wanted when its level is not above the sink's: 1 the exception caught around a
 /// command, 2 warnings and failed commands, 3 informational lines, 6 entering and exiting lines
 /// and detailed progress. Not safe between threads, like the log that holds it.
-class CZE_EXPORT CZeTraceSink : public virtual CZeRefCount {
+class CZE_EXPORT CZeTraceSink : public CZeTraceLogObject {
 public:
     /// The level that wants every line.
     static constexpr int everything = 6;

@@ -1,0 +1,62 @@
+# shellcheck shell=bash
+# What the package checks share; to be sourced.
+
+checks=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
+unset LD_LIBRARY_PATH # Installed libraries find each other without it.
+
+step() { printf '== %s\n' "$*"; }
+fail() {
+    printf 'package: %s\n' "$*" >&2
+    exit 1
+}
+
+# Shows what a command printed only when it fails.
+quietly() {
+    local output
+    output=$("$@" 2>&1) || { printf '%s\n' "$output" >&2; return 1; }
+}
+
+# refused TEXT COMMAND...: the command has to fail, and to say TEXT.
+refused() {
+    local text=$1 output
+    shift
+    if output=$("$@" 2>&1); then
+        fail "not refused: $*"
+    fi
+    # CMake wraps its messages.
+    output=$(tr -s '[:space:]' ' ' <<<"$output")
+    [[ $output == *"$text"* ]] || fail "'$text' is not in: $output"
+}
+
+# names_none_of PREFIX FOLDER...: no file installed in PREFIX names one of the folders.
+names_none_of() {
+    local prefix=$1
+    shift
+    ! grep -rlF "${@/#/-e}" "$prefix" || fail "these files name one of: $*"
+}
+
+# cmake_hosts FOLDER PREFIX HOSTS [OPTION...]: builds hosts of the installation in PREFIX. HOSTS are
+# their sources with semicolons between them; the program of NAME.cpp is FOLDER/NAME.
+cmake_hosts() {
+    local folder=$1 prefix=$2 hosts=$3
+    shift 3
+    quietly cmake -S "$checks" -B "$folder" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+        -DHOSTS="$hosts" "$@" && quietly cmake --build "$folder"
+}
+
+# pkg_config_hosts FOLDER PREFIX HOSTS [OPTION...]: the same with pkg-config.
+pkg_config_hosts() {
+    local folder=$1 prefix=$2 hosts=$3 host flags variable
+    shift 3
+    mkdir -p "$folder"
+    PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name dmpclaim.pc)")
+    export PKG_CONFIG_PATH
+    read -ra flags < <(pkg-config "$@" --cflags --libs dmpclaim)
+    for variable in libdir frameworkdir; do
+        flags+=("-Wl,-rpath,$(pkg-config "$@" --variable="$variable" dmpclaim)")
+    done
+    for host in ${hosts//;/ }; do
+        g++ -std=c++17 -Wall -Wextra -Werror "$host" -o "$folder/$(basename "$host" .cpp)" \
+            "${flags[@]}"
+    done
+}
