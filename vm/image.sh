@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
-# Prints the folder with the guest's kernel, its base archive and a busybox (vmlinuz, base.cpio,
-# busybox): Debian's packages, unpacked and thinned out. Made once, and again when this recipe or a
-# package changes.
+# image.sh FOLDER: makes the guest's kernel, its base archive and a busybox in FOLDER (vmlinuz,
+# base.cpio, busybox) out of Debian's packages, unpacked and thinned out.
+#
+# The packages are kept in the user's cache. Their programs run on this machine too, so they are
+# held against the checksums in apt's signed package lists each time.
 set -euo pipefail
+unset CDPATH
 
 # What the guest runs, and the libraries of that.
 packages=(busybox-static udev multipath-tools kpartx dmsetup sg3-utils sg3-utils-udev fdisk
@@ -14,8 +17,7 @@ modules=(dm-multipath dm-round-robin scsi_debug sd_mod sg)
 # What no program of the guest reads.
 ballast=(boot lib/udev/hwdb.d usr/include usr/lib/x86_64-linux-gnu/gconv usr/share)
 
-recipe=$(readlink -f "$0")
-cache=${XDG_CACHE_HOME:-$HOME/.cache}/dmpclaim-vm
+cache=$(realpath -ms "${XDG_CACHE_HOME:-$HOME/.cache}")/dmpclaim-vm
 
 say() { printf 'vm: %s\n' "$*" >&2; }
 
@@ -25,8 +27,8 @@ kernel_package() {
         sed -n 's/^Depends: \(linux-image-[^ ,]*\).*/\1/p'
 }
 
-# Downloads all packages to the current folder; with --print-uris it only prints where they come
-# from, a line each, with version and checksum.
+# Downloads all packages to the current folder, but files that have their names and sizes; with
+# --print-uris it only prints where they come from, a line each, with name, size and checksum.
 download() {
     local kernel
     kernel=$(kernel_package) && [[ $kernel ]] &&
@@ -40,8 +42,37 @@ update_package_lists() {
     "${as_root[@]}" apt-get -qq update >&2
 }
 
-# What the package lists name may be gone, or there are none yet.
-download_somehow() { download "$@" || { update_package_lists && download "$@"; }; }
+# Prints CHECKSUM  FILE for each package. In the current folder there must be none: those are left
+# out. Of a package without such a checksum the line stays as apt-get prints it, which sha256sum
+# refuses.
+checksums() {
+    local list
+    list=$(download --print-uris) &&
+        sed -E "s/^'[^']*' ([^ /]+) [0-9]+ SHA256:([0-9a-f]{64})$/\2  \1/" <<<"$list"
+}
+
+# are_right CHECKSUMS: whether the cache has all packages, as the lists have them.
+are_right() { (cd "$cache" && sha256sum --quiet --strict --check <<<"$1"); }
+
+# Has the packages in the cache, and prints their checksums.
+fetch() {
+    local sums
+    sums=$(checksums) || return
+    if ! are_right "$sums" >/dev/null 2>&1; then
+        say "downloading the guest's packages to $cache"
+        rm -f "$cache"/*.deb
+        (cd "$cache" && download) && are_right "$sums" >&2 || return
+    fi
+    printf '%s\n' "$sums"
+}
+
+# What is in the cache is run: nobody else may put anything there, or lead elsewhere from it.
+make_cache() {
+    (umask 077 && mkdir -p "$cache")
+    [[ ! -L $cache && -O $cache ]] && ((!(8#$(stat -Lc %a "$cache") & 8#022))) && return
+    say "$cache is a symbolic link, or others own it or may write to it: remove it"
+    return 1
+}
 
 # Removes all modules but the wanted ones and those that they depend on.
 thin_out_modules() {
@@ -62,11 +93,10 @@ link_applets() {
     done
 }
 
-# Makes the image in the current folder.
+# build CHECKSUMS: makes the image in the current folder.
 build() {
     local package version
-    download_somehow
-    for package in *.deb; do dpkg-deb -x "$package" tree; done
+    while read -r _ package; do dpkg-deb -x "$cache/$package" tree; done <<<"$1"
     mv tree/boot/vmlinuz-* vmlinuz
     cp tree/bin/busybox .
     (cd tree && rm -rf "${ballast[@]}")
@@ -76,28 +106,19 @@ build() {
     tree/bin/busybox depmod -b tree "$version"
     link_applets
     (cd tree && find . | bin/busybox cpio -o -H newc -R 0:0) >base.cpio
-    rm -rf tree ./*.deb
+    rm -rf tree
 }
-
-# Images that nobody used for a month.
-remove_old_images() { find "$cache" -mindepth 1 -maxdepth 1 -type d -mtime +30 -exec rm -rf {} +; }
 
 main() {
-    local list image
-    list=$(download_somehow --print-uris)
-    image=$cache/$(cat "$recipe" - <<<"$list" | sha256sum | cut -c 1-16)
-    mkdir -p "$cache"
-    exec {lock}>"$cache/lock"
+    local sums
+    mkdir "$1"
+    cd "$1"
+    make_cache
+    exec {lock}<"$cache"
     flock "$lock"
-    if [[ ! -d $image ]]; then
-        say "building the guest's image in $image"
-        rm -rf "$cache/new" && mkdir "$cache/new"
-        (cd "$cache/new" && build)
-        mv "$cache/new" "$image"
-        remove_old_images
-    fi
-    touch "$image"
-    printf '%s\n' "$image"
+    # What the package lists name may be gone, or there are no lists yet.
+    sums=$(fetch || { update_package_lists && fetch; })
+    build "$sums"
 }
 
-main
+main "$@"

@@ -18,7 +18,7 @@ libraries() {
     sed -n 's/^\t\(.* => \)\?\(\/[^ ]*\) (.*/\2/p' <<<"$found" | grep -v "^$prefix/" | sort -u
 }
 
-root=$(mktemp -d)
+root=$(realpath "$(mktemp -d)")
 trap 'rm -rf "$root"' EXIT
 cp -r "$guest/." "$root"
 mkdir -p "$root/opt/dmpclaim"

@@ -58,11 +58,11 @@ stop() {
 }
 
 main() {
-    local prefix=${1-} image
+    local prefix=${1-} image=$work/image
     [[ -x $prefix/bin/dmpclaim ]] || { usage >&2 && exit 2; }
     shift
     (($#)) || set -- "${all_checks[@]}"
-    image=$("$here/image.sh")
+    "$here/image.sh" "$image"
     "$here/payload.sh" "$prefix" "$image/busybox" | cat "$image/base.cpio" - >"$work/initrd"
     start "$image" "$(IFS=, && echo "$*")"
     follow

@@ -9,21 +9,15 @@ class Demo : public ActiveCommand {
 protected:
     Result demonstrate() const
     {
-        program("timeout",
-                "options=\"$1 $2 $3\"; shift 4; exec /usr/bin/timeout $options 0.5 \"$@\"");
-        program("dmpclaim", "export LD_PRELOAD=" QUICK_SLEEP " SLEEP_LOG=" + statePath() +
-                                ".sleeps ASAN_OPTIONS=verify_asan_link_order=0\n"
-                                "exec " DMPCLAIM_COMMAND " \"$@\"");
+        writeScript(folder() / "timeout",
+                    "options=\"$1 $2 $3\"; shift 4; exec /usr/bin/timeout $options 0.5 \"$@\"");
+        writeScript(folder() / "dmpclaim",
+                    "export LD_PRELOAD=" QUICK_SLEEP " SLEEP_LOG=" + statePath() +
+                        ".sleeps ASAN_OPTIONS=verify_asan_link_order=0\n"
+                        "exec " DMPCLAIM_COMMAND " \"$@\"");
         return Process({"env", "PATH=" + folder().string() + ":/usr/bin:/bin:/usr/sbin:/sbin",
                         SIMULATOR_DEMO, folder() / "dmpclaim", SIMULATOR_TOOLS})
             .finish();
-    }
-
-private:
-    void program(const std::string& name, const std::string& script) const
-    {
-        std::ofstream(folder() / name) << "#!/bin/sh\n" << script << '\n';
-        permissions(folder() / name, std::filesystem::perms::owner_all);
     }
 };
 

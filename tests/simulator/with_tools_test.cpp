@@ -32,9 +32,7 @@ protected:
     /// The same with this shell script as `unshare`.
     Result runWithUnshare(const std::string& script, const std::vector<std::string>& command) const
     {
-        const std::filesystem::path fake = folder() / "unshare";
-        std::ofstream(fake) << "#!/bin/sh\n" << script << '\n';
-        permissions(fake, std::filesystem::perms::owner_all);
+        writeScript(folder() / "unshare", script);
         std::vector<std::string> all = line(command);
         const std::string path = folder().string() + ":/usr/bin:/bin:/usr/sbin:/sbin";
         all.insert(all.begin(), {"/usr/bin/env", "PATH=" + path});
@@ -111,8 +109,7 @@ TEST_F(WithTools, ARelativeToolsFolderIsNotLookedUpInCdpath)
     create_directories(planted / "tools");
     create_directory(folder() / "tools");
     for (const char* name : {"kodmpadm", "kodisk"}) {
-        std::ofstream(planted / "tools" / name) << "#!/bin/sh\necho planted\n";
-        permissions(planted / "tools" / name, std::filesystem::perms::owner_all);
+        writeScript(planted / "tools" / name, "echo planted");
         copy_file(SIMULATOR_TOOLS "/kodisk", folder() / "tools" / name);
     }
     const std::string script = "cd \"$1\" && export CDPATH=\"$2\" && shift 2 && exec \"$@\"";

@@ -44,4 +44,11 @@ inline std::vector<std::string> linesOf(const std::string& path)
     return lines;
 }
 
+/// Writes a program for the shell.
+inline void writeScript(const std::filesystem::path& path, const std::string& script)
+{
+    std::ofstream(path) << "#!/bin/sh\n" << script << '\n';
+    permissions(path, std::filesystem::perms::owner_all);
+}
+
 #endif
