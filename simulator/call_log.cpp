@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "pdk/zepdk/printable_text.h"
 #include "regular_file.h"
 
 namespace simulator {
@@ -26,16 +27,11 @@ std::string timeStamp()
 
 std::string quoted(const std::string& argument)
 {
-    static constexpr char digits[] = "0123456789abcdef";
     std::string text = "\"";
     for (const char character : argument) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x20 || byte == 0x7f)
-            (text += "\\x").append({digits[byte >> 4], digits[byte & 0xf]});
-        else if (character == '"' || character == '\\')
-            text.append({'\\', character});
-        else
-            text += character;
+        if (character == '"' || character == '\\')
+            text += '\\';
+        text += character;
     }
     return text + "\"";
 }
@@ -44,9 +40,11 @@ std::string quoted(const std::string& argument)
 
 void logCall(const std::string& path, const Command& command)
 {
-    std::string line = timeStamp() + " [" + std::to_string(getpid()) + "] " + command.program;
+    std::string called = command.program;
     for (const std::string& argument : command.arguments)
-        line += " " + quoted(argument);
+        called += " " + quoted(argument);
+    std::string line = timeStamp() + " [" + std::to_string(getpid()) + "] ";
+    appendPrintable(line, called);
     line += '\n';
     RegularFile(path, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW, 0640).write(line);
 }

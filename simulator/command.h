@@ -21,7 +21,8 @@ struct Command {
 struct Answer {
     int result = 0; ///< see endingOf
     std::vector<std::string> lines;
-    std::string message; ///< for standard error, without its line end
+    std::string message; ///< a line for standard error, without its end
+    std::string usage{}; ///< lines to go behind the message
 };
 
 } // namespace simulator

@@ -85,7 +85,7 @@ std::string usage(const std::string& program)
     std::string text;
     for (const Subcommand& subcommand : subcommands) {
         if (program == subcommand.program)
-            text += "\nusage: " + program + " " + subcommand.name + " " + subcommand.form;
+            text += "usage: " + program + " " + subcommand.name + " " + subcommand.form + "\n";
     }
     return text;
 }
@@ -116,7 +116,7 @@ Answer perform(State& state, const Command& command)
     try {
         return dispatch(state, command);
     } catch (const UsageError& error) {
-        return {2, {}, error.what() + usage(command.program)};
+        return {2, {}, error.what(), usage(command.program)};
     }
 }
 

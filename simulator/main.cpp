@@ -19,6 +19,7 @@
 #include "commands.h"
 #include "endings.h"
 #include "error.h"
+#include "pdk/zepdk/printable_text.h"
 #include "shaping.h"
 #include "state_file.h"
 #include "write_all.h"
@@ -49,10 +50,18 @@ void flood(unsigned mebibytes, const std::string& line)
         print(STDOUT_FILENO, block);
 }
 
+/// The message as one line. Names in it cannot steer the terminal.
+std::string complaint(const Command& command, const std::string& message)
+{
+    std::string line;
+    appendPrintable(line, command.program + ": " + message);
+    return line + "\n";
+}
+
 void printAnswer(const Command& command, const Answer& answer, const Shape& shape)
 {
     if (!answer.message.empty())
-        print(STDERR_FILENO, command.program + ": " + answer.message + "\n");
+        print(STDERR_FILENO, complaint(command, answer.message) + answer.usage);
     print(STDOUT_FILENO, shapedText(answer.lines, shape));
     flood(shape.floodMib, answer.lines.empty() ? "" : answer.lines.back());
 }
@@ -104,7 +113,7 @@ int main(int argc, char** argv)
     try {
         return simulator::run(command);
     } catch (const std::exception& error) {
-        std::cerr << command.program << ": simulator: " << error.what() << '\n';
+        std::cerr << simulator::complaint(command, std::string("simulator: ") + error.what());
         return simulator::cannotWork;
     }
 }

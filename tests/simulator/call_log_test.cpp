@@ -37,8 +37,11 @@ TEST_F(CallLog, ArgumentsAreQuotedSoThatTheyCanBeToldApart)
     kodisk({"rm", "a b", ""});
     kodisk({"rm", "a\" \"b\\"});
     kodisk({"rm", "\n\x1f\x7f\u00e9"});
-    EXPECT_THAT(log(), ElementsAre(EndsWith(R"( "rm" "a b" "")"), EndsWith(R"( "rm" "a\" \"b\\")"),
-                                   EndsWith(R"( "rm" "\x0a\x1f\x7fé")")));
+    kodisk({"rm", "\u009b\u2028\u202e\xff\\x1b"});
+    EXPECT_THAT(log(),
+                ElementsAre(EndsWith(R"( "rm" "a b" "")"), EndsWith(R"( "rm" "a\" \"b\\")"),
+                            EndsWith(R"( "rm" "\x0a\x1f\x7fé")"),
+                            EndsWith(R"( "rm" "\xc2\x9b\xe2\x80\xa8\xe2\x80\xae\xff\\x1b")")));
 }
 
 TEST_F(CallLog, AnArgumentOf64KibIsLoggedWhole)
