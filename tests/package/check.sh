@@ -20,6 +20,13 @@ quietly cmake --install "$build" --prefix "$prefix"
 step "no installed file names a folder of the build machine"
 names_none_of "$prefix" "$source" "$build"
 
+step "no program or library has the loader search the current folder"
+for file in "$build"/bin/dmpclaim "$build"/lib/lib*.so "$prefix"/bin/dmpclaim "$prefix"/lib/lib*.so
+do
+    path=$(readelf -dW "$file" | sed -n 's/.*runpath: \[\(.*\)\]/\1/p')
+    [[ $path == \$ORIGIN* && :$path: != *::* ]] || fail "RUNPATH of $file: $path"
+done
+
 step "the example host, built with CMake"
 cmake_hosts "$work/host" "$prefix" "$sample"
 "$work/host/host"
