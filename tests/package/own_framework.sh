@@ -8,6 +8,7 @@ set -euo pipefail
 source "$(dirname "$0")/steps.sh"
 
 build=$(realpath "$1")
+rm -rf "$2"
 mkdir -p "$2"
 work=$(realpath "$2")
 source=$(realpath "$checks/../..")
@@ -41,7 +42,7 @@ install_library() {
 library() { find "$1" -name 'libdmpclaim.so'; }
 runpath() { readelf -dW "$(library "$1")" | sed -n 's/.*runpath: \[\(.*\)\]/\1/p'; }
 
-# The loader finds all of the framework in FOLDER, for ldd as for a program that knows nothing of it.
+# finds_framework PREFIX FOLDER: the loader does, for ldd and for a program that knows of neither.
 finds_framework() {
     local prefix=$1 folder=$2 name found
     found=$(ldd -r "$(library "$prefix")" 2>&1)
@@ -73,9 +74,9 @@ answer() {
         <"$checks/framework/calling_host.txt"
 }
 
-# uses_framework NAME FOLDER PREFIX: all that a host does with an installation.
+# uses_framework PREFIX FOLDER NAME: all that a host does with an installation.
 uses_framework() {
-    local name=$1 folder=$2 prefix=$3 found
+    local prefix=$1 folder=$2 name=$3 found
     found=$(find "$prefix" -name 'libze*')
     [[ -z $found ]] || fail "stand-ins are installed: $found"
     diff -r "$source/pdk/include" "$prefix/include/dmpclaim/pdk/include"
@@ -99,11 +100,11 @@ refused "libzepdk_4_4ST.so is not in $machine/none/lib" \
 
 step "a framework in the folder that is named"
 install_library "$machine/first" "$machine/first_prefix"
-uses_framework first "$machine/first" "$machine/first_prefix"
+uses_framework "$machine/first_prefix" "$machine/first" first
 
 step "another one, in the lib of the folder that is named, in the same build folder"
 install_library "$machine/second" "$machine/second_prefix" -DCMAKE_INSTALL_RPATH=/opt/more
-uses_framework second "$machine/second/lib" "$machine/second_prefix"
+uses_framework "$machine/second_prefix" "$machine/second/lib" second
 [[ $(runpath "$machine/second_prefix") == "/opt/more:$machine/second/lib" ]] ||
     fail "RUNPATH is $(runpath "$machine/second_prefix")"
 names_none_of "$machine/second_prefix" "$machine/first"
