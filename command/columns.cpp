@@ -12,18 +12,18 @@ using command::Column;
 
 constexpr Column name{"NAME", "name"};
 constexpr Column owner{"OWNER", "owner"};
-constexpr Column claim{"CLAIM", "claim", true};
+constexpr Column claim{"CLAIM", "claim", Column::Kind::number};
 constexpr Column partition{"PARTITION", "partition"};
 constexpr Column disk{"DISK", "disk"};
-constexpr Column partnum{"PARTNUM", "partnum", true};
+constexpr Column partnum{"PARTNUM", "partnum", Column::Kind::number};
 constexpr Column path{"PATH", "path"};
 constexpr Column prefix{"PREFIX", "prefix"};
 constexpr Column active{"ACTIVE", "active"};
 constexpr Column changed{"CHANGED", "changed"};
-constexpr Column took{"TOOK", "took", true};
+constexpr Column took{"TOOK", "took", Column::Kind::number};
 constexpr Column timeline{"TIMELINE", "timeline"};
 constexpr Column warning{"WARNING", "warning"};
-constexpr Column commandLine{"COMMAND", "command"};
+constexpr Column commandLine{"COMMAND", "command", Column::Kind::command};
 constexpr Column when{"WHEN", "when"};
 
 const Column& findColumn(const std::string& heading, const std::vector<Column>& columns)

@@ -9,9 +9,11 @@ namespace command {
 
 /// A column of a table. Its key in a row is the heading in lower case.
 struct Column {
+    enum class Kind { text, number, command };
+
     const char* heading;
     const char* key;
-    bool isNumber = false;
+    Kind kind = Kind::text;
 
     bool operator==(const Column& other) const { return std::string_view(key) == other.key; }
 };

@@ -36,7 +36,8 @@ active one, or nobody knew better: the tools are missing, or failed to the end.
 The timeline (with -J, or -o +TIMELINE) tells: each command, how many seconds it
 took and its result, and each wait. A result is the exit status, 0 for success;
 1000+N: signal N ended the tool; 1100: it took more than 600 seconds; 1101: it
-printed too much; 1102: its status was lost; null: it could not be run.
+printed too much; 1102: its status was lost; null: it could not be run. Commands
+are quoted for a shell (bash, zsh, ksh) but in JSON, which has them as they ran.
 
 A native path that holds a space or a comma is refused: the tools would take it
 for several arguments or disks. From standard input such a path, or one with a
@@ -55,7 +56,8 @@ constexpr char doctorFooter[] =
     R"(Looks at the volume manager's tools and asks them about every native disk, or
 the PATHs; asking changes nothing. Then it holds the names in /dev against the
 kernel's devices. A tool that takes more than 30 seconds, or prints too much, is
-ended and not asked again.
+ended and not asked again. Commands in findings are quoted for a shell (bash,
+zsh, ksh).
 
 Every finding has a state: ok, note (good to know), warning (an answer may be
 wrong) or error (it is wrong, or none is given), and says what to do, if

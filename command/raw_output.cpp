@@ -19,7 +19,7 @@ void RawOutput::write(const Row& row)
 {
     std::string line;
     for (const Column& column : m_columns)
-        line += printableWord(cellText(row.at(column.key))) + ' ';
+        line += printableWord(cellText(row, column)) + ' ';
     line.back() = '\n';
     m_output.write(line);
 }

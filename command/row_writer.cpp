@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "shell_word.h"
+
 namespace {
 
 using command::Row;
@@ -18,7 +20,7 @@ std::string stepText(const Row& step)
     if (step.contains("wait"))
         return "wait (" + secondsText(step["wait"]) + " s)";
     const Row& result = step["result"];
-    return step["command"].get<std::string>() + " (" + secondsText(step["seconds"]) + " s, " +
+    return command::shellCommand(step["command"]) + " (" + secondsText(step["seconds"]) + " s, " +
            (result.is_null() ? "not run" : std::to_string(result.get<int>())) + ")";
 }
 
@@ -47,6 +49,13 @@ std::string cellText(const Row& field)
     if (field.is_number())
         return std::to_string(field.get<unsigned int>());
     return field.get<std::string>();
+}
+
+std::string cellText(const Row& row, const Column& column)
+{
+    const Row& field = row.at(column.key);
+    return column.kind == Column::Kind::command && field.is_string() ? shellCommand(field)
+                                                                     : cellText(field);
 }
 
 } // namespace command

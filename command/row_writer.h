@@ -27,8 +27,11 @@ public:
 };
 
 /// A field as tables show it: text unaltered, "yes" and "no", "-" for null, seconds with three
-/// digits, the steps of a timeline one behind the other.
+/// digits, the steps of a timeline one behind the other, their commands quoted for a shell.
 std::string cellText(const Row& field);
+
+/// The row's field in the column, as tables show it. Commands are quoted for a shell.
+std::string cellText(const Row& row, const Column& column);
 
 } // namespace command
 

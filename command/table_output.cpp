@@ -36,9 +36,10 @@ void prepare(libscols_table* table)
 
 /// The column has no heading of its own, which would keep it from taking over a width: headings
 /// are the first row.
-void addColumn(libscols_table* table, bool isNumber)
+void addColumn(libscols_table* table, command::Column::Kind kind)
 {
-    const int flags = SCOLS_FL_STRICTWIDTH | (isNumber ? SCOLS_FL_RIGHT : 0);
+    const int flags =
+        SCOLS_FL_STRICTWIDTH | (kind == command::Column::Kind::number ? SCOLS_FL_RIGHT : 0);
     require(scols_table_new_column(table, "", 0, flags) != nullptr);
 }
 
@@ -62,7 +63,7 @@ TableOutput::TableOutput(OutputStream& output, std::vector<Column> columns, bool
     prepare(m_batch.get());
     Cells headings;
     for (const Column& column : m_columns) {
-        addColumn(m_batch.get(), column.isNumber);
+        addColumn(m_batch.get(), column.kind);
         headings.emplace_back(column.heading);
     }
     if (withHeadings)
@@ -73,7 +74,7 @@ void TableOutput::write(const Row& row)
 {
     Cells cells;
     for (const Column& column : m_columns)
-        cells.push_back(printable(cellText(row.at(column.key))));
+        cells.push_back(printable(cellText(row, column)));
     if (std::any_of(cells.begin(), cells.end(), isTooLong)) {
         writeBatch();
         writeAlone(cells);

@@ -7,8 +7,8 @@
 
 #include "doctor/file_kind.h"
 #include "doctor/kernel_maps.h"
-#include "doctor/shell_word.h"
 #include "row_writer.h"
+#include "shell_word.h"
 #include "text.h"
 
 namespace fs = std::filesystem;
@@ -209,8 +209,9 @@ private:
         const bool isKnown = fileKind(m_places.sysfsBlock / name) != FileKind::none;
         examineNode(path, {"device", isKnown,
                            "Unless this is a container that is not to have it, make the node with "
-                           "the numbers in /sys/class/block/" +
-                               name + "/dev: mknod " + command::shellWord(path) + " b MAJOR MINOR",
+                           "the numbers in " +
+                               command::shellWord("/sys/class/block/" + name + "/dev") +
+                               ": mknod " + command::shellWord(path) + " b MAJOR MINOR",
                            "Check that its driver is loaded, else remove the node."});
     }
 

@@ -15,7 +15,7 @@ struct Finding {
     std::string subject;      // a device, a tool or a driver
     std::string text;         // what was found
     std::string advice;       // what to do; empty when nothing need be done
-    std::string command = {}; // that the text ends with; empty when it names none
+    std::string command = {}; // as run, that the text ends with; empty when it names none
 };
 
 /// Takes the findings as they come.

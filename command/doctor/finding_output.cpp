@@ -1,6 +1,7 @@
 #include "doctor/finding_output.h"
 
 #include "printable.h"
+#include "shell_word.h"
 #include "wrapped.h"
 
 namespace {
@@ -42,7 +43,7 @@ std::string findingText(const Finding& finding)
     text.resize(indent, ' ');
     text += wrapped(printable(finding.subject + ": " + finding.text), indent) + '\n';
     if (!finding.command.empty())
-        text += unbroken(finding.command);
+        text += unbroken(shellCommand(finding.command));
     if (!finding.advice.empty())
         text += unbroken("To do: " + finding.advice);
     return text;
@@ -50,9 +51,10 @@ std::string findingText(const Finding& finding)
 
 Row findingRow(const Finding& finding)
 {
+    const std::string command = finding.command.empty() ? "" : ' ' + shellCommand(finding.command);
     return {{"state", stateName(finding.state)},
             {"subject", finding.subject},
-            {"text", finding.command.empty() ? finding.text : finding.text + ' ' + finding.command},
+            {"text", finding.text + command},
             {"advice", finding.advice.empty() ? Row() : Row(finding.advice)}};
 }
 

@@ -12,10 +12,10 @@ namespace command {
 /// "ok", "note", "warning" or "error".
 const char* stateName(Finding::State state);
 
-/// The finding for people, with its line ends.
+/// The finding for people, with its line ends. Its command is quoted for a shell.
 std::string findingText(const Finding& finding);
 
-/// state, subject, text, and advice, null when there is none.
+/// state, subject, text with the command quoted for a shell, and advice, null when there is none.
 Row findingRow(const Finding& finding);
 
 /// How many findings there are of each state.

@@ -3,8 +3,9 @@
 #include <utility>
 
 #include "doctor/file_kind.h"
-#include "doctor/shell_word.h"
 #include "pdk/include/czeexecpipe.h"
+#include "shell_word.h"
+#include "text.h"
 #include "tool_commands.h"
 #include "tool_name.h"
 
@@ -45,6 +46,13 @@ std::string ending(int status)
     return "status " + std::to_string(status);
 }
 
+/// A command of this program, for a shell. A path may look like an option.
+std::string ownCommand(const char* subcommand, const std::string& path)
+{
+    return std::string("dmpclaim ") + subcommand + (startsWith(path, "-") ? " -- " : " ") +
+           shellWord(path);
+}
+
 /// `path` is a partition's or a disk's; `remedy` is for a disk.
 std::string helpFor(const std::string& path, const std::string& remedy)
 {
@@ -52,17 +60,16 @@ std::string helpFor(const std::string& path, const std::string& remedy)
     const std::string disk = CNativePathClaim().removePartitionSuffix(path, partnum);
     if (disk == path)
         return remedy;
-    return "The volume manager knows disks, not their partitions. Ask about the disk: dmpclaim "
-           "doctor " +
-           shellWord(disk);
+    return "The volume manager knows disks, not their partitions. Ask about the disk: " +
+           ownCommand("doctor", disk);
 }
 
 /// Also says what it costs.
 std::string refreshing(const std::string& path)
 {
     return "have the mapping made anew, which removes the node from the volume manager for a "
-           "while: dmpclaim active --refresh " +
-           shellWord(path);
+           "while: " +
+           ownCommand("active --refresh", path);
 }
 
 } // namespace
@@ -128,16 +135,15 @@ std::string ToolExamination::nodeOf(const std::string& path)
     const std::string disk = CNativePathClaim().removeDevPrefix(path);
     const Question question{path, nodeQuery(disk),
                             helpFor(path, "Check that the volume manager runs. If the disk "
-                                          "was found a moment ago, scan it: "
-                                          "dmpclaim active " +
-                                              shellWord(path))};
+                                          "was found a moment ago, scan it: " +
+                                              ownCommand("active", path))};
     const std::optional<Lines> answer = answerTo(question);
     if (!answer)
         return {};
     const TableReading reading = readNode(*answer);
     if (reading.name.empty())
         tellOfNothing(question, reading.fault, "no node",
-                      helpFor(path, "Have the disk scanned: " + rescan({shellWord(disk)})));
+                      helpFor(path, "Have the disk scanned: " + shellCommand(rescan({disk}))));
     return reading.name;
 }
 
@@ -165,8 +171,7 @@ void ToolExamination::examinePathOf(const std::string& path, const std::string& 
         m_report(
             {State::error, path, text + ", which is no block device here",
              "Move that away, for it may hold what was meant for the disk." +
-                 (active == path ? ""
-                                 : " For its node, ask: dmpclaim doctor " + shellWord(active))});
+                 (active == path ? "" : " For its node, ask: " + ownCommand("doctor", active))});
     else if (!reading.isEnabled)
         m_report({State::warning, path, text + ", which is not enabled, as no path of the node is",
                   "Check the cables and the array; lookups return this path all the same."});

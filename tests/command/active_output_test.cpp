@@ -56,6 +56,18 @@ TEST_F(ActiveOutput, ADryRunRunsNothing)
     EXPECT_TRUE(log().empty());
 }
 
+TEST_F(ActiveOutput, ADryRunsCommandsMayBePastedIntoAShell)
+{
+    const std::vector<std::string> lines =
+        splitLines(run({"--dry-run", "-n", "-o", "COMMAND", "/dev/sd$(x)"}).output);
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0], "/usr/sbin/kodmpadm   getdmpnode  'nodename=sd$(x)'");
+    EXPECT_EQ(splitLines(run({"--dry-run", "-n", "-r", "-o", "COMMAND", "/dev/sd$(x)"}).output)[1],
+              R"(/usr/sbin/kodisk\x20\x20\x20scandisks\x20\x20'device=sd$(x)')");
+    EXPECT_EQ(Json::parse(run({"--dry-run", "-J", "/dev/sd$(x)"}).output)["commands"][0]["command"],
+              "/usr/sbin/kodmpadm   getdmpnode  nodename=sd$(x)");
+}
+
 TEST_F(ActiveOutput, ADryRunsJsonListsTheCommands)
 {
     const Json document = Json::parse(run({"--dry-run", "-J", "/dev/sdc"}).output);

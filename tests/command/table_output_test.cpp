@@ -13,7 +13,7 @@ using command::TableOutput;
 namespace {
 
 const std::vector<command::Column> columns{
-    {"NAME", "name"}, {"CLAIM", "claim", true}, {"DISK", "disk"}};
+    {"NAME", "name"}, {"CLAIM", "claim", command::Column::Kind::number}, {"DISK", "disk"}};
 
 Row row(const std::string& name)
 {

@@ -246,7 +246,8 @@ TEST_F(DeviceExamination, AdviceNamesTheCommand)
     machine.addNode("mapper/mpathb");
     EXPECT_THAT(adviceFor("/dev/sda"),
                 EndsWith("/sys/class/block/sda/dev: mknod /dev/sda b MAJOR MINOR"));
-    EXPECT_THAT(adviceFor("/dev/sdb;x"), EndsWith(": mknod '/dev/sdb;x' b MAJOR MINOR"));
+    EXPECT_THAT(adviceFor("/dev/sdb;x"),
+                EndsWith("'/sys/class/block/sdb;x/dev': mknod '/dev/sdb;x' b MAJOR MINOR"));
     EXPECT_EQ(adviceFor("/dev/mapper/mpatha"), "Have the node made: dmsetup mknodes");
     EXPECT_THAT(adviceFor("/dev/mapper/mpathb"), StartsWith("Have it removed: dmsetup mknodes"));
 }

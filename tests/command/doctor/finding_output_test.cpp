@@ -38,11 +38,19 @@ TEST(FindingText, ACommandStandsOnALineOfItsOwnAsItIs)
               "error    a: b from:\n         " + command + "\n         To do: look\n");
 }
 
+TEST(FindingText, ACommandMayBePastedIntoAShell)
+{
+    const Finding finding{Finding::State::error, "a", "b from:", "", "tool   x=$(y)\n  z"};
+    EXPECT_EQ(findingText(finding),
+              "error    a: b from:\n         tool   $'x=\\044\\050y\\051\\012'  z\n");
+    EXPECT_EQ(findingRow(finding)["text"], "b from: tool   $'x=\\044\\050y\\051\\012'  z");
+}
+
 TEST(FindingText, ForgesNoLines)
 {
     EXPECT_EQ(findingText({Finding::State::note, "a\n", "b\x1b", "c\r", "d\n"}),
               "note     a\\x0a: b\\x1b\n"
-              "         d\\x0a\n"
+              "         $'d\\012'\n"
               "         To do: c\\x0d\n");
 }
 

@@ -386,7 +386,7 @@ TEST_F(ToolExamination, AdviceMayBePastedIntoAShell)
     EXPECT_THAT(last().advice, EndsWith("dmpclaim active '/dev/sd$(x)'"));
     tools.answer(node, 0, {"NAME", "===="});
     examine({"/dev/sd$(x)"});
-    EXPECT_THAT(last().advice, EndsWith("device='sd$(x)'"));
+    EXPECT_THAT(last().advice, EndsWith("scandisks  'device=sd$(x)'"));
     tools.answer(node, 0, nodeTable).answer(pathQuery, 1);
     examine({"/dev/sd$(x)"});
     EXPECT_THAT(last().advice, EndsWith("--refresh '/dev/sd$(x)'"));
@@ -413,6 +413,26 @@ TEST_F(ToolExamination, AnActivePathThatLeavesDevIsAnError)
     EXPECT_THAT(findings(),
                 ElementsAre("error /dev/sdc: node arr0_17, active path /dev/../etc/shadow, which "
                             "is not to be used: it leaves /dev"));
+}
+
+TEST_F(ToolExamination, TheCommandsThatAreShownMayBePastedIntoAShell)
+{
+    tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=sd$(x)", 1);
+    examine({"/dev/sd$(x)"});
+    EXPECT_THAT(findings().back(), EndsWith(" from: /usr/sbin/kodmpadm   getdmpnode  "
+                                            "'nodename=sd$(x)'"));
+    tools.answer(nodeQuery, 0, {"NAME", "====", "$(x)"});
+    tools.answer("/usr/sbin/kodmpadm   getsubpaths  dmpnodename=$(x)", 0, {"NAME", "===="});
+    examine({"/dev/sdc"});
+    EXPECT_THAT(findings().back(), EndsWith(" of: /usr/sbin/kodmpadm   getsubpaths  "
+                                            "'dmpnodename=$(x)'"));
+}
+
+TEST_F(ToolExamination, APathThatLooksLikeAnOptionIsAdvisedAsAPath)
+{
+    tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=--trace-file=/dev/sdc", 1);
+    examine({"--trace-file=/dev/sdc"});
+    EXPECT_THAT(last().advice, EndsWith(": dmpclaim active -- --trace-file=/dev/sdc"));
 }
 
 TEST_F(ToolExamination, NothingIsScannedOrRemoved)
