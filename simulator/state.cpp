@@ -6,13 +6,11 @@
 #include <fcntl.h>
 
 #include "error.h"
-#include "regular_file.h"
+#include "json_file.h"
 
 namespace simulator {
 
 namespace {
-
-constexpr int deepest = 100;
 
 Path readPath(Fields fields)
 {
@@ -70,6 +68,12 @@ void requireUniqueNames(const std::vector<Array>& arrays)
     }
 }
 
+/// The fields of a recording that are read.
+bool isRecorded(const std::string& field)
+{
+    return field == "commands" || field == "command" || field == "status" || field == "output";
+}
+
 /// "replay" is the records themselves or the name of a file with an array "commands" in it.
 std::optional<std::vector<Record>> readReplay(Fields& fields, const std::string& folder)
 {
@@ -82,7 +86,7 @@ std::optional<std::vector<Record>> readReplay(Fields& fields, const std::string&
     if (name.find('/') != std::string::npos)
         fields.refuse("replay", "is not the name of a file in the same folder");
     const std::string path = (std::filesystem::path(folder) / name).string();
-    const Json file = readJsonFile(path, O_NOFOLLOW);
+    const Json file = readJsonFile(path, O_NOFOLLOW, isRecorded);
     Fields recorded(file, path);
     if (!recorded.has("commands"))
         recorded.refuse("commands", "is missing");
@@ -150,21 +154,6 @@ void writeState(const State& state, Json& document)
     }
     setOrErase(document, "calls", state.calls);
     setOrErase(document, "replayed", state.replayed);
-}
-
-Json readJsonFile(const std::string& path, int flags)
-{
-    // Values are copied, compared and written by functions that call themselves for each level.
-    const auto limitDepth = [&path](int depth, Json::parse_event_t, const Json&) {
-        if (depth >= deepest)
-            throw Error(path + " is nested more than " + std::to_string(deepest) + " levels deep");
-        return true;
-    };
-    try {
-        return Json::parse(RegularFile(path, O_RDONLY | flags).read(), limitDepth);
-    } catch (const Json::parse_error& error) {
-        throw Error(path + " is no JSON: " + error.what());
-    }
 }
 
 } // namespace simulator

@@ -57,10 +57,6 @@ State readState(const Json& document, const std::string& folder);
 /// Writes what calls can change back into the document that `state` was read from.
 void writeState(const State& state, Json& document);
 
-/// Reads a JSON file, opened with these flags of open(2) besides. Throws an Error when it cannot be
-/// read, is no JSON, or is nested deeper than any state or report.
-Json readJsonFile(const std::string& path, int flags = 0);
-
 } // namespace simulator
 
 #endif

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "error.h"
+#include "json_file.h"
 #include "json_text.h"
 
 namespace simulator {

@@ -47,35 +47,6 @@ TEST_F(State, AMistakeIsNamedWithItsPlace)
     }
 }
 
-/// So many arrays in each other.
-std::string nested(std::size_t levels)
-{
-    return std::string(levels, '[') + std::string(levels, ']');
-}
-
-TEST_F(State, WhatIsNestedDeeplyIsRefusedBeforeItIsBuilt)
-{
-    const std::string records = R"({"commands": [{"command": "kodisk scandisks", "status": 0,
-        "output": [], "levels 4 and deeper": )";
-    for (const std::size_t levels : {98U, 200'000U}) {
-        std::ofstream(folder() / "case.json") << records << nested(levels) << "}]}";
-        write(Json{{"replay", "case.json"}});
-        EXPECT_THAT(kodisk({"scandisks"}),
-                    Fails(78, "/case.json is nested more than 100 levels deep\n"));
-        write("{\"about\": " + nested(levels + 2) + "}");
-        EXPECT_THAT(kodisk({"scandisks"}),
-                    Fails(78, statePath() + " is nested more than 100 levels deep\n"));
-    }
-}
-
-TEST_F(State, AHundredLevelsAreRead)
-{
-    write(R"({"replay": [{"command": "kodisk scandisks", "status": 0, "output": [], "x": )" +
-          nested(97) + "}]}");
-    EXPECT_THAT(kodisk({"scandisks"}), Succeeds());
-    EXPECT_EQ(state()["replayed"], Json({{"kodisk scandisks", 1}}));
-}
-
 TEST_F(State, EveryFieldButTheNamesCanBeMissing)
 {
     write(Json::parse(R"({"arrays": [{"name": "a"}, {"name": "b", "nodes": [{"name": "n"}]}]})"));
