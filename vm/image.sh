@@ -42,9 +42,8 @@ update_package_lists() {
     "${as_root[@]}" apt-get -qq update >&2
 }
 
-# Prints CHECKSUM  FILE for each package. In the current folder there must be none: those are left
-# out. Of a package without such a checksum the line stays as apt-get prints it, which sha256sum
-# refuses.
+# Prints CHECKSUM  FILE for each package, but for those in the current folder. A line without a
+# SHA-256 checksum stays as apt-get prints it, and sha256sum refuses it.
 checksums() {
     local list
     list=$(download --print-uris) &&
@@ -66,7 +65,7 @@ fetch() {
     printf '%s\n' "$sums"
 }
 
-# What is in the cache is run: nobody else may put anything there, or lead elsewhere from it.
+# The programs in the cache are run, so only the user may write to it.
 make_cache() {
     (umask 077 && mkdir -p "$cache")
     [[ ! -L $cache && -O $cache ]] && ((!(8#$(stat -Lc %a "$cache") & 8#022))) && return
@@ -114,6 +113,7 @@ main() {
     mkdir "$1"
     cd "$1"
     make_cache
+    # The folder itself is locked: a lock file could be a link that another account made.
     exec {lock}<"$cache"
     flock "$lock"
     # What the package lists name may be gone, or there are no lists yet.
