@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <fstream>
+#include <optional>
 #include <set>
+#include <string_view>
 #include <system_error>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "doctor/file_kind.h"
 #include "doctor/kernel_maps.h"
-#include "row_writer.h"
+#include "doctor/map_difference.h"
 #include "shell_word.h"
 #include "text.h"
 
@@ -15,11 +19,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using command::DeviceReading;
 using command::FileKind;
 using command::fileKind;
+using command::Finding;
 using command::KernelMap;
-using command::Row;
-using State = command::Finding::State;
+using State = Finding::State;
 
 constexpr char devFolder[] = "/dev/";
 constexpr char mapperFolder[] = "/dev/mapper/";
@@ -65,58 +70,6 @@ bool isMapper(const std::string& path)
     return command::startsWith(path, mapperFolder);
 }
 
-/// The names of the modules that claim a path.
-std::vector<std::string> claimers(const Row& row)
-{
-    std::vector<std::string> names;
-    for (const Row& module : row["modules"]) {
-        if (module["claim"] != 0)
-            names.push_back(module["module"]);
-    }
-    return names;
-}
-
-/// What a map is to the kernel, or the library's reading of its node.
-enum Kind { disk, partition, other };
-
-Kind kindOf(const KernelMap& map)
-{
-    if (map.isMultipathDisk())
-        return disk;
-    return map.isMultipathPartition() ? partition : other;
-}
-
-Kind readingOf(const Row& row)
-{
-    if (row["owner"].is_null())
-        return other;
-    return row["partition"] ? partition : disk;
-}
-
-struct Difference {
-    State state = State::ok;
-    const char* text = nullptr; // null when kernel and library agree
-    const char* advice = nullptr;
-};
-
-constexpr Difference falseClaim{
-    State::note, "the library takes it for a multipath device, which it is not to the kernel",
-    "Do not hand it to hosts that expect disks. A name with a '-' would be left unclaimed."};
-
-// By what it is to the kernel, and by what it is to the library.
-constexpr Difference differences[3][3] = {
-    {{},
-     {State::warning, "a multipath disk, but the library takes it for a partition",
-      "Give it an alias that does not end in 'p' and a digit."},
-     {State::warning, "a multipath disk, but no driver claims its name",
-      "Give it an alias without '-' in multipath.conf."}},
-    {{State::warning, "a partition of a multipath disk, but the library takes it for a disk",
-      "Ask about the disk. Partitions are known by a 'p' and one digit: kpartx -a -p p"},
-     {},
-     {State::note, "a partition of a multipath disk, but no driver claims its name",
-      "Ask about the disk. Partitions are known by a 'p' and one digit: kpartx -a -p p"}},
-    {falseClaim, falseClaim, {}}};
-
 /// What is known of a device besides its node.
 struct Device {
     const char* noun; // what it is to the kernel
@@ -127,11 +80,16 @@ struct Device {
 
 class DeviceExamination {
 public:
-    DeviceExamination(const command::Places& places, const Row& names,
+    DeviceExamination(const command::Places& places, const std::vector<DeviceReading>& readings,
                       const command::FindingReceiver& report)
-        : m_places(places), m_names(names), m_report(report),
+        : m_places(places), m_readings(readings), m_report(report),
           m_maps(command::kernelMaps(places.sysfsBlock))
-    {}
+    {
+        for (const DeviceReading& reading : m_readings)
+            m_readingOf.emplace(reading.path, &reading);
+        for (const KernelMap& map : m_maps)
+            m_mapNames.insert(map.name);
+    }
 
     void run(const std::vector<std::string>& given)
     {
@@ -146,8 +104,8 @@ public:
 private:
     void examineAll()
     {
-        for (const Row& row : m_names)
-            examineName(row);
+        for (const DeviceReading& reading : m_readings)
+            examineReading(reading);
         for (const KernelMap& map : m_maps)
             examineMap(map);
         tellOfWarnings();
@@ -168,36 +126,34 @@ private:
 
     void count(const Driver& driver)
     {
-        const auto claimed = std::count_if(m_names.begin(), m_names.end(), [&](const Row& row) {
-            return row["owner"] == driver.name;
-        });
+        const auto claimed =
+            std::count_if(m_readings.begin(), m_readings.end(), [&](const DeviceReading& reading) {
+                return reading.owner == driver.name;
+            });
         m_report({State::ok, driver.name,
                   std::string(presence(m_places.drivers, driver.kernelName)) + "; owns " +
-                      std::to_string(claimed) + " of " + std::to_string(m_names.size()) +
+                      std::to_string(claimed) + " of " + std::to_string(m_readings.size()) +
                       " block devices",
                   ""});
     }
 
-    void examineName(const Row& row)
+    void examineReading(const DeviceReading& reading)
     {
-        const std::string path = row["name"];
-        const std::vector<std::string> names = claimers(row);
-        if (names.size() > 1)
-            m_report({State::warning, path,
-                      names[0] + " and " + names[1] + " claim it, and " +
-                          command::cellText(row["owner"]) + " gets it",
+        const std::vector<std::string>& claimers = reading.claimers;
+        if (claimers.size() > 1)
+            m_report({State::warning, reading.path,
+                      claimers[0] + " and " + claimers[1] + " claim it, and " + reading.owner +
+                          " gets it",
                       "Use a path that holds the prefix of one driver only."});
-        if (isMapper(path))
-            examineMapperNode(path);
-        else if (!names.empty())
-            examineDeviceNode(path);
+        if (isMapper(reading.path))
+            examineMapperNode(reading.path);
+        else if (!claimers.empty())
+            examineDeviceNode(reading.path);
     }
 
     void examineMapperNode(const std::string& path)
     {
-        const std::string name = behind(path, mapperFolder);
-        const bool isKnown = std::any_of(m_maps.begin(), m_maps.end(),
-                                         [&](const KernelMap& map) { return map.name == name; });
+        const bool isKnown = m_mapNames.count(behind(path, mapperFolder)) > 0;
         examineNode(path, {"map", isKnown, makeMapNode, "Have it removed: dmsetup mknodes"});
     }
 
@@ -260,7 +216,7 @@ private:
                             : path);
     }
 
-    void reportNode(const command::Finding& finding)
+    void reportNode(const Finding& finding)
     {
         m_reported.insert(finding.subject);
         m_report(finding);
@@ -269,39 +225,39 @@ private:
     void examineMap(const KernelMap& map)
     {
         const std::string path = mapperFolder + map.name;
-        const auto row = std::find_if(m_names.begin(), m_names.end(),
-                                      [&](const Row& name) { return name["name"] == path; });
-        if (row != m_names.end())
-            compare(map, *row);
-        else if (kindOf(map) != other)
+        const auto reading = m_readingOf.find(path);
+        if (reading != m_readingOf.end())
+            compare(map, *reading->second);
+        else if (map.isMultipathDisk() || map.isMultipathPartition())
             reportNode(
                 {State::error, path, "a map of the kernel, but the node is missing", makeMapNode});
     }
 
-    void compare(const KernelMap& map, const Row& row)
+    void compare(const KernelMap& map, const DeviceReading& reading)
     {
-        const Difference& difference = differences[kindOf(map)][readingOf(row)];
-        if (difference.text != nullptr)
-            m_report({difference.state, row["name"], difference.text, difference.advice});
+        if (const std::optional<Finding> difference = command::mapDifference(map, reading))
+            m_report(*difference);
     }
 
     void tellOfWarnings()
     {
-        const auto isAmbiguous = [](const Row& row) { return !row["warnings"].empty(); };
-        const auto count = std::count_if(m_names.begin(), m_names.end(), isAmbiguous);
+        const auto isAmbiguous = [](const DeviceReading& reading) { return reading.hasWarnings; };
+        const auto count = std::count_if(m_readings.begin(), m_readings.end(), isAmbiguous);
         if (count == 0)
             return;
-        const auto first = std::find_if(m_names.begin(), m_names.end(), isAmbiguous);
-        m_report({State::note, (*first)["name"],
+        const auto first = std::find_if(m_readings.begin(), m_readings.end(), isAmbiguous);
+        m_report({State::note, first->path,
                   "other tools may read or name it differently, as " + std::to_string(count) +
-                      " of " + std::to_string(m_names.size()) + " block devices",
+                      " of " + std::to_string(m_readings.size()) + " block devices",
                   "'dmpclaim explain' tells more about each."});
     }
 
     const command::Places& m_places;
-    const Row& m_names;
+    const std::vector<DeviceReading>& m_readings;
     const command::FindingReceiver& m_report;
-    std::vector<KernelMap> m_maps;
+    const std::vector<KernelMap> m_maps;
+    std::unordered_map<std::string_view, const DeviceReading*> m_readingOf; // by path
+    std::unordered_set<std::string_view> m_mapNames;
     std::set<std::string> m_reported;
 };
 
@@ -309,10 +265,10 @@ private:
 
 namespace command {
 
-void examineDevices(const Places& places, const Row& names, const std::vector<std::string>& given,
-                    const FindingReceiver& report)
+void examineDevices(const Places& places, const std::vector<DeviceReading>& readings,
+                    const std::vector<std::string>& given, const FindingReceiver& report)
 {
-    DeviceExamination(places, names, report).run(given);
+    DeviceExamination(places, readings, report).run(given);
 }
 
 } // namespace command

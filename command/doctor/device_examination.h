@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "doctor/device_reading.h"
 #include "doctor/finding.h"
-#include "row.h"
 
 namespace command {
 
@@ -17,11 +17,11 @@ struct Places {
     std::filesystem::path drivers = "/proc/devices";
 };
 
-/// Holds what the library says of a machine's block devices against what the kernel has. `names`
-/// are their explanations. The paths in `given` are expected to be block devices, whoever owns
-/// them.
-void examineDevices(const Places& places, const Row& names, const std::vector<std::string>& given,
-                    const FindingReceiver& report);
+/// Holds `readings`, of all the machine's block devices and each once, against what the kernel has.
+/// The paths in `given` are expected to be block devices, whoever owns them. Takes time in
+/// proportion to the devices.
+void examineDevices(const Places& places, const std::vector<DeviceReading>& readings,
+                    const std::vector<std::string>& given, const FindingReceiver& report);
 
 } // namespace command
 

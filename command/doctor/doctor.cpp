@@ -4,11 +4,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "block_devices.h"
 #include "device_row.h"
 #include "doctor/device_examination.h"
+#include "doctor/device_reading.h"
 #include "doctor/finding_output.h"
 #include "doctor/findings.h"
 #include "doctor/kernel_maps.h"
@@ -41,7 +43,8 @@ class Doctor {
 public:
     Doctor(const Options& options, CZeTraceLogHandle log, StopRequest& stop, Findings& findings)
         : m_options(options), m_receiver([&](const Finding& finding) { findings.take(finding); }),
-          m_modules(makeModules({})), m_tools(log, stop, m_receiver)
+          m_modules(makeModules({})), m_isRecorded(options.form == Form::json),
+          m_tools(log, stop, m_receiver, m_isRecorded ? &m_commands : nullptr)
     {
         m_manager.registerTraceLog(log);
     }
@@ -49,17 +52,17 @@ public:
     void examine()
     {
         const Places places;
-        for (const std::string& path : blockDevices(places.sysfsBlock, places.dev))
-            m_names.push_back(explanation(m_manager, m_modules, path));
+        readNames(places);
         m_tools.examineTools();
         if (m_options.paths.empty())
             askAboutAll();
         else
             askAboutGiven();
-        examineDevices(places, m_names, m_given, m_receiver);
+        examineDevices(places, m_readings, m_given, m_receiver);
     }
 
-    /// What a support engineer asks for, but for findings and trace.
+    /// What a support engineer asks for, but for findings and trace. REQUIRES: JSON is wanted; for
+    /// text names and commands are not kept.
     Row report() const
     {
         Row modules = Row::array();
@@ -69,21 +72,27 @@ public:
         Row maps = Row::array();
         for (const KernelMap& map : kernelMaps(Places().sysfsBlock))
             maps.push_back({{"name", map.name}, {"uuid", map.uuid}});
-        return {{"schema", 1},
-                {"recorded", now()},
-                {"versions", versions()},
-                {"modules", modules},
-                {"names", m_names},
-                {"maps", maps},
-                {"commands", m_tools.commands()}};
+        return {{"schema", 1},           {"recorded", now()}, {"versions", versions()},
+                {"modules", modules},    {"names", m_names},  {"maps", maps},
+                {"commands", m_commands}};
     }
 
 private:
+    void readNames(const Places& places)
+    {
+        for (const std::string& path : blockDevices(places.sysfsBlock, places.dev)) {
+            Row name = explanation(m_manager, m_modules, path);
+            m_readings.push_back(deviceReading(name));
+            if (m_isRecorded)
+                m_names.push_back(std::move(name));
+        }
+    }
+
     void askAboutAll()
     {
-        for (const Row& row : m_names) {
-            if (row["owner"] == "native" && !row["partition"])
-                m_tools.examineDisk(row["name"]);
+        for (const DeviceReading& reading : m_readings) {
+            if (reading.owner == "native" && !reading.isPartition)
+                m_tools.examineDisk(reading.path);
         }
     }
 
@@ -105,8 +114,11 @@ private:
     FindingReceiver m_receiver;
     CDmpClaimManager m_manager;
     std::vector<std::unique_ptr<CDmpDeviceClaimBase>> m_modules;
-    ToolExamination m_tools;
+    bool m_isRecorded;
     Row m_names = Row::array();
+    Row m_commands = Row::array();
+    ToolExamination m_tools;
+    std::vector<DeviceReading> m_readings;
     std::vector<std::string> m_given;
 };
 
@@ -124,21 +136,24 @@ namespace command {
 int runDoctor(const Options& options, OutputStream& output)
 {
     const bool isJson = options.form == Form::json;
-    TraceRecorder trace(openTraceSink(options.trace));
+    std::optional<TraceRecorder> trace;
+    if (isJson)
+        trace.emplace(openTraceSink(options.trace));
+    const CZeTraceLogHandle log = trace ? trace->openLog() : openTraceLog(options.trace);
     Findings findings(isJson ? nullptr : &output);
     StopRequest stop;
     Interrupt interrupt(stop, [] {});
-    Doctor doctor(options, trace.openLog(), stop, findings);
+    Doctor doctor(options, log, stop, findings);
     try {
         doctor.examine();
     } catch (const Interrupted&) {
         // The one who interrupts ends the process.
     }
     interrupt.finish();
-    if (isJson) {
+    if (trace) {
         Row report = doctor.report();
         report["findings"] = findings.rows();
-        report["trace"] = trace.lines();
+        report["trace"] = trace->lines();
         output.write(jsonText(report));
     } else {
         output.write(summary(findings.counts()));

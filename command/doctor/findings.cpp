@@ -5,9 +5,10 @@ namespace command {
 void Findings::take(const Finding& finding)
 {
     ++m_counts[finding.state];
-    m_rows.push_back(findingRow(finding));
-    if (m_output == nullptr)
+    if (m_output == nullptr) {
+        m_rows.push_back(findingRow(finding));
         return;
+    }
     m_output->write(findingText(finding));
     m_output->flush();
 }

@@ -18,7 +18,7 @@ public:
 
     const FindingCounts& counts() const { return m_counts; }
 
-    /// A findingRow for each, in order.
+    /// For JSON a findingRow for each, in order.
     const Row& rows() const { return m_rows; }
 
 private:

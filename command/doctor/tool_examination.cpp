@@ -77,8 +77,8 @@ std::string refreshing(const std::string& path)
 namespace command {
 
 ToolExamination::ToolExamination(const koze_pdk_4_4::CZeTraceLogHandle& log, StopRequest& stop,
-                                 FindingReceiver report)
-    : m_log(log), m_stop(stop), m_report(std::move(report))
+                                 FindingReceiver report, Row* commands)
+    : m_log(log), m_stop(stop), m_report(std::move(report)), m_commands(commands)
 {}
 
 void ToolExamination::examineTools()
@@ -198,7 +198,9 @@ std::optional<ToolExamination::Lines> ToolExamination::answerTo(const Question& 
         return {};
     }
     m_stop.check();
-    m_commands.push_back({{"command", question.command}, {"status", status}, {"output", output}});
+    if (m_commands != nullptr)
+        m_commands->push_back(
+            {{"command", question.command}, {"status", status}, {"output", output}});
     if (status == 0)
         return output;
     tellOfFailure(question, status, output);

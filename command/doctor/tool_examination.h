@@ -17,8 +17,14 @@ namespace command {
 class ToolExamination {
 public:
     /// The trace lines of what is asked go to `log`. `stop` ends the examination by Interrupted.
+    /// What was asked and answered is added to the array `commands`, unless that is null, an
+    /// element each:
+    ///
+    ///     command    the command line
+    ///     status     of CZeExecPipeBase::Exec
+    ///     output     the lines
     ToolExamination(const koze_pdk_4_4::CZeTraceLogHandle& log, StopRequest& stop,
-                    FindingReceiver report);
+                    FindingReceiver report, Row* commands);
 
     /// Looks whether the tools are there. Called first.
     void examineTools();
@@ -26,13 +32,6 @@ public:
     /// Asks for the node of a disk and the node's paths; not when the tools are missing or have
     /// failed in a way that they would fail in again.
     void examineDisk(const std::string& path);
-
-    /// What was asked and answered so far, an element each:
-    ///
-    ///     command    the command line
-    ///     status     of CZeExecPipeBase::Exec
-    ///     output     the lines
-    const Row& commands() const { return m_commands; }
 
 private:
     using Lines = std::vector<std::string>;
@@ -56,8 +55,8 @@ private:
     koze_pdk_4_4::CZeTraceLogHandle m_log;
     StopRequest& m_stop;
     FindingReceiver m_report;
+    Row* m_commands;
     bool m_canAsk = false;
-    Row m_commands = Row::array();
 };
 
 } // namespace command

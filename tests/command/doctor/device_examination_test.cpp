@@ -2,16 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include "command/block_devices.h"
 #include "command/doctor/finding_output.h"
-#include "command/drivers.h"
-#include "command/explanation.h"
 #include "fake_machine.h"
 
 namespace {
 
 using command::Finding;
-using command::Row;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -21,36 +17,28 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
+using Readings = std::vector<command::DeviceReading>;
+
 class DeviceExamination : public testing::Test {
 protected:
-    Row names() const
-    {
-        CDmpClaimManager manager;
-        const auto modules = command::makeModules({});
-        Row rows = Row::array();
-        for (const std::string& path :
-             command::blockDevices(machine.places().sysfsBlock, machine.places().dev))
-            rows.push_back(command::explanation(manager, modules, path));
-        return rows;
-    }
-
     /// "STATE SUBJECT: TEXT" for each finding.
-    std::vector<std::string> all() const { return all(names()); }
+    std::vector<std::string> all() const { return all(machine.readings()); }
 
     std::string adviceFor(const std::string& subject) const
     {
         std::string advice;
-        command::examineDevices(machine.places(), names(), given, [&](const Finding& finding) {
-            if (finding.subject == subject)
-                advice += finding.advice;
-        });
+        command::examineDevices(machine.places(), machine.readings(), given,
+                                [&](const Finding& finding) {
+                                    if (finding.subject == subject)
+                                        advice += finding.advice;
+                                });
         return advice;
     }
 
-    std::vector<std::string> all(const Row& rows) const
+    std::vector<std::string> all(const Readings& readings) const
     {
         std::vector<std::string> lines;
-        command::examineDevices(machine.places(), rows, given, [&](const Finding& finding) {
+        command::examineDevices(machine.places(), readings, given, [&](const Finding& finding) {
             lines.push_back(std::string(command::stateName(finding.state)) + ' ' + finding.subject +
                             ": " + finding.text);
             const bool mustAct = finding.state != Finding::State::ok;
@@ -221,7 +209,7 @@ TEST_F(DeviceExamination, GivenPathsAreLookedAtWithoutTheKernelsDevices)
 TEST_F(DeviceExamination, ADeviceThatVanishesMeanwhileIsNotMissed)
 {
     machine.addDeviceWithNode("sda");
-    const Row before = names();
+    const Readings before = machine.readings();
     std::filesystem::remove(machine.places().dev / "sda");
     std::filesystem::remove(machine.places().sysfsBlock / "sda");
     EXPECT_EQ(all(before).size(), all().size());

@@ -4,8 +4,12 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
+#include "command/block_devices.h"
 #include "command/doctor/device_examination.h"
+#include "command/drivers.h"
+#include "command/explanation.h"
 #include "tests/support/temporary_folder.h"
 
 /// Folders that look like those of a machine with block devices; none at first. The nodes pass for
@@ -24,6 +28,17 @@ public:
     void addDriver(const std::string& line)
     {
         std::ofstream(m_places.drivers, std::ios::app) << line << '\n';
+    }
+
+    /// How the library reads the paths of its block devices.
+    std::vector<command::DeviceReading> readings() const
+    {
+        CDmpClaimManager manager;
+        const auto modules = command::makeModules({});
+        std::vector<command::DeviceReading> all;
+        for (const std::string& path : command::blockDevices(m_places.sysfsBlock, m_places.dev))
+            all.push_back(command::deviceReading(command::explanation(manager, modules, path)));
+        return all;
     }
 
     /// A device of the kernel without a node.

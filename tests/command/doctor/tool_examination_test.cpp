@@ -76,7 +76,7 @@ protected:
             m_examination.examineDisk(path);
     }
 
-    const Row& commands() const { return m_examination.commands(); }
+    const Row& commands() const { return m_commands; }
 
     /// "STATE SUBJECT: TEXT" for each finding behind those about the tools.
     std::vector<std::string> findings() const
@@ -98,16 +98,17 @@ protected:
 
 private:
     std::vector<Finding> m_findings;
+    Row m_commands = Row::array();
     command::ToolExamination m_examination{
-        {}, stop, [this](const Finding& finding) { m_findings.push_back(finding); }};
+        {}, stop, [this](const Finding& finding) { m_findings.push_back(finding); }, &m_commands};
 };
 
 TEST_F(ToolExamination, ToolsThatCanBeRunAreToldOf)
 {
     std::vector<Finding> found;
-    command::ToolExamination({}, stop, [&](const Finding& finding) {
-        found.push_back(finding);
-    }).examineTools();
+    command::ToolExamination(
+        {}, stop, [&](const Finding& finding) { found.push_back(finding); }, nullptr)
+        .examineTools();
     ASSERT_EQ(found.size(), 2U);
     EXPECT_EQ(found[0].subject, "/usr/sbin/kodmpadm");
     EXPECT_EQ(found[1].subject, "/usr/sbin/kodisk");
@@ -178,7 +179,8 @@ TEST_F(ToolExamination, EachQuestionIsAskedOnceAndItsTableKept)
 TEST_F(ToolExamination, TheRunnerTracesAndTakesStandardOutputOnly)
 {
     const koze_pdk_4_4::CZeTraceLogHandle log = new koze_pdk_4_4::CZeTraceLog;
-    command::ToolExamination examination(log, stop, [](const Finding&) {});
+    command::ToolExamination examination(
+        log, stop, [](const Finding&) {}, nullptr);
     examination.examineTools();
     tools.answer(nodeQuery, 1);
     examination.examineDisk("/dev/sdc");
@@ -433,6 +435,16 @@ TEST_F(ToolExamination, APathThatLooksLikeAnOptionIsAdvisedAsAPath)
     tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=--trace-file=/dev/sdc", 1);
     examine({"--trace-file=/dev/sdc"});
     EXPECT_THAT(last().advice, EndsWith(": dmpclaim active -- --trace-file=/dev/sdc"));
+}
+
+TEST_F(ToolExamination, AnswersAreNotKeptUnlessTheyAreWanted)
+{
+    command::ToolExamination examination(
+        {}, stop, [](const Finding&) {}, nullptr);
+    examination.examineTools();
+    tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0, pathTable);
+    examination.examineDisk("/dev/sdc");
+    EXPECT_THAT(tools.events, Contains(pathQuery));
 }
 
 TEST_F(ToolExamination, NothingIsScannedOrRemoved)

@@ -1,0 +1,57 @@
+// What examining a machine without the volume manager costs: reading the names of its block
+// devices, and holding them against the kernel's.
+#include <benchmark/benchmark.h>
+
+#include "tests/command/doctor/fake_machine.h"
+
+namespace {
+
+/// A machine with so many disks, and a map for every fourth of them.
+class Machine : public FakeMachine {
+public:
+    explicit Machine(int disks)
+    {
+        for (int number = 0; number < disks; ++number) {
+            addDeviceWithNode("sd" + letters(number));
+            if (number % 4 == 0)
+                addMapWithNode("mpath" + letters(number), "mpath-" + std::to_string(number));
+        }
+    }
+
+private:
+    static std::string letters(int number)
+    {
+        std::string text;
+        for (int left = number; left >= 0; left = left / 26 - 1)
+            text.insert(text.begin(), static_cast<char>('a' + left % 26));
+        return text;
+    }
+};
+
+void examine(benchmark::State& state, const Machine& machine)
+{
+    std::size_t findings = 0;
+    for (auto _ : state) {
+        command::examineDevices(machine.places(), machine.readings(), {},
+                                [&](const command::Finding&) { ++findings; });
+    }
+    benchmark::DoNotOptimize(findings);
+}
+
+void examineMany(benchmark::State& state)
+{
+    static const Machine machine(8192);
+    examine(state, machine);
+}
+
+void examineFew(benchmark::State& state)
+{
+    static const Machine machine(819);
+    examine(state, machine);
+}
+
+// Time in proportion: ten times the devices cost ten times the time, at most twelve.
+BENCHMARK(examineMany)->Name("doctor with 8192 disks against 819/ours");
+BENCHMARK(examineFew)->Name("doctor with 8192 disks against 819/reference");
+
+} // namespace
