@@ -1,5 +1,6 @@
 #include "doctor/tool_examination.h"
 
+#include <climits>
 #include <utility>
 
 #include "doctor/file_kind.h"
@@ -44,6 +45,13 @@ std::string ending(int status)
     if (status > CZeExecPipeBase::killedBySignal)
         return "signal " + std::to_string(status - CZeExecPipeBase::killedBySignal) + " ended it";
     return "status " + std::to_string(status);
+}
+
+/// Whether no path is so long. The system starts no tool with an argument of 128 KiB: that would
+/// look like a fault of the tool.
+bool isTooLong(const std::string& name)
+{
+    return name.size() >= PATH_MAX;
 }
 
 /// A command of this program, for a shell. A path may look like an option.
@@ -125,6 +133,12 @@ void ToolExamination::examineDisk(const std::string& path)
                   "Check the name; 'active' refuses it, too."});
         return;
     }
+    if (isTooLong(path)) {
+        m_report({State::error, path,
+                  "the volume manager is not asked about it: it is longer than a path can be",
+                  "Check the name."});
+        return;
+    }
     const std::string node = nodeOf(path);
     if (!node.empty())
         examinePathOf(path, node);
@@ -140,7 +154,9 @@ std::string ToolExamination::nodeOf(const std::string& path)
     const std::optional<Lines> answer = answerTo(question);
     if (!answer)
         return {};
-    const TableReading reading = readNode(*answer);
+    TableReading reading = readNode(*answer);
+    if (isTooLong(reading.name))
+        reading = {"a node's name that is longer than a path can be", "", false};
     if (reading.name.empty())
         tellOfNothing(question, reading.fault, "no node",
                       helpFor(path, "Have the disk scanned: " + shellCommand(rescan({disk}))));

@@ -110,6 +110,16 @@ TEST_F(Doctor, AsksAboutTheGivenPathsOnly)
     EXPECT_EQ(ended.status, 0);
 }
 
+TEST_F(Doctor, ANameThatIsTooLongForAToolDoesNotKeepItFromTheOthers)
+{
+    machine.addDeviceWithNode("sdb");
+    const Result ended = run({"-"}, "/dev/sd" + std::string(200'000, 'x') + "\n/dev/sdb\n");
+    EXPECT_THAT(splitLines(ended.output),
+                Contains("ok       /dev/sdb: node arr0_17, active path /dev/sdb"));
+    EXPECT_THAT(ended.output, HasSubstr("longer than a path can"));
+    EXPECT_EQ(ended.status, 32);
+}
+
 /// What is kept of each device takes some 400 bytes. Its explanation would take 2,600 more, its
 /// trace lines 12,000. A shell makes the devices: doctor begins with the memory of the test.
 TEST_F(Doctor, TextKeepsNeitherTraceNorExplanations)

@@ -437,6 +437,32 @@ TEST_F(ToolExamination, APathThatLooksLikeAnOptionIsAdvisedAsAPath)
     EXPECT_THAT(last().advice, EndsWith(": dmpclaim active -- --trace-file=/dev/sdc"));
 }
 
+TEST_F(ToolExamination, ANameThatIsTooLongForAToolIsNoFaultOfTheTool)
+{
+    const std::string longest = "/dev/sd" + std::string(4088, 'x');
+    tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=" + longest.substr(5), 1);
+    tools.answer(nodeQuery, 1);
+    examine({"/dev/sd" + std::string(200'000, 'x'), longest + 'x', longest, "/dev/sdc"});
+    EXPECT_THAT(findings(),
+                ElementsAre(EndsWith("xxx: the volume manager is not asked about it: it is longer "
+                                     "than a path can be"),
+                            EndsWith("it is longer than a path can be"),
+                            StartsWith("warning " + longest + ": status 1 from: "),
+                            StartsWith("warning /dev/sdc: status 1 from: ")));
+}
+
+TEST_F(ToolExamination, ANodesNameThatIsTooLongForAToolIsNoFaultOfTheTool)
+{
+    tools.answer(nodeQuery, 0, {"NAME", "====", std::string(4096, 'x')});
+    tools.answer(nodeQuery, 1);
+    examine({"/dev/sdc", "/dev/sdc"});
+    EXPECT_THAT(findings(),
+                ElementsAre("warning /dev/sdc: a node's name that is longer than a path can be in "
+                            "the answer to: " +
+                                std::string(nodeQuery),
+                            StartsWith("warning /dev/sdc: status 1 from: ")));
+}
+
 TEST_F(ToolExamination, AnswersAreNotKeptUnlessTheyAreWanted)
 {
     command::ToolExamination examination(
