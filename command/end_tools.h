@@ -1,25 +1,22 @@
 #ifndef END_TOOLS_H
 #define END_TOOLS_H
 
-#include <set>
-
-#include <sys/types.h>
-
 #include "stop_request.h"
 
 namespace command {
 
-/// The children of this process. Before it starts any, those that it was executed with.
-std::set<pid_t> childProcesses();
-
-/// Ends the tools that this process runs, each with its whole process group: SIGTERM, and SIGKILL
-/// for what is left after half a second. Tools are the children that lead groups of their own, but
-/// for `others`. REQUIRES: `stop` is requested, so that no tool follows.
+/// Ends the tools that this process runs, each with what it has started in its session: SIGTERM,
+/// and SIGKILL for what is left after half a second. REQUIRES: `stop` is requested, so that no tool
+/// follows, and tools were started by other threads than the main one.
+///
+/// Signals nothing else: no child that the process was executed with or has inherited, no process
+/// that got a tool's number, and nothing that an earlier tool left behind. What leaves its tool's
+/// session is not ended. Before kernel 6.9, neither is what a tool starts at the moment of its end.
 ///
 /// Returns true when none is left; false after two seconds, when even SIGKILL ends one not, because
-/// it waits for a device, or when nothing tells which tools run: /proc is missing, or shows another
-/// process namespace.
-[[nodiscard]] bool endTools(const StopRequest& stop, const std::set<pid_t>& others);
+/// it waits for a device, or when nothing tells which tools run: that takes pidfds (kernel 5.3) and
+/// a /proc of this process's namespace with lists of children (CONFIG_PROC_CHILDREN).
+[[nodiscard]] bool endTools(const StopRequest& stop);
 
 } // namespace command
 

@@ -38,12 +38,12 @@ sigset_t takenSignals()
     return signals;
 }
 
-/// A standard error that takes no output is waited for only a moment. Whoever holds the stream's
-/// lock is not waited for.
-void tellOfTools()
+/// A standard error that takes no output is waited for only a moment. Uses write(2): another thread
+/// may hold the stream's lock.
+void reportTools()
 {
-    constexpr std::string_view line =
-        "dmpclaim: a tool may still run: it did not end, or /proc does not show it\n";
+    constexpr std::string_view line = "dmpclaim: a tool may still run: it did not end, or could "
+                                      "not be found; see 'ps -C kodmpadm,kodisk'\n";
     pollfd errors{STDERR_FILENO, POLLOUT, 0};
     if (poll(&errors, 1, 100) != 1)
         return;
@@ -55,8 +55,7 @@ void tellOfTools()
 namespace command {
 
 Interrupt::Interrupt(StopRequest& stop, std::function<void()> afterTools)
-    : m_stop(stop), m_afterTools(std::move(afterTools)), m_earlierChildren(childProcesses()),
-      m_taken(takenSignals())
+    : m_stop(stop), m_afterTools(std::move(afterTools)), m_taken(takenSignals())
 {
     sigset_t blocked = m_taken;
     sigaddset(&blocked, SIGPIPE);
@@ -89,13 +88,13 @@ void Interrupt::endTools() const
     m_stop.request();
     bool areGone = false;
     try {
-        areGone = command::endTools(m_stop, m_earlierChildren);
+        areGone = command::endTools(m_stop);
     } catch (const std::bad_alloc&) {
         areGone = false; // no memory to look for them
     }
     m_afterTools(); // may hang on a terminal that takes no output: the tools do not wait for that
     if (!areGone)
-        tellOfTools();
+        reportTools();
 }
 
 void Interrupt::awaitSignal()

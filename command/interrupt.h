@@ -4,10 +4,7 @@
 #include <atomic>
 #include <csignal>
 #include <functional>
-#include <set>
 #include <thread>
-
-#include <sys/types.h>
 
 #include "stop_request.h"
 
@@ -21,7 +18,7 @@ namespace command {
 /// started to ignore stays ignored. Threads that are started meanwhile hold these signals back. So
 /// does this thread, and SIGPIPE, which ends the process only when the object is gone.
 ///
-/// Children that the process had before the object are no tools. REQUIRES: no tool runs yet.
+/// REQUIRES: tools are started by threads that begin after the object; endTools knows them by that.
 class Interrupt {
 public:
     /// `afterTools` runs after endTools has ended the tools, in the thread that takes the signals
@@ -46,7 +43,6 @@ private:
 
     StopRequest& m_stop;
     std::function<void()> m_afterTools;
-    std::set<pid_t> m_earlierChildren;
     sigset_t m_before{};
     sigset_t m_taken{};
     std::atomic<bool> m_finished{false};

@@ -1,6 +1,7 @@
 #ifndef START_THREAD_H
 #define START_THREAD_H
 
+#include <exception>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -17,6 +18,22 @@ std::thread startThread(Work work)
     } catch (const std::system_error& error) {
         throw std::system_error(error.code(), "cannot start a thread");
     }
+}
+
+/// Runs `work` in a thread and waits for its end. Throws what `work` or startThread throws.
+template <class Work>
+void runInThread(Work work)
+{
+    std::exception_ptr failure;
+    startThread([&] {
+        try {
+            work();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }).join();
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 } // namespace command

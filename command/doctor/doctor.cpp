@@ -21,6 +21,7 @@
 #include "explanation.h"
 #include "interrupt.h"
 #include "json_output.h"
+#include "start_thread.h"
 #include "trace.h"
 #include "wanted_paths.h"
 
@@ -145,7 +146,7 @@ int runDoctor(const Options& options, OutputStream& output)
     Interrupt interrupt(stop, [] {});
     Doctor doctor(options, log, stop, findings);
     try {
-        doctor.examine();
+        runInThread([&] { doctor.examine(); }); // for Interrupt
     } catch (const Interrupted&) {
         // The one who interrupts ends the process.
     }

@@ -5,7 +5,7 @@ set_target_properties(quick_sleep PROPERTIES CXX_VISIBILITY_PRESET default)
 target_compile_options(quick_sleep PRIVATE -fno-sanitize=all)
 target_link_options(quick_sleep PRIVATE -fno-sanitize=all)
 
-foreach(part active_lookup dry_run end_tools interrupt lookup_pool lookup_pool_memory progress_text retry_policy stop_request
+foreach(part active_lookup dry_run end_tools end_tools_attack interrupt lookup_pool lookup_pool_memory progress_text retry_policy stop_request
         terminal_line timeline tool_name trace_event)
     add_command_test(${part}_test)
 endforeach()

@@ -153,7 +153,8 @@ TEST_F(ActiveInterrupt, ToolsThatItCannotSeeAreSpokenOf)
     const Result ended = Process(command).finish();
     EXPECT_EQ(ended.output, "143\n");
     EXPECT_EQ(ended.errors,
-              "dmpclaim: a tool may still run: it did not end, or /proc does not show it\n");
+              "dmpclaim: a tool may still run: it did not end, or could not be found; see 'ps -C "
+              "kodmpadm,kodisk'\n");
 }
 
 TEST_F(ActiveInterrupt, APauseIsNotWaitedFor)

@@ -2,268 +2,323 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <optional>
-#include <set>
 #include <string>
-#include <thread>
 
+#include <fcntl.h>
 #include <sys/prctl.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "tests/support/process.h"
-#include "tests/support/temporary_folder.h"
-
-namespace {
-
-/// What /proc/self names, instead of this process.
-std::optional<std::string> procSelf;
-
-} // namespace
-
-/// Takes the place of the C library's.
-extern "C" ssize_t readlink(const char* path, char* buffer, std::size_t size) noexcept
-{
-    if (!procSelf || path != std::string("/proc/self"))
-        return syscall(SYS_readlink, path, buffer, size);
-    if (procSelf->empty()) {
-        errno = ENOENT;
-        return -1;
-    }
-    return static_cast<ssize_t>(procSelf->copy(buffer, size));
-}
+#include "command/held_process.h"
+#include "command/tool_processes.h"
+#include "pidfd_kernel.h"
+#include "shell_tool.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Whether nobody of the group is left. Zombies, which others have to reap, do not count.
-bool isGone(pid_t wanted)
-{
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        std::ifstream file(entry.path() / "stat");
-        std::string id;
-        std::string name;
-        std::string state;
-        pid_t parent = 0;
-        pid_t group = 0;
-        if (file >> id >> name >> state >> parent >> group && group == wanted && state != "Z")
-            return false;
-    }
-    return true;
-}
+constexpr int killed = koze_pdk_4_4::CZeExecPipeBase::killedBySignal + SIGKILL;
 
-/// A shell in a process group of its own, as the runner starts tools, reaped by a thread. It has
-/// said that it is ready when the constructor returns.
-class Tool {
-public:
-    Tool(command::StopRequest& stop, const std::string& script)
-    {
-        stop.beginTool();
-        int ends[2];
-        if (pipe(ends) != 0)
-            abort();
-        m_id = fork();
-        if (m_id == 0) {
-            setpgid(0, 0);
-            dup2(ends[1], STDOUT_FILENO);
-            execl("/bin/sh", "sh", "-c", script.c_str(), nullptr);
-            _exit(127);
-        }
-        close(ends[1]);
-        char ready = 0;
-        EXPECT_EQ(read(ends[0], &ready, 1), 1);
-        close(ends[0]);
-        m_reaper = std::thread([this, &stop] {
-            waitpid(m_id, &m_status, 0);
-            stop.endTool();
-        });
-    }
-    Tool(const Tool&) = delete;
-    Tool& operator=(const Tool&) = delete;
-    ~Tool()
-    {
-        kill(-m_id, SIGKILL);
-        join();
-    }
-
-    void join()
-    {
-        if (m_reaper.joinable())
-            m_reaper.join();
-    }
-
-    bool groupIsGone() const { return isGone(m_id); }
-
-    int status() const { return m_status; }
-    pid_t id() const { return m_id; }
-
-private:
-    pid_t m_id = -1;
-    int m_status = -1;
-    std::thread m_reaper;
-};
-
-class EndTools : public testing::Test {
+/// With and without signals to groups by pidfd.
+class EndTools : public testing::TestWithParam<bool> {
 protected:
+    void SetUp() override
+    {
+        kernel.signalsGroups = GetParam();
+        pidfdKernel = &kernel;
+    }
+
+    void TearDown() override
+    {
+        pidfdKernel = nullptr;
+        prctl(PR_SET_CHILD_SUBREAPER, 0);
+    }
+
+    PidfdKernel kernel;
+
     void endTools()
     {
         stop.request();
         const Clock::time_point begin = Clock::now();
-        areGone = command::endTools(stop, others);
+        areGone = command::endTools(stop);
         passed = Clock::now() - begin;
     }
 
     command::StopRequest stop;
-    std::set<pid_t> others;
     Clock::duration passed{};
     bool areGone = false;
 };
 
-TEST_F(EndTools, WithoutToolsThereIsNothingToDo)
+INSTANTIATE_TEST_SUITE_P(Kernel, EndTools, testing::Bool(),
+                         [](const testing::TestParamInfo<bool>& test) {
+                             return test.param ? "OfToday" : "Before69";
+                         });
+
+TEST_P(EndTools, WithoutToolsThereIsNothingToDo)
 {
     endTools();
     EXPECT_LT(passed, std::chrono::milliseconds(400));
     EXPECT_TRUE(areGone);
 }
 
-TEST_F(EndTools, ToolsAreAskedToEnd)
+TEST_P(EndTools, ToolsAreAskedToEnd)
 {
-    Tool one(stop, "trap 'exit 3' TERM; echo; sleep 100 & wait");
-    Tool other(stop, "trap 'exit 4' TERM; echo; sleep 100 & wait");
+    const ShellTool one(stop, "sleep 100 & trap 'exit 3' TERM; ready; wait");
+    const ShellTool other(stop, "sleep 100 & trap 'exit 4' TERM; ready; wait");
     endTools();
-    ASSERT_TRUE(one.groupIsGone());
-    ASSERT_TRUE(other.groupIsGone());
-    one.join();
-    other.join();
-    EXPECT_EQ(WEXITSTATUS(one.status()), 3);
-    EXPECT_EQ(WEXITSTATUS(other.status()), 4);
+    EXPECT_TRUE(areGone);
+    ASSERT_TRUE(one.isSessionGone());
+    ASSERT_TRUE(other.isSessionGone());
+    EXPECT_EQ(one.status(), 3);
+    EXPECT_EQ(other.status(), 4);
 }
 
-TEST_F(EndTools, WhatAToolStartedIsAskedToEndToo)
+TEST_P(EndTools, WhatAToolStartedIsAskedToEndToo)
 {
-    Tool tool(stop, "sleep 100 & trap '' TERM; echo; wait $!; exit 3");
+    const ShellTool tool(stop, "sleep 100 & trap '' TERM; ready; wait $!; exit 3");
     endTools();
-    ASSERT_TRUE(tool.groupIsGone());
-    tool.join();
-    EXPECT_EQ(WEXITSTATUS(tool.status()), 3);
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(tool.status(), 3);
 }
 
-TEST_F(EndTools, AToolIsAskedOnce)
+TEST_P(EndTools, WhatAToolStartedInAnotherGroupOfItsSessionEndsToo)
 {
-    Tool tool(stop,
-              "trap 'asked=x$asked' TERM; echo; while [ -z \"$asked\" ]; do sleep 0.01; done; "
+    const ShellTool tool(stop, "perl -e 'setpgrp; sleep 100' & trap '' TERM; ready; wait; exit 3");
+    endTools();
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(tool.status(), 3);
+}
+
+TEST_P(EndTools, AToolIsAskedOnce)
+{
+    const ShellTool tool(
+        stop, "trap 'asked=x$asked' TERM; ready; while [ -z \"$asked\" ]; do sleep 0.01; done; "
               "sleep 0.1; exit ${#asked}");
     endTools();
-    ASSERT_TRUE(tool.groupIsGone());
-    tool.join();
-    EXPECT_EQ(WEXITSTATUS(tool.status()), 1);
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(tool.status(), 1);
 }
 
-TEST_F(EndTools, AToolsNameMayLookLikeTheNextFields)
+TEST_P(EndTools, AToolsNameMayLookLikeTheNextFields)
 {
     const TemporaryFolder folder;
-    const std::string name = folder.file("a) Z 1 1");
+    const std::string name = folder.file("a) Z 1 1 1");
     std::filesystem::copy("/bin/sh", name);
-    Tool tool(stop, "exec '" + name + "' -c 'echo; sleep 100; exit'");
+    const ShellTool tool(stop, "'" + name + "' -c 'ready; sleep 100; exit' & ready; wait");
     endTools();
-    EXPECT_FALSE(stop.toolsRun());
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_LT(passed, std::chrono::milliseconds(400));
 }
 
-TEST_F(EndTools, AToolThatDoesNotListenIsKilled)
+TEST_P(EndTools, AToolThatDoesNotListenIsKilled)
 {
-    Tool tool(stop, "trap '' TERM; echo; while :; do sleep 100; done");
+    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 100; done");
     endTools();
-    ASSERT_TRUE(tool.groupIsGone());
+    ASSERT_TRUE(tool.isSessionGone());
     EXPECT_GE(passed, std::chrono::milliseconds(500));
-    tool.join();
-    EXPECT_EQ(WTERMSIG(tool.status()), SIGKILL);
+    EXPECT_EQ(tool.status(), killed);
 }
 
-TEST_F(EndTools, WhatAToolLeavesInItsGroupIsKilled)
+TEST_P(EndTools, WhatAToolLeavesInItsSessionIsKilled)
 {
-    Tool tool(stop, "(trap '' TERM; echo; exec sleep 100) & wait");
+    const ShellTool tool(stop, "(trap '' TERM; ready; exec sleep 100) & wait");
     endTools();
-    EXPECT_TRUE(tool.groupIsGone());
+    EXPECT_TRUE(areGone);
+    EXPECT_TRUE(tool.isSessionGone());
 }
 
-TEST_F(EndTools, AStoppedToolEndsToo)
+/// On kernels that signal groups by pidfd.
+class EndToolsInGroups : public EndTools {
+protected:
+    void SetUp() override
+    {
+        EndTools::SetUp();
+        if (!command::HeldProcess(getpgrp()).groupHasMembers())
+            GTEST_SKIP() << "this kernel is older than 6.9";
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Kernel, EndToolsInGroups, testing::Values(true));
+
+TEST_P(EndToolsInGroups, WhatAToolStartsAtItsEndIsKilled)
 {
-    Tool tool(stop, "trap 'exit 3' TERM; echo; while :; do sleep 0.01; done");
+    const ShellTool tool(stop, "trap '(trap \"\" TERM; exec sleep 100) & exit 3' TERM; ready; "
+                               "while :; do sleep 0.01; done");
+    endTools();
+    EXPECT_TRUE(areGone);
+    EXPECT_GE(passed, std::chrono::milliseconds(500));
+    EXPECT_TRUE(tool.isSessionGone());
+}
+
+/// A tool that starts a sleeper when it is let go, which happens before the first `signal` is sent.
+TEST_P(EndTools, WhatAToolWouldStartBeforeItsSignalIsNotMissed)
+{
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        command::StopRequest request;
+        const TemporaryFolder folder;
+        const std::string fifo = folder.file("go");
+        ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+        const Descriptor go = openFile(fifo.c_str(), O_RDWR);
+        bool isLetGo = false;
+        kernel.beforeSend = [&](int sent) {
+            if (sent != signal || std::exchange(isLetGo, true))
+                return;
+            EXPECT_EQ(write(go.number(), "\n", 1), 1);
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        };
+        const ShellTool tool(request, std::string(signal == SIGKILL ? "trap '' TERM; " : "") +
+                                          "exec 3<>" + fifo +
+                                          "; ready; read go <&3; sleep 100 & wait");
+        request.request();
+        EXPECT_TRUE(command::endTools(request));
+        EXPECT_TRUE(isLetGo);
+        EXPECT_TRUE(tool.isSessionGone());
+    }
+}
+
+/// As when memory is exhausted in between.
+TEST_P(EndTools, AToolThatWasOnlyStoppedRunsOn)
+{
+    const ShellTool tool(stop, "trap 'exit 3' USR1; ready; while :; do sleep 0.01; done");
+    {
+        command::ToolProcesses tools;
+        tools.update();
+        tools.askToEnd();
+        siginfo_t status{};
+        EXPECT_EQ(waitid(P_PID, static_cast<id_t>(tool.id()), &status, WSTOPPED | WNOWAIT), 0);
+    }
+    kill(tool.id(), SIGUSR1);
+    EXPECT_EQ(tool.status(), 3);
+}
+
+TEST_P(EndTools, AStoppedToolEndsToo)
+{
+    const ShellTool tool(stop, "trap 'exit 3' TERM; ready; while :; do sleep 0.01; done");
     kill(-tool.id(), SIGSTOP);
     endTools();
-    ASSERT_TRUE(tool.groupIsGone());
-    tool.join();
-    EXPECT_EQ(WEXITSTATUS(tool.status()), 3);
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(tool.status(), 3);
 }
 
-TEST_F(EndTools, ChildrenThatShareThisGroupAreNoTools)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        pause();
-        _exit(0);
+/// A child of the main thread that leads a session and waits.
+class OtherChild {
+public:
+    OtherChild() : m_id(fork())
+    {
+        if (m_id == 0) {
+            setsid();
+            for (;;)
+                pause();
+        }
+        while (getsid(m_id) != m_id)
+            std::this_thread::yield();
     }
-    Tool tool(stop, "echo; sleep 100");
-    endTools();
-    EXPECT_EQ(waitpid(child, nullptr, WNOHANG), 0);
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-}
+    OtherChild(const OtherChild&) = delete;
+    OtherChild& operator=(const OtherChild&) = delete;
+    ~OtherChild()
+    {
+        kill(m_id, SIGKILL);
+        waitpid(m_id, nullptr, 0);
+    }
 
-TEST_F(EndTools, ChildrenFromBeforeAreNoTools)
+    bool isRunning() const { return waitpid(m_id, nullptr, WNOHANG) == 0; }
+
+private:
+    pid_t m_id;
+};
+
+TEST_P(EndTools, ChildrenOfTheMainThreadAreNoTools)
 {
-    command::StopRequest before;
-    const Tool child(before, "echo; sleep 100");
-    others = command::childProcesses();
-    EXPECT_EQ(others.count(getpid()), 0U);
-    const Tool tool(stop, "echo; sleep 100");
+    const OtherChild child;
+    const ShellTool tool(stop, "ready; sleep 100");
     endTools();
-    EXPECT_TRUE(tool.groupIsGone());
-    EXPECT_FALSE(child.groupIsGone());
+    EXPECT_TRUE(areGone);
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_TRUE(child.isRunning());
 }
 
-TEST_F(EndTools, ProcessesThatOthersStartedAreNoTools)
+TEST_P(EndTools, ProcessesThatOthersStartedAreNoTools)
 {
     Pipe pipe = makePipe();
     const pid_t child = fork();
     if (child == 0) {
-        const pid_t grandchild = fork();
-        if (grandchild == 0) {
-            setpgid(0, 0);
-            pause();
-        }
-        setpgid(grandchild, grandchild);
-        if (write(pipe.writer.number(), &grandchild, sizeof grandchild) > 0)
+        const OtherChild grandchild;
+        if (write(pipe.writer.number(), "", 1) == 1)
             pause();
         _exit(1);
     }
-    pid_t grandchild = -1;
-    ASSERT_EQ(read(pipe.reader.number(), &grandchild, sizeof grandchild),
-              static_cast<ssize_t>(sizeof grandchild));
-    Tool tool(stop, "echo; sleep 100");
+    char ready = 0;
+    ASSERT_EQ(read(pipe.reader.number(), &ready, 1), 1);
+    const ShellTool tool(stop, "ready; sleep 100");
     endTools();
-    EXPECT_FALSE(isGone(grandchild));
-    kill(grandchild, SIGKILL);
+    EXPECT_TRUE(areGone);
+    const std::string children =
+        textOf("/proc/" + std::to_string(child) + "/task/" + std::to_string(child) + "/children");
+    ASSERT_FALSE(children.empty());
+    EXPECT_FALSE(isSessionGone(std::stoi(children)));
+    kill(std::stoi(children), SIGKILL);
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
 }
 
-TEST_F(EndTools, ADeadProcessThatNobodyLooksAfterIsNotWaitedFor)
+/// Whether a child runs, which ends with that.
+bool endSleeper(pid_t id)
+{
+    const bool wasRunning = waitpid(id, nullptr, WNOHANG) == 0;
+    kill(id, SIGKILL);
+    waitpid(id, nullptr, 0);
+    return wasRunning;
+}
+
+TEST_P(EndTools, ADaemonThatASubreaperInheritsIsNoTool)
 {
     prctl(PR_SET_CHILD_SUBREAPER, 1);
-    Tool tool(stop, "(exit 0) & echo; exec sleep 100");
+    const pid_t daemon = inheritedSleeper("setsid");
+    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 100; done");
+    endTools();
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_TRUE(endSleeper(daemon));
+}
+
+TEST_P(EndTools, WhatAnEarlierToolLeftBehindIsNoTool)
+{
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const pid_t sleeper = inheritedSleeper("");
+    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 100; done");
+    endTools();
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_TRUE(endSleeper(sleeper));
+}
+
+TEST_P(EndTools, ADeadProcessThatNobodyLooksAfterIsNotWaitedFor)
+{
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const ShellTool tool(stop, "(exit 0) & ready; exec sleep 100");
     endTools();
     EXPECT_LT(passed, std::chrono::milliseconds(1500));
 }
 
-TEST_F(EndTools, AToolThatNothingEndsIsGivenUp)
+/// These take the whole two seconds; the kernel's age makes no difference.
+class EndToolsInVain : public EndTools {};
+
+INSTANTIATE_TEST_SUITE_P(Kernel, EndToolsInVain, testing::Values(true));
+
+TEST_P(EndToolsInVain, AProcessThatCannotBeHeldIsSpokenOf)
+{
+    kernel.pidfdsLeft = 1;
+    const ShellTool tool(stop, "sleep 100 & ready; wait");
+    endTools();
+    EXPECT_FALSE(areGone);
+    EXPECT_GT(kernel.denials, 0);
+    EXPECT_FALSE(tool.isSessionGone());
+    kill(-tool.id(), SIGKILL);
+}
+
+TEST_P(EndToolsInVain, AToolThatNothingEndsIsGivenUp)
 {
     stop.beginTool();
     endTools();
@@ -271,32 +326,14 @@ TEST_F(EndTools, AToolThatNothingEndsIsGivenUp)
     EXPECT_FALSE(areGone);
 }
 
-/// /proc is missing, or shows another process namespace, where other processes have the numbers.
-class EndToolsWithoutProc : public EndTools, public testing::WithParamInterface<const char*> {
-public:
-    EndToolsWithoutProc() { procSelf = GetParam(); }
-    EndToolsWithoutProc(const EndToolsWithoutProc&) = delete;
-    EndToolsWithoutProc& operator=(const EndToolsWithoutProc&) = delete;
-    ~EndToolsWithoutProc() override { procSelf.reset(); }
-};
-
-INSTANTIATE_TEST_SUITE_P(, EndToolsWithoutProc,
-                         testing::Values("", "4194305")); // more than there can be
-
-TEST_P(EndToolsWithoutProc, NobodyIsEnded)
+TEST_P(EndToolsInVain, WithoutPidfdsNobodyIsEnded)
 {
-    const Tool tool(stop, "echo; sleep 100");
+    kernel.hasPidfds = false;
+    const ShellTool tool(stop, "ready; sleep 100");
     endTools();
     EXPECT_FALSE(areGone);
-    EXPECT_FALSE(tool.groupIsGone());
-    EXPECT_TRUE(command::childProcesses().empty());
-}
-
-TEST_P(EndToolsWithoutProc, WithoutToolsThereIsNothingToDo)
-{
-    endTools();
-    EXPECT_LT(passed, std::chrono::milliseconds(400));
-    EXPECT_TRUE(areGone);
+    EXPECT_FALSE(tool.isSessionGone());
+    EXPECT_GT(kernel.denials, 0);
 }
 
 } // namespace

@@ -5,13 +5,15 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <optional>
 #include <system_error>
 #include <thread>
 
 #include <dlfcn.h>
 #include <pthread.h>
-#include <sys/wait.h>
 #include <unistd.h>
+
+#include "shell_tool.h"
 
 namespace {
 
@@ -99,16 +101,12 @@ TEST_F(InterruptDeathTest, BeforeTheEndTheRequestIsMade)
 TEST_F(InterruptDeathTest, BeforeTheEndTheToolsHaveEnded)
 {
     const auto interrupted = [this] {
-        pid_t tool = -1;
-        const Interrupt interrupt(
-            stop, [&tool] { _exit(waitpid(tool, nullptr, WNOHANG) == tool ? 7 : 8); });
-        tool = fork();
-        if (tool == 0) {
-            setpgid(0, 0);
-            pause();
-        }
-        setpgid(tool, tool);
+        std::optional<ShellTool> tool;
+        const Interrupt interrupt(stop, [&tool] { _exit(tool->isSessionGone() ? 7 : 8); });
+        tool.emplace(stop, "ready; sleep 100");
         kill(getpid(), SIGTERM);
+        tool->status();
+        pause();
     };
     EXPECT_EXIT(interrupted(), testing::ExitedWithCode(7), "");
 }

@@ -4,13 +4,13 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "tests/support/namespaces.h"
 #include "tests/support/process.h"
 #include "tests/support/temporary_folder.h"
 
@@ -24,15 +24,6 @@ inline std::vector<std::string> splitLines(const std::string& text)
     for (std::string line; std::getline(stream, line);)
         lines.push_back(line);
     return lines;
-}
-
-/// Called where private mount namespaces are not permitted: the test is skipped, but not in CI,
-/// which must have them.
-inline void endWithoutNamespaces()
-{
-    if (std::getenv("CI") != nullptr)
-        FAIL() << "private mount namespaces are not permitted, and CI must have them";
-    GTEST_SKIP() << "private mount namespaces are not permitted";
 }
 
 /// The simulated tools with a state file of the test's own.

@@ -272,6 +272,7 @@ TEST_F(Doctor, AnInterruptEndsTheToolThatHangs)
     EXPECT_TRUE(process.endsWithin(3000));
     const Result ended = process.finish();
     EXPECT_EQ(ended.status, 143);
+    EXPECT_EQ(ended.errors, "");
     EXPECT_EQ(ended.output, "ok       /usr/sbin/kodmpadm: can be run\n"
                             "ok       /usr/sbin/kodisk: can be run\n");
     EXPECT_EQ(log().size(), 1U);
