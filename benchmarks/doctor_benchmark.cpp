@@ -32,8 +32,8 @@ void examine(benchmark::State& state, const Machine& machine)
 {
     std::size_t findings = 0;
     for (auto _ : state) {
-        command::examineDevices(machine.places(), machine.readings(), {},
-                                [&](const command::Finding&) { ++findings; });
+        command::checkDevices(machine.places(), machine.readings(), {},
+                              [&](const command::Finding&) { ++findings; });
     }
     benchmark::DoNotOptimize(findings);
 }

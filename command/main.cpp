@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "cli/complaint.h"
+#include "cli/options.h"
+#include "cli/usage_error.h"
 #include "commands.h"
-#include "complaint.h"
-#include "options.h"
-#include "usage_error.h"
 
 namespace {
 
@@ -29,9 +29,9 @@ void restoreBrokenPipeSignal()
 int run(const std::vector<std::string>& arguments)
 {
     command::OutputStream output(stdout);
-    const auto wanted = command::parseOptions(arguments);
+    const auto wanted = command::parseOptions(arguments, command::subcommands());
     if (const auto* options = std::get_if<command::Options>(&wanted))
-        return command::runCommand(*options, output);
+        return options->subcommand->run(*options, output);
     output.write(std::get<command::Information>(wanted));
     output.flush();
     return 0;

@@ -1,5 +1,5 @@
 // Any bytes as what a tool of the volume manager prints: the library finds a node or a path in it,
-// or none, with a trace log and without, and the command's doctor reads the same from it.
+// or none, and the same with a trace log and without.
 #include <cstddef>
 #include <cstdint>
 #include <sstream>
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "command/doctor/tool_tables.h"
+#include "kovm/tables.h"
 #include "pdk/include/czeexecpipe.h"
 #include "pdk/include/czetracelog.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
@@ -58,19 +58,21 @@ CZeTraceLogHandle logThatWantsEverything()
     return log;
 }
 
-void compare(CKoDMPSupport& support)
+struct Names {
+    std::string node;
+    std::string path;
+};
+
+/// What the library finds. Only a table holds a name.
+Names namesIn(CKoDMPSupport& support)
 {
-    const command::TableReading node = command::readNode(answer);
-    const command::TableReading path = command::readPath(answer);
-    std::string found = "old";
-    FUZZ_REQUIRE(support.getKoVMDiskForOSDiskHandler("sda", found) == 0 || found.empty());
-    FUZZ_REQUIRE(found == node.name);
-    FUZZ_REQUIRE(found.empty() || node.fault == nullptr);
-    found = "old";
-    const int result = support.getOSDiskHandleForKoVMDisk("node", found);
-    FUZZ_REQUIRE(found == path.name);
-    FUZZ_REQUIRE(result == 0 || found.empty());
-    FUZZ_REQUIRE(found.empty() || path.fault == nullptr);
+    const bool isTable = kovm::faultOf(answer) == kovm::Fault::none;
+    Names names{"old", "old"};
+    const int nodeResult = support.getKoVMDiskForOSDiskHandler("sda", names.node);
+    FUZZ_REQUIRE(names.node.empty() || (nodeResult == 0 && isTable));
+    const int pathResult = support.getOSDiskHandleForKoVMDisk("node", names.path);
+    FUZZ_REQUIRE(names.path.empty() || (pathResult == 0 && isTable));
+    return names;
 }
 
 } // namespace
@@ -81,10 +83,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     answer = linesOf(std::string(data, data + size));
     commands = 0;
     CKoDMPSupport silent;
-    compare(silent);
+    const Names expected = namesIn(silent);
     CKoDMPSupport traced;
     traced.registerTraceLog(log);
-    compare(traced);
+    const Names found = namesIn(traced);
+    FUZZ_REQUIRE(found.node == expected.node);
+    FUZZ_REQUIRE(found.path == expected.path);
     FUZZ_REQUIRE(commands == 4);
     return 0;
 }

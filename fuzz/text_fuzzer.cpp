@@ -6,10 +6,10 @@
 
 #include <locale.h>
 
-#include "command/printable.h"
 #include "pdk/zepdk/printable_text.h"
 #include "require.h"
 #include "tests/support/harmless_text.h"
+#include "text/printable.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,10 +1,10 @@
 #include "commands.h"
 
-#include <algorithm>
-#include <array>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
+#include "subcommands.h"
 #include "volume_manager.h"
 
 namespace simulator {
@@ -67,18 +67,11 @@ Answer scandisks(State& state, const Arguments& arguments)
     return rescan(state, splitNames(keywordValue(arguments, "device=")));
 }
 
-struct Subcommand {
-    const char* program;
-    const char* name;
-    const char* form;
-    Answer (*perform)(State& state, const Arguments& arguments);
-};
+using Performer = Answer (*)(State& state, const Arguments& arguments);
 
-constexpr std::array subcommands = {
-    Subcommand{"kodmpadm", "getdmpnode", "nodename=DISK", getdmpnode},
-    Subcommand{"kodmpadm", "getsubpaths", "dmpnodename=NODE", getsubpaths},
-    Subcommand{"kodisk", "rm", "NODE", rm},
-    Subcommand{"kodisk", "scandisks", "[device=DISK[,DISK...]]", scandisks}};
+/// What carries out each of `subcommands`, in their order.
+constexpr Performer performers[] = {getdmpnode, getsubpaths, rm, scandisks};
+static_assert(std::size(performers) == subcommands.size(), "each subcommand is carried out");
 
 std::string usage(const std::string& program)
 {
@@ -95,21 +88,15 @@ Answer dispatch(State& state, const Command& command)
     if (command.arguments.empty())
         throw UsageError("no subcommand is given");
     const std::string& name = command.arguments[0];
-    for (const Subcommand& subcommand : subcommands) {
-        if (command.program == subcommand.program && name == subcommand.name)
-            return subcommand.perform(state,
+    for (std::size_t number = 0; number < subcommands.size(); ++number) {
+        if (command.program == subcommands[number].program && name == subcommands[number].name)
+            return performers[number](state,
                                       {command.arguments.begin() + 1, command.arguments.end()});
     }
     throw UsageError("unknown subcommand \"" + name + "\"");
 }
 
 } // namespace
-
-bool isSubcommand(const std::string& name)
-{
-    return std::any_of(subcommands.begin(), subcommands.end(),
-                       [&](const Subcommand& subcommand) { return name == subcommand.name; });
-}
 
 Answer perform(State& state, const Command& command)
 {

@@ -1,15 +1,10 @@
 #ifndef SIMULATOR_COMMANDS_H
 #define SIMULATOR_COMMANDS_H
 
-#include <string>
-
 #include "command.h"
 #include "state.h"
 
 namespace simulator {
-
-/// Whether one of the tools has this subcommand.
-bool isSubcommand(const std::string& name);
 
 /// Carries out one call:
 ///

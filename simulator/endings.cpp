@@ -7,12 +7,11 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
+#include "pdk/zecmn/ending.h"
+
 namespace simulator {
 
 namespace {
-
-constexpr int killedBySignal = 1000;
-constexpr int deadlinePassed = 1100;
 
 /// The other signals stop a process, or let it go on.
 bool endsProcess(int signal)
@@ -41,13 +40,15 @@ void dieBy(int signal)
 
 Ending endingOf(int result)
 {
+    using Kind = koze_pdk_4_4::runner::Ending::Kind;
+    const auto reported = koze_pdk_4_4::runner::endingOf(result);
     Ending ending;
-    if (result >= 0 && result <= 255)
-        ending.status = result;
-    else if (endsProcess(result - killedBySignal))
-        ending.signal = result - killedBySignal;
+    if (reported.kind == Kind::exited && reported.number >= 0 && reported.number <= 255)
+        ending.status = reported.number;
+    else if (reported.kind == Kind::killed && endsProcess(reported.number))
+        ending.signal = reported.number;
     else
-        ending.hang = result == deadlinePassed;
+        ending.hang = reported.kind == Kind::deadlinePassed;
     return ending;
 }
 

@@ -5,7 +5,7 @@
 #include <csignal>
 #include <limits>
 
-#include "commands.h"
+#include "subcommands.h"
 
 namespace simulator {
 
@@ -32,21 +32,6 @@ int readSignal(Fields& fields)
             return signal.number;
     }
     fields.refuse("signal", "is no signal that ends a process, such as KILL");
-}
-
-Shape readShape(Fields& fields)
-{
-    Shape shape;
-    shape.noHeader = fields.flag("no_header");
-    shape.noRule = fields.flag("no_rule");
-    shape.blankLines = fields.flag("blank_lines");
-    shape.crlf = fields.flag("crlf");
-    shape.separator = fields.text("separator", "");
-    shape.note = fields.text("note", "");
-    shape.floodMib = fields.number("flood_mib", 0);
-    if (fields.has("cut"))
-        shape.cut = fields.number("cut", 0);
-    return shape;
 }
 
 Ending readEnding(Fields& fields)
@@ -89,7 +74,7 @@ Fault readFault(Fields fields)
     readCalls(fields, fault);
     fault.delayMilliseconds = fields.number("delay_ms", 0);
     fault.standardError = fields.text("stderr", "");
-    fault.shape = readShape(fields);
+    fault.spoilers = readSpoilers(fields);
     fault.ending = readEnding(fields);
     fault.late = fields.flag("late");
     if (fault.late && !fault.ending.ends())

@@ -22,6 +22,7 @@
 #include "pdk/zepdk/printable_text.h"
 #include "shaping.h"
 #include "state_file.h"
+#include "subcommands.h"
 #include "write_all.h"
 
 namespace simulator {
@@ -58,12 +59,16 @@ std::string complaint(const Command& command, const std::string& message)
     return line + "\n";
 }
 
-void printAnswer(const Command& command, const Answer& answer, const Shape& shape)
+void printAnswer(const Command& command, const Answer& answer, const std::vector<Spoiler>& spoilers)
 {
     if (!answer.message.empty())
         print(STDERR_FILENO, complaint(command, answer.message) + answer.usage);
-    print(STDOUT_FILENO, shapedText(answer.lines, shape));
-    flood(shape.floodMib, answer.lines.empty() ? "" : answer.lines.back());
+    Print spoilt;
+    spoilt.lines = answer.lines;
+    for (const Spoiler& spoil : spoilers)
+        spoil(spoilt);
+    print(STDOUT_FILENO, spoilt.text());
+    flood(spoilt.floodMib, answer.lines.empty() ? "" : answer.lines.back());
 }
 
 /// Counts the call and finds out what goes wrong in it.
@@ -94,7 +99,7 @@ int run(const Command& command)
     if (!fault.late)
         end(fault.ending);
     const Answer answer = file.change([&](State& state) { return answerCall(state, command); });
-    printAnswer(command, answer, fault.shape);
+    printAnswer(command, answer, fault.spoilers);
     end(fault.ending);
     end(endingOf(answer.result));
     return cannotWork;

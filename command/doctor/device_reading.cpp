@@ -2,18 +2,15 @@
 
 namespace command {
 
-DeviceReading deviceReading(const Row& explanation)
+DeviceReading deviceReading(const Explanation& explanation)
 {
-    DeviceReading reading;
-    reading.path = explanation["name"];
-    if (!explanation["owner"].is_null())
-        reading.owner = explanation["owner"];
-    for (const Row& module : explanation["modules"]) {
-        if (module["claim"] != 0)
-            reading.claimers.push_back(module["module"]);
+    const DeviceAnswer& device = explanation.device;
+    DeviceReading reading{
+        device.name, device.owner, {}, device.isPartition, !explanation.warnings.empty()};
+    for (const ModuleAnswer& module : explanation.modules) {
+        if (module.claim != CLAIM_NONE)
+            reading.claimers.push_back(module.driver);
     }
-    reading.isPartition = explanation["partition"];
-    reading.hasWarnings = !explanation["warnings"].empty();
     return reading;
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "row.h"
+#include "names/explanation.h"
 
 namespace command {
 
@@ -12,13 +12,13 @@ namespace command {
 /// machine may have 100,000 devices, and all their readings are kept at once.
 struct DeviceReading {
     std::string path;
-    std::string owner;                 // see driverName; empty when nobody claims the path
-    std::vector<std::string> claimers; // the drivers that claim it, in the order of asking
+    const Driver* owner = nullptr;       // null when nobody claims the path
+    std::vector<const Driver*> claimers; // in the order of asking
     bool isPartition = false;
     bool hasWarnings = false;
 };
 
-DeviceReading deviceReading(const Row& explanation);
+DeviceReading deviceReading(const Explanation& explanation);
 
 } // namespace command
 

@@ -1,99 +1,93 @@
 #include "doctor/doctor.h"
 
-#include <ctime>
-#include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "block_devices.h"
-#include "device_row.h"
-#include "doctor/device_examination.h"
-#include "doctor/device_reading.h"
+#include "cli/options.h"
+#include "cli/wanted_paths.h"
+#include "doctor/device_checks.h"
 #include "doctor/finding_output.h"
 #include "doctor/findings.h"
-#include "doctor/kernel_maps.h"
-#include "doctor/tool_examination.h"
+#include "doctor/report.h"
+#include "doctor/tool_checks.h"
 #include "doctor/trace_recorder.h"
-#include "doctor/versions.h"
-#include "drivers.h"
-#include "explanation.h"
-#include "interrupt.h"
-#include "json_output.h"
-#include "start_thread.h"
-#include "trace.h"
-#include "wanted_paths.h"
+#include "interrupt/interrupt.h"
+#include "interrupt/start_thread.h"
+#include "kernel/block_devices.h"
+#include "output/json_output.h"
 
-using namespace command;
-using namespace koze_pdk_4_4;
+using koze_pdk_4_4::CZeTraceLogHandle;
+
+namespace command {
 
 namespace {
 
-/// Local time with its zone:  2026-11-21T16:05:07+0100
-std::string now()
-{
-    const std::time_t time = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&time, &local);
-    char text[64];
-    return {text, std::strftime(text, sizeof text, "%FT%T%z", &local)};
-}
+constexpr char footer[] =
+    R"(Looks at the volume manager's tools and asks them about every native disk, or
+the PATHs; asking changes nothing. Then it holds the names in /dev against the
+kernel's devices. A tool that takes more than 30 seconds, or prints too much, is
+ended and not asked again. Commands in findings are quoted for a shell (bash,
+zsh, ksh).
+
+Every finding has a state: ok, note (good to know), warning (an answer may be
+wrong) or error (it is wrong, or none is given), and says what to do, if
+anything. A disk that the volume manager does not hold is a warning: a machine
+with such disks is watched by naming the others. A PATH that does not exist is a
+warning, too, and one that is no block device an error. JSON holds besides what
+somebody who helps from afar needs: versions, modules (in the order in which
+they are asked), names, maps (of the kernel's device-mapper), commands (what the
+tools answered; for the status see 'dmpclaim active --help') and trace.
+
+Exit status:
+   0  nothing is wrong
+  64  there are warnings
+  32  there are errors
+
+An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tool that runs, and the
+command with status 130, 143, 129 or 131.
+
+-J, --trace and the statuses 1 and 2: see 'dmpclaim --help'.)";
 
 class Doctor {
 public:
-    Doctor(const Options& options, CZeTraceLogHandle log, StopRequest& stop, Findings& findings)
-        : m_options(options), m_receiver([&](const Finding& finding) { findings.take(finding); }),
-          m_modules(makeModules({})), m_isRecorded(options.form == Form::json),
-          m_tools(log, stop, m_receiver, m_isRecorded ? &m_commands : nullptr)
+    /// `report` is null when none is wanted: nothing is kept for it then.
+    Doctor(const Options& options, CZeTraceLogHandle log, StopRequest& stop,
+           const std::vector<Module>& modules, FindingReceiver receiver, Report* report)
+        : m_options(options), m_receiver(std::move(receiver)), m_modules(modules), m_report(report),
+          m_tools(log, stop, m_receiver, report == nullptr ? nullptr : &report->commands)
     {
         m_manager.registerTraceLog(log);
     }
 
     void examine()
     {
-        const Places places;
-        readNames(places);
-        m_tools.examineTools();
+        const SystemPaths system;
+        readNames(system);
+        m_tools.checkTools();
         if (m_options.paths.empty())
             askAboutAll();
         else
             askAboutGiven();
-        examineDevices(places, m_readings, m_given, m_receiver);
-    }
-
-    /// What a support engineer asks for, but for findings and trace. REQUIRES: JSON is wanted; for
-    /// text names and commands are not kept.
-    Row report() const
-    {
-        Row modules = Row::array();
-        for (const auto& module : m_modules)
-            modules.push_back({{"module", driverName(module.get())},
-                               {"prefixes", module->getDeviceClaimStrings()}});
-        Row maps = Row::array();
-        for (const KernelMap& map : kernelMaps(Places().sysfsBlock))
-            maps.push_back({{"name", map.name}, {"uuid", map.uuid}});
-        return {{"schema", 1},           {"recorded", now()}, {"versions", versions()},
-                {"modules", modules},    {"names", m_names},  {"maps", maps},
-                {"commands", m_commands}};
+        checkDevices(system, m_readings, m_given, m_receiver);
     }
 
 private:
-    void readNames(const Places& places)
+    void readNames(const SystemPaths& system)
     {
-        for (const std::string& path : blockDevices(places.sysfsBlock, places.dev)) {
-            Row name = explanation(m_manager, m_modules, path);
+        for (const std::string& path : blockDevices(system.sysfsBlock, system.dev)) {
+            Explanation name = explanation(m_manager, m_modules, path);
             m_readings.push_back(deviceReading(name));
-            if (m_isRecorded)
-                m_names.push_back(std::move(name));
+            if (m_report != nullptr)
+                m_report->names.push_back(std::move(name));
         }
     }
 
     void askAboutAll()
     {
         for (const DeviceReading& reading : m_readings) {
-            if (reading.owner == "native" && !reading.isPartition)
-                m_tools.examineDisk(reading.path);
+            if (reading.owner != nullptr && reading.owner->asksTools && !reading.isPartition)
+                m_tools.checkDisk(reading.path);
         }
     }
 
@@ -102,23 +96,21 @@ private:
         PathSource paths = wantedPaths(m_options, [] {});
         while (const std::optional<std::string> path = paths.next()) {
             m_given.push_back(*path);
-            const Row row = deviceRow(m_manager, *path);
-            if (row["owner"] == "native")
-                m_tools.examineDisk(*path);
+            const Driver* owner = deviceAnswer(m_manager, *path).owner;
+            if (owner != nullptr && owner->asksTools)
+                m_tools.checkDisk(*path);
             else
                 m_receiver({Finding::State::note, *path,
-                            "no native path: the volume manager is not asked about it", ""});
+                            "no native path: the volume manager is not asked about it"});
         }
     }
 
     const Options& m_options;
     FindingReceiver m_receiver;
     CDmpClaimManager m_manager;
-    std::vector<std::unique_ptr<CDmpDeviceClaimBase>> m_modules;
-    bool m_isRecorded;
-    Row m_names = Row::array();
-    Row m_commands = Row::array();
-    ToolExamination m_tools;
+    const std::vector<Module>& m_modules;
+    Report* m_report;
+    ToolChecks m_tools;
     std::vector<DeviceReading> m_readings;
     std::vector<std::string> m_given;
 };
@@ -130,13 +122,11 @@ int exitStatus(const FindingCounts& counts)
     return counts.count(Finding::State::warning) > 0 ? 64 : 0;
 }
 
-} // namespace
-
-namespace command {
-
-int runDoctor(const Options& options, OutputStream& output)
+int run(const Options& options, OutputStream& output)
 {
     const bool isJson = options.form == Form::json;
+    const std::vector<Module> modules = makeModules({});
+    Report report{modules, {}, {}, {}, {}, {}};
     std::optional<TraceRecorder> trace;
     if (isJson)
         trace.emplace(openTraceSink(options.trace));
@@ -144,23 +134,35 @@ int runDoctor(const Options& options, OutputStream& output)
     Findings findings(isJson ? nullptr : &output);
     StopRequest stop;
     Interrupt interrupt(stop, [] {});
-    Doctor doctor(options, log, stop, findings);
+    Doctor doctor(
+        options, log, stop, modules, [&](const Finding& finding) { findings.take(finding); },
+        isJson ? &report : nullptr);
     try {
         runInThread([&] { doctor.examine(); }); // for Interrupt
     } catch (const Interrupted&) {
-        // The one who interrupts ends the process.
+        // The signal thread exits the process.
     }
     interrupt.finish();
-    if (trace) {
-        Row report = doctor.report();
-        report["findings"] = findings.rows();
-        report["trace"] = trace->lines();
-        output.write(jsonText(report));
+    if (isJson) {
+        report.maps = kernelMaps(SystemPaths().sysfsBlock);
+        report.findings = findings.documents();
+        report.trace = trace->lines();
+        output.write(jsonText(reportDocument(report)));
     } else {
         output.write(summary(findings.counts()));
     }
     output.flush();
     return exitStatus(findings.counts());
+}
+
+} // namespace
+
+Subcommand doctorSubcommand()
+{
+    return {"doctor", "Tell what is wrong on this machine, and what to do",
+            footer,   Arguments::optionalPaths,
+            {},       Form::text,
+            nullptr,  run};
 }
 
 } // namespace command

@@ -14,7 +14,7 @@ struct Finding {
     State state;
     std::string subject;      // a device, a tool or a driver
     std::string text;         // what was found
-    std::string advice;       // what to do; empty when nothing need be done
+    std::string remedy = {};  // what to do; empty when nothing need be done
     std::string command = {}; // as run, that the text ends with; empty when it names none
 };
 

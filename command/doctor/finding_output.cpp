@@ -1,8 +1,10 @@
 #include "doctor/finding_output.h"
 
-#include "printable.h"
-#include "shell_word.h"
-#include "wrapped.h"
+#include "text/printable.h"
+#include "text/shell_word.h"
+#include "text/wrapped.h"
+
+namespace command {
 
 namespace {
 
@@ -16,12 +18,10 @@ std::string counted(std::size_t count, const char* noun)
 /// A line that is not wrapped: half a command is not to be pasted into a shell.
 std::string unbroken(const std::string& text)
 {
-    return std::string(indent, ' ') + command::printable(text) + '\n';
+    return std::string(indent, ' ') + printable(text) + '\n';
 }
 
 } // namespace
-
-namespace command {
 
 const char* stateName(Finding::State state)
 {
@@ -44,18 +44,18 @@ std::string findingText(const Finding& finding)
     text += wrapped(printable(finding.subject + ": " + finding.text), indent) + '\n';
     if (!finding.command.empty())
         text += unbroken(shellCommand(finding.command));
-    if (!finding.advice.empty())
-        text += unbroken("To do: " + finding.advice);
+    if (!finding.remedy.empty())
+        text += unbroken("To do: " + finding.remedy);
     return text;
 }
 
-Row findingRow(const Finding& finding)
+Document findingDocument(const Finding& finding)
 {
     const std::string command = finding.command.empty() ? "" : ' ' + shellCommand(finding.command);
-    return {{"state", stateName(finding.state)},
-            {"subject", finding.subject},
-            {"text", finding.text + command},
-            {"advice", finding.advice.empty() ? Row() : Row(finding.advice)}};
+    return Document::Record{{"state", stateName(finding.state)},
+                            {"subject", finding.subject},
+                            {"text", finding.text + command},
+                            {"advice", finding.remedy.empty() ? Field() : Field(finding.remedy)}};
 }
 
 std::string summary(const FindingCounts& counts)

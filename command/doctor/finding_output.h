@@ -5,18 +5,18 @@
 #include <string>
 
 #include "doctor/finding.h"
-#include "row.h"
+#include "output/document.h"
 
 namespace command {
 
 /// "ok", "note", "warning" or "error".
 const char* stateName(Finding::State state);
 
-/// The finding for people, with its line ends. Its command is quoted for a shell.
+/// The finding for people, with its line ends.
 std::string findingText(const Finding& finding);
 
-/// state, subject, text with the command quoted for a shell, and advice, null when there is none.
-Row findingRow(const Finding& finding);
+/// state, subject, text, and advice, null when there is none.
+Document findingDocument(const Finding& finding);
 
 /// How many findings there are of each state.
 using FindingCounts = std::map<Finding::State, std::size_t>;

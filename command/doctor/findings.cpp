@@ -6,7 +6,7 @@ void Findings::take(const Finding& finding)
 {
     ++m_counts[finding.state];
     if (m_output == nullptr) {
-        m_rows.push_back(findingRow(finding));
+        m_documents.push_back(findingDocument(finding));
         return;
     }
     m_output->write(findingText(finding));

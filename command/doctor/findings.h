@@ -3,8 +3,8 @@
 
 #include "doctor/finding.h"
 #include "doctor/finding_output.h"
-#include "output_stream.h"
-#include "row.h"
+#include "output/document.h"
+#include "output/output_stream.h"
 
 namespace command {
 
@@ -18,13 +18,13 @@ public:
 
     const FindingCounts& counts() const { return m_counts; }
 
-    /// For JSON a findingRow for each, in order.
-    const Row& rows() const { return m_rows; }
+    /// All of them for JSON, in order.
+    const Document::List& documents() const { return m_documents; }
 
 private:
     OutputStream* m_output;
     FindingCounts m_counts;
-    Row m_rows = Row::array();
+    Document::List m_documents;
 };
 
 } // namespace command

@@ -1,10 +1,10 @@
 #include "doctor/map_difference.h"
 
+namespace command {
+
 namespace {
 
-using command::DeviceReading;
-using command::KernelMap;
-using State = command::Finding::State;
+using State = Finding::State;
 
 /// What a map is to the kernel, or to the library.
 enum Kind { disk, partition, other };
@@ -18,7 +18,7 @@ Kind kindOf(const KernelMap& map)
 
 Kind kindOf(const DeviceReading& reading)
 {
-    if (reading.owner.empty())
+    if (reading.owner == nullptr)
         return other;
     return reading.isPartition ? partition : disk;
 }
@@ -26,7 +26,7 @@ Kind kindOf(const DeviceReading& reading)
 struct Difference {
     State state = State::ok;
     const char* text = nullptr; // null when kernel and library agree
-    const char* advice = nullptr;
+    const char* remedy = nullptr;
 };
 
 constexpr Difference falseClaim{
@@ -49,14 +49,12 @@ constexpr Difference differences[3][3] = {
 
 } // namespace
 
-namespace command {
-
 std::optional<Finding> mapDifference(const KernelMap& map, const DeviceReading& reading)
 {
     const Difference& difference = differences[kindOf(map)][kindOf(reading)];
     if (difference.text == nullptr)
         return std::nullopt;
-    return Finding{difference.state, reading.path, difference.text, difference.advice};
+    return Finding{difference.state, reading.path, difference.text, difference.remedy};
 }
 
 } // namespace command

@@ -5,7 +5,7 @@
 
 #include "doctor/device_reading.h"
 #include "doctor/finding.h"
-#include "doctor/kernel_maps.h"
+#include "kernel/kernel_maps.h"
 
 namespace command {
 

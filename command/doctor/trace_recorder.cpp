@@ -14,7 +14,7 @@ CZeTraceLogHandle TraceRecorder::openLog()
 
 void TraceRecorder::take(int level, std::string_view text)
 {
-    m_lines.push_back({{"level", level}, {"text", text}});
+    m_lines.push_back(Document::Record{{"level", level}, {"text", std::string(text)}});
     if (m_userSink && m_userSink->wants(level))
         m_userSink->write(level, text);
 }

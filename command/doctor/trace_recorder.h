@@ -3,9 +3,9 @@
 
 #include <string_view>
 
+#include "output/document.h"
 #include "pdk/include/czetracelog.h"
 #include "pdk/include/czetracesink.h"
-#include "row.h"
 
 namespace command {
 
@@ -19,13 +19,13 @@ public:
     koze_pdk_4_4::CZeTraceLogHandle openLog();
 
     /// level and text of each line, in order.
-    const Row& lines() const { return m_lines; }
+    const Document::List& lines() const { return m_lines; }
 
 private:
     void take(int level, std::string_view text);
 
     koze_pdk_4_4::CZeTraceSinkHandle m_userSink;
-    Row m_lines = Row::array();
+    Document::List m_lines;
 };
 
 } // namespace command

@@ -5,27 +5,27 @@
 
 #include <sys/utsname.h>
 
-#include "text.h"
+#include "text/text.h"
+
+namespace command {
 
 namespace {
-
-using command::Row;
 
 /// What the system calls itself.
 ///
 ///     line = "PRETTY_NAME=" quote text quote
-Row systemName()
+Field systemName()
 {
     const std::string key = "PRETTY_NAME=\"";
     std::ifstream file("/etc/os-release");
     for (std::string line; std::getline(file, line);) {
-        if (command::startsWith(line, key))
+        if (startsWith(line, key))
             return line.substr(key.size(), line.find('"', key.size()) - key.size());
     }
-    return nullptr;
+    return {};
 }
 
-Row kernelName()
+std::string kernelName()
 {
     struct utsname kernel {};
     uname(&kernel);
@@ -34,11 +34,10 @@ Row kernelName()
 
 } // namespace
 
-namespace command {
-
-Row versions()
+Document versions()
 {
-    return {{"dmpclaim", DMPCLAIM_VERSION}, {"kernel", kernelName()}, {"system", systemName()}};
+    return Document::Record{
+        {"dmpclaim", DMPCLAIM_VERSION}, {"kernel", kernelName()}, {"system", systemName()}};
 }
 
 } // namespace command

@@ -1,12 +1,12 @@
 #ifndef DOCTOR_VERSIONS_H
 #define DOCTOR_VERSIONS_H
 
-#include "row.h"
+#include "output/document.h"
 
 namespace command {
 
 /// Of what answers here: dmpclaim, kernel, system (null when the system does not tell).
-Row versions();
+Document versions();
 
 } // namespace command
 

@@ -11,13 +11,11 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "pdk/include/czeexecpipe.h"
+#include "ending.h"
 #include "pidfd.h"
 #include "process_group.h"
 
 namespace {
-
-using koze_pdk_4_4::CZeExecPipeBase;
 
 /// Holds every signal of this thread back. A handler of the host must not run in a child that
 /// shares the host's memory, nor change errno under the child's feet.
@@ -37,16 +35,18 @@ private:
     sigset_t m_mask{};
 };
 
-int resultOf(int waitStatus)
+using koze_pdk_4_4::runner::Ending;
+
+Ending endingFrom(int waitStatus)
 {
-    return WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus)
-                                 : CZeExecPipeBase::killedBySignal + WTERMSIG(waitStatus);
+    return WIFEXITED(waitStatus) ? Ending{Ending::Kind::exited, WEXITSTATUS(waitStatus)}
+                                 : Ending{Ending::Kind::killed, WTERMSIG(waitStatus)};
 }
 
-int resultOf(const siginfo_t& status)
+Ending endingFrom(const siginfo_t& status)
 {
-    return status.si_code == CLD_EXITED ? status.si_status
-                                        : CZeExecPipeBase::killedBySignal + status.si_status;
+    return {status.si_code == CLD_EXITED ? Ending::Kind::exited : Ending::Kind::killed,
+            status.si_status};
 }
 
 } // namespace
@@ -133,10 +133,10 @@ int ChildProcess::takeResult()
     const bool ours = wait(status, 0);
     m_pid = 0;
     if (ours)
-        return resultOf(status);
+        return resultOf(endingFrom(status));
     const std::optional<int> waitStatus =
         m_pidfd.isOpen() ? statusOfReaped(m_pidfd.number()) : std::nullopt;
-    return waitStatus ? resultOf(*waitStatus) : CZeExecPipeBase::statusUnknown;
+    return resultOf(waitStatus ? endingFrom(*waitStatus) : Ending{Ending::Kind::statusUnknown});
 }
 
 /// Looks at the program without waiting. False when it is no child of the host any more; else

@@ -9,6 +9,7 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include "ending.h"
 #include "line_collector.h"
 #include "program.h"
 #include "run.h"
@@ -16,6 +17,7 @@
 namespace {
 
 using koze_pdk_4_4::CZeExecPipeBase;
+using koze_pdk_4_4::runner::Ending;
 using koze_pdk_4_4::runner::Limits;
 using koze_pdk_4_4::runner::Program;
 
@@ -70,21 +72,20 @@ std::string textOf(const std::exception& reason)
 }
 
 /// How a command ended, for the trace.
-std::string endingOf(int result, unsigned long timeLimitSeconds)
+std::string textOf(const Ending& ending, unsigned long timeLimitSeconds)
 {
-    switch (result) {
-    case CZeExecPipeBase::deadlinePassed:
+    switch (ending.kind) {
+    case Ending::Kind::exited:
+        return "ended with exit status " + std::to_string(ending.number);
+    case Ending::Kind::killed:
+        return "was ended by signal " + std::to_string(ending.number);
+    case Ending::Kind::deadlinePassed:
         return "was ended: its limit of " + std::to_string(timeLimitSeconds) + " seconds passed";
-    case CZeExecPipeBase::boundExceeded:
+    case Ending::Kind::boundExceeded:
         return "was ended: it printed more than " + std::to_string(CZeExecPipeBase::outputBound) +
                " bytes, or a line of more than " + std::to_string(CZeExecPipeBase::lineBound);
-    case CZeExecPipeBase::statusUnknown:
-        return "ended, but the host has taken its exit status away";
     default:
-        return result > CZeExecPipeBase::killedBySignal
-                   ? "was ended by signal " +
-                         std::to_string(result - CZeExecPipeBase::killedBySignal)
-                   : "ended with exit status " + std::to_string(result);
+        return "ended, but the host has taken its exit status away";
     }
 }
 
@@ -145,7 +146,7 @@ int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& 
             CZE_TRACE(2, "Command [%s] warns: %s", command.c_str(), line.c_str());
     }
     CZE_TRACE(result == 0 ? 6 : 2, "Command [%s] took %lld ms and %s.", command.c_str(),
-              millisecondsSince(start), endingOf(result, seconds).c_str());
+              millisecondsSince(start), textOf(runner::endingOf(result), seconds).c_str());
     return result;
 }
 

@@ -9,15 +9,15 @@
 #include "child_process.h"
 #include "deadline.h"
 #include "descriptor.h"
+#include "ending.h"
 #include "output_reader.h"
-#include "pdk/include/czeexecpipe.h"
 
 namespace {
 
-using koze_pdk_4_4::CZeExecPipeBase;
 using koze_pdk_4_4::runner::Budget;
 using koze_pdk_4_4::runner::ChildProcess;
 using koze_pdk_4_4::runner::Deadline;
+using koze_pdk_4_4::runner::Ending;
 using koze_pdk_4_4::runner::lookInterval;
 using koze_pdk_4_4::runner::OutputReader;
 
@@ -51,11 +51,11 @@ int Run::follow(const Deadline& deadline, std::chrono::nanoseconds grace)
         if (!m_budget.exceeded)
             return m_child.reap();
     }
-    const int result =
-        m_budget.exceeded ? CZeExecPipeBase::boundExceeded : CZeExecPipeBase::deadlinePassed;
+    const Ending ending{m_budget.exceeded ? Ending::Kind::boundExceeded
+                                          : Ending::Kind::deadlinePassed};
     end(Deadline(grace));
     finish();
-    return result;
+    return resultOf(ending);
 }
 
 /// Waits until something happens, or the deadline passes, and takes it in.
@@ -110,7 +110,7 @@ int run(Program program, const std::string& input, const Limits& limits,
         StandardStreams{standardInput.number(), outputPipe.writeEnd.number(),
                         (together ? outputPipe : errorsPipe).writeEnd.number()}));
     if (!child.start(deadline))
-        return CZeExecPipeBase::deadlinePassed;
+        return resultOf({Ending::Kind::deadlinePassed});
     // The program has its own; a pipe ends with the last of its writers.
     outputPipe.writeEnd.reset();
     errorsPipe.writeEnd.reset();

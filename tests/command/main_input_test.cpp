@@ -1,7 +1,7 @@
 // Paths from standard input.
 #include <gmock/gmock.h>
 
-#include "dmpclaim.h"
+#include "tests/command/dmpclaim.h"
 
 namespace {
 

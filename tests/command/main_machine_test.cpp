@@ -1,5 +1,5 @@
 // What the command says of a machine that lacks something.
-#include "namespaced_tools.h"
+#include "tests/command/namespaced_tools.h"
 
 namespace {
 

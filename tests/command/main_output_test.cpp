@@ -1,7 +1,7 @@
 // The forms of output, with names that are hard to print.
 #include <gmock/gmock.h>
 
-#include "dmpclaim.h"
+#include "tests/command/dmpclaim.h"
 
 namespace {
 

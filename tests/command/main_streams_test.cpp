@@ -1,7 +1,7 @@
 // Standard output that cannot be written, and readers that go away.
 #include <gmock/gmock.h>
 
-#include "dmpclaim.h"
+#include "tests/command/dmpclaim.h"
 
 using testing::StartsWith;
 

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "dmpclaim.h"
+#include "tests/command/dmpclaim.h"
 
 using testing::HasSubstr;
 

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "dmpclaim.h"
+#include "tests/command/dmpclaim.h"
 #include "tests/support/harmless_text.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/terminal.h"

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "dmpclaim.h"
+#include "tests/command/dmpclaim.h"
 
 using testing::Contains;
 using testing::ElementsAre;

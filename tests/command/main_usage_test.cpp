@@ -1,7 +1,7 @@
 // Bad usage: what is said, and where.
 #include <gmock/gmock.h>
 
-#include "dmpclaim.h"
+#include "tests/command/dmpclaim.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/command/active_command.h"
+#include "tests/command/active/active_command.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 #include "dmp_nativepath_claim.h"
 
 #include <chrono>
-#include <initializer_list>
 #include <new>
-#include <string_view>
-#include <utility>
 
 #include <unistd.h>
 
 #include "dmp_trailing_digits.h"
+#include "kovm/command_lines.h"
+#include "kovm/retry_policy.h"
+#include "kovm/tables.h"
 #include "pdk/include/czeexecpipe.h"
 #include "pdk/include/czestringtool.h"
 #include "vstring/Y_strings.h"
@@ -23,101 +23,25 @@ using AceString = ACE_String_Base<char>;
 
 constexpr char deviceMarker[] = "/dev/sd";
 
-// The pieces of a command line carry their own spaces, and the tools get them all.
-constexpr char toolDirectory[] = "/usr/sbin/";
-constexpr char adminTool[] = "kodmpadm  ";
-constexpr char diskTool[] = "kodisk  ";
 constexpr unsigned long commandLimitSeconds = 600;
-constexpr int lookupAttempts = 4;
 
 /// Appends all of `piece`. ACE's strings do not report that memory ran out: one that could not be
 /// made or copied has a null pointer, and one that could not grow keeps its length.
 void append(AceString& text, const AceString& piece)
 {
-    const bool made = text.c_str() != nullptr && piece.c_str() != nullptr;
+    const bool isMade = text.c_str() != nullptr && piece.c_str() != nullptr;
     const std::size_t length = text.length() + piece.length();
-    if (!made || (text += piece).length() != length)
+    if (!isMade || (text += piece).length() != length)
         throw std::bad_alloc();
 }
 
-AceString commandLine(std::initializer_list<const char*> pieces)
+/// Resumes interrupted sleeps. Measures what is left, because sleep() rounds it down.
+void pauseFor(std::chrono::seconds left)
 {
-    AceString line;
-    for (const char* piece : pieces)
-        append(line, piece);
-    return line;
-}
-
-/// The pieces in order, with `separator` between them.
-std::string joined(const std::vector<std::string>& pieces, std::string_view separator)
-{
-    std::size_t size = 0;
-    for (const std::string& piece : pieces)
-        size += separator.size() + piece.size();
-    std::string text;
-    text.reserve(size);
-    std::string_view before;
-    for (const std::string& piece : pieces) {
-        (text += before) += piece;
-        before = separator;
-    }
-    return text;
-}
-
-bool contains(const std::string& text, const char* part)
-{
-    return text.find(part) != std::string::npos;
-}
-
-/// Waits the full time but for less than a second, also in a host whose signals end sleeps early.
-/// What a sleep leaves over loses its fraction, which adds up in a host with a timer.
-void pauseSeconds(unsigned int seconds)
-{
-    std::chrono::seconds left(seconds);
     const auto end = std::chrono::steady_clock::now() + left;
     // NOLINTNEXTLINE(concurrency-mt-unsafe): safe in the C library used here
     while (left.count() > 0 && sleep(static_cast<unsigned int>(left.count())) > 0)
         left = std::chrono::ceil<std::chrono::seconds>(end - std::chrono::steady_clock::now());
-}
-
-/// A row of a tool's table; columns that are missing are empty.
-///
-///     row = name [state [path-type column*]]     sdc     ENABLED(A)    PRIMARY      c2
-struct Row {
-    std::string name;
-    std::string state;
-    std::string pathType;
-};
-
-Row parseRow(const std::string& line)
-{
-    std::vector<std::string> columns = CZeStringTool::tokenize(line, " \n\t");
-    columns.resize(3);
-    return {std::move(columns[0]), std::move(columns[1]), std::move(columns[2])};
-}
-
-// A table is a header that names its columns, a rule that nobody reads, and the rows.
-constexpr char headerText[] = "NAME";
-constexpr std::size_t firstRow = 2;
-
-/// The path to use among a table's rows: the first that is enabled and active, else the first that
-/// is enabled, else the first primary one, whatever its state. Empty when there is none.
-std::string bestPath(const std::vector<std::string>& lines)
-{
-    std::string firstEnabled;
-    std::string firstPrimary;
-    for (std::size_t number = firstRow; number < lines.size(); ++number) {
-        Row row = parseRow(lines[number]);
-        if (contains(row.state, "ENABLED(A)"))
-            return std::move(row.name);
-        if (contains(row.state, "ENABLED")) {
-            if (firstEnabled.empty())
-                firstEnabled = std::move(row.name);
-        } else if (contains(row.pathType, "PRIMARY") && firstPrimary.empty()) {
-            firstPrimary = std::move(row.name);
-        }
-    }
-    return firstEnabled.empty() ? firstPrimary : firstEnabled;
 }
 
 } // namespace
@@ -206,7 +130,7 @@ bool CKoDMPSupport::isCommandAvailable(AceString directory, AceString command)
 bool CKoDMPSupport::isKoDMPInstalled()
 {
     CZE_TRACE_FUNCTION();
-    return isCommandAvailable(toolDirectory, adminTool);
+    return isCommandAvailable(kovm::toolDirectory, kovm::adminTool);
 }
 
 int CKoDMPSupport::executeCommand(const char* command, std::vector<std::string>& output)
@@ -232,7 +156,7 @@ int CKoDMPSupport::executeCommand(const char* command, std::vector<std::string>&
         CZE_TRACE(1, "ExecuteCommand - exception thrown in command execution.");
     }
     if (m_traceLog)
-        text = joined(output, "");
+        text = kovm::joined(output);
     if (hasRun && result != 0)
         CZE_TRACE(2, "Warning - failed with message='%s' and error no '%d'.", text.c_str(), result);
     else if (hasRun && !output.empty())
@@ -242,27 +166,25 @@ int CKoDMPSupport::executeCommand(const char* command, std::vector<std::string>&
 
 CKoDMPSupport::Answer CKoDMPSupport::judge(const std::vector<std::string>& lines)
 {
-    if (lines.size() < firstRow) {
+    switch (kovm::faultOf(lines)) {
+    case kovm::Fault::none:
+        return Answer::table;
+    case kovm::Fault::noHeader:
+        return Answer::noTable;
+    case kovm::Fault::noOutput:
         CZE_TRACE(2, "Warning - no output of command.");
         return Answer::failed;
-    }
-    constexpr auto notFound = static_cast<unsigned long>(-1);
-    unsigned long header = 0;
-    if (CZeStringTool::find(lines, headerText, header, false) == notFound)
-        return Answer::noTable;
-    if (header != 0) {
+    default:
         CZE_TRACE(2, "Warning - no valid output of command.");
         return Answer::failed;
     }
-    return Answer::table;
 }
 
 int CKoDMPSupport::getKoVMDiskForOSDiskHandler(std::string osDiskName, std::string& dmpNodeName)
 {
     CZE_TRACE_FUNCTION();
     dmpNodeName.clear();
-    const AceString command =
-        commandLine({toolDirectory, adminTool, " getdmpnode ", " nodename=", osDiskName.c_str()});
+    const std::string command = kovm::nodeQuery(osDiskName);
     std::vector<std::string> lines;
     std::string text;
     if (executeCommand(command.c_str(), lines, text) != 0) {
@@ -275,13 +197,7 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler(std::string osDiskName, std::stri
     const Answer answer = judge(lines);
     if (answer != Answer::table)
         return answer == Answer::failed ? 1 : 0;
-    for (std::size_t number = firstRow; number < lines.size(); ++number) {
-        Row row = parseRow(lines[number]);
-        if (!row.name.empty()) {
-            dmpNodeName = std::move(row.name);
-            break;
-        }
-    }
+    dmpNodeName = kovm::firstNode(lines).name;
     return 0;
 }
 
@@ -289,8 +205,7 @@ int CKoDMPSupport::getOSDiskHandleForKoVMDisk(std::string dmpNodeName, std::stri
 {
     CZE_TRACE_FUNCTION();
     osDiskName.clear();
-    const AceString command = commandLine(
-        {toolDirectory, adminTool, " getsubpaths ", " dmpnodename=", dmpNodeName.c_str()});
+    const std::string command = kovm::pathQuery(dmpNodeName);
     std::vector<std::string> lines;
     std::string text;
     if (executeCommand(command.c_str(), lines, text) != 0) {
@@ -302,7 +217,7 @@ int CKoDMPSupport::getOSDiskHandleForKoVMDisk(std::string dmpNodeName, std::stri
     const Answer answer = judge(lines);
     if (answer != Answer::table)
         return answer == Answer::failed ? 1 : 0;
-    osDiskName = bestPath(lines);
+    osDiskName = kovm::bestPath(lines).name;
     if (!osDiskName.empty())
         return 0;
     CZE_TRACE(2, "Unable to get enabled disk path for dmp node '%s'", dmpNodeName.c_str());
@@ -312,7 +227,7 @@ int CKoDMPSupport::getOSDiskHandleForKoVMDisk(std::string dmpNodeName, std::stri
 int CKoDMPSupport::removeDisksFromKoVM(std::string diskName)
 {
     CZE_TRACE_FUNCTION();
-    const AceString command = commandLine({toolDirectory, diskTool, " rm ", diskName.c_str()});
+    const std::string command = kovm::removal(diskName);
     std::vector<std::string> lines;
     if (executeCommand(command.c_str(), lines) != 0)
         CZE_TRACE(2, "Warning - removing disk from kovm db is failed.");
@@ -322,10 +237,7 @@ int CKoDMPSupport::removeDisksFromKoVM(std::string diskName)
 int CKoDMPSupport::kovmScanDisks(const std::vector<std::string>& diskNames)
 {
     CZE_TRACE_FUNCTION();
-    const std::string list = joined(diskNames, ",");
-    const char* keyword = list.empty() ? "" : " device=";
-    const AceString command =
-        commandLine({toolDirectory, diskTool, " scandisks ", keyword, list.c_str()});
+    const std::string command = kovm::rescan(diskNames);
     std::vector<std::string> lines;
     std::string text;
     if (executeCommand(command.c_str(), lines, text) == 0)
@@ -340,14 +252,15 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Waited(std::string osDiskName,
 {
     CZE_TRACE_FUNCTION();
     const std::vector<std::string> disk{osDiskName};
+    constexpr kovm::RetryPolicy policy = kovm::waitingPolicy;
     int result = 0;
-    for (int attempt = 0; attempt < lookupAttempts; ++attempt) {
+    for (int attempt = 0; attempt < policy.attempts; ++attempt) {
         dmpNodeName.clear();
         result = getKoVMDiskForOSDiskHandler(osDiskName, dmpNodeName);
         if (result == 0)
             return 0;
         CZE_TRACE(6, "Obtaining dmp nodes failed. need to retry.");
-        pauseSeconds(5);
+        pauseFor(policy.pause);
         kovmScanDisks(disk);
     }
     CZE_TRACE(2, "Warning - obtaining dmp nodes failed even after multiple retries.");
@@ -358,6 +271,7 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Refreshed(std::string osDiskName,
                                                          std::string& dmpNodeName)
 {
     CZE_TRACE_FUNCTION();
+    constexpr kovm::RetryPolicy policy = kovm::refreshingPolicy;
     const std::vector<std::string> everyDisk;
     CZE_TRACE(6,
               "We will remove dmp node from kovm and rescan to regenerate dmp node for disk [%s].",
@@ -369,13 +283,13 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Refreshed(std::string osDiskName,
         removeDisksFromKoVM(dmpNodeName);
     }
     dmpNodeName.clear();
-    for (int attempt = 0; attempt < lookupAttempts; ++attempt) {
+    for (int attempt = 0; attempt < policy.attempts; ++attempt) {
         kovmScanDisks(everyDisk);
         result = getKoVMDiskForOSDiskHandler(osDiskName, dmpNodeName);
         if (result == 0)
             break;
         CZE_TRACE(6, "Obtaining dmp nodes failed. need to retry.");
-        pauseSeconds(10);
+        pauseFor(policy.pause);
     }
     if (result != 0)
         CZE_TRACE(2, "Warning - obtaining dmp nodes failed even after multiple retries.");

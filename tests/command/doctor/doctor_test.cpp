@@ -23,7 +23,7 @@ class Doctor : public NamespacedTools {
 protected:
     std::vector<std::string> doctor(const std::vector<std::string>& arguments) const
     {
-        const command::Places& places = machine.places();
+        const command::SystemPaths& places = machine.places();
         std::vector<std::string> command{"sh",
                                          "-c",
                                          layOver,

@@ -6,10 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "command/block_devices.h"
-#include "command/doctor/device_examination.h"
-#include "command/drivers.h"
-#include "command/explanation.h"
+#include "doctor/device_checks.h"
+#include "kernel/block_devices.h"
 #include "tests/support/temporary_folder.h"
 
 /// Folders that look like those of a machine with block devices; none at first. The nodes pass for
@@ -23,7 +21,7 @@ public:
         std::ofstream(m_places.drivers) << "Character devices:\n  1 mem\n\nBlock devices:\n";
     }
 
-    const command::Places& places() const { return m_places; }
+    const command::SystemPaths& places() const { return m_places; }
 
     void addDriver(const std::string& line)
     {
@@ -82,8 +80,8 @@ public:
 
 private:
     TemporaryFolder m_folder;
-    command::Places m_places{m_folder.file("block"), m_folder.file("dev"),
-                             m_folder.file("devices")};
+    command::SystemPaths m_places{m_folder.file("block"), m_folder.file("dev"),
+                                  m_folder.file("devices")};
     int m_maps = 0;
 };
 

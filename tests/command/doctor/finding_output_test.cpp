@@ -1,14 +1,20 @@
-#include "command/doctor/finding_output.h"
+#include "doctor/finding_output.h"
 
 #include <gmock/gmock.h>
+
+#include "tests/command/answer_json.h"
 
 namespace {
 
 using command::Finding;
-using command::findingRow;
 using command::findingText;
-using command::Row;
+using Row = nlohmann::ordered_json;
 using command::summary;
+
+Row findingRow(const Finding& finding)
+{
+    return parsed(command::findingDocument(finding));
+}
 
 TEST(FindingText, TheTextStandsBehindTheState)
 {
@@ -54,7 +60,7 @@ TEST(FindingText, ForgesNoLines)
               "         To do: c\\x0d\n");
 }
 
-TEST(FindingRow, HoldsTheTextsAsTheyAre)
+TEST(FindingDocument, HoldsTheTextsAsTheyAre)
 {
     EXPECT_EQ(findingRow({Finding::State::error, "a\n", "b", "c"}),
               Row({{"state", "error"}, {"subject", "a\n"}, {"text", "b"}, {"advice", "c"}}));

@@ -186,7 +186,7 @@ TEST(KoDmpWithoutMemory, RunsACommandLineWholeOrNotAtAll)
             support.registerTraceLog(log);
             for (const Operation& operation : operations) {
                 SCOPED_TRACE(operation.name);
-                EXPECT_GE(failEach(operation, support), 4U);
+                EXPECT_GE(failEach(operation, support), 2U);
             }
         }
     }

@@ -1,0 +1,52 @@
+#ifndef ACTIVE_ACTIVE_LOOKUP_H
+#define ACTIVE_ACTIVE_LOOKUP_H
+
+#include <string>
+
+#include "active/lookup_result.h"
+#include "active/lookup_status.h"
+#include "active/timeline.h"
+#include "interrupt/stop_request.h"
+#include "pdk/include/czetracesink.h"
+#include "providers/device/scsitool/dmp_claim_manager.h"
+
+namespace command {
+
+/// Looks up the active path of one device, with a claim manager and a trace log of its own.
+///
+/// The trace log is the only hook into a running lookup: the library's operations return the path
+/// and nothing else, and take no callback. So the timeline, the progress and the end by a
+/// StopRequest follow from the trace lines.
+class ActiveLookup {
+public:
+    /// The trace lines also go to `sink`, unless it is empty. `stop` ends the lookup, `status`
+    /// tells what it does; both outlive it.
+    ActiveLookup(bool refresh, koze_pdk_4_4::CZeTraceSinkHandle sink, StopRequest& stop,
+                 LookupStatus& status);
+    ActiveLookup(const ActiveLookup&) = delete;
+    ActiveLookup& operator=(const ActiveLookup&) = delete;
+    ~ActiveLookup();
+
+    /// Throws Interrupted when stopped. Blocks while tools run and in the pauses between attempts.
+    /// Called once.
+    LookupResult run(const std::string& path);
+
+private:
+    void ask(CDmpDeviceClaimBase& owner, LookupResult& result);
+    void take(int level, std::string_view text);
+    void countTool(TraceEvent::Kind kind);
+    void report();
+
+    bool m_refresh;
+    koze_pdk_4_4::CZeTraceSinkHandle m_sink;
+    StopRequest& m_stop;
+    LookupStatus& m_status;
+    Timeline m_timeline;
+    Timeline::Clock::time_point m_begin = Timeline::Clock::now();
+    std::string m_path;
+    bool m_toolRuns = false;
+};
+
+} // namespace command
+
+#endif

@@ -1,0 +1,91 @@
+#include "active/dry_run.h"
+
+#include "kovm/command_lines.h"
+#include "kovm/retry_policy.h"
+#include "names/tool_name.h"
+#include "providers/device/scsitool/dmp_nativepath_claim.h"
+
+namespace command {
+
+namespace {
+
+using kovm::RetryPolicy;
+
+constexpr char placeholder[] = "NODE";
+
+struct Plan {
+    std::optional<CommandLine> command;
+    std::string when;
+};
+
+constexpr char whenFound[] = "when the node was found";
+
+std::string attempts(const RetryPolicy& policy)
+{
+    return "up to " + std::to_string(policy.attempts) + " times until it succeeds";
+}
+
+std::string pause(const RetryPolicy& policy)
+{
+    return std::to_string(policy.pause.count()) + " seconds after each failure";
+}
+
+std::vector<Plan> waitingPlan(const std::string& disk)
+{
+    constexpr RetryPolicy policy = kovm::waitingPolicy;
+    return {{CommandLine{kovm::nodeQuery(disk)}, "first; " + attempts(policy)},
+            {CommandLine{kovm::rescan({disk})}, pause(policy) + " of the line above"},
+            {CommandLine{kovm::pathQuery(placeholder)}, whenFound}};
+}
+
+std::vector<Plan> refreshingPlan(const std::string& disk)
+{
+    constexpr RetryPolicy policy = kovm::refreshingPolicy;
+    return {{CommandLine{kovm::nodeQuery(disk)}, "first"},
+            {CommandLine{kovm::removal(placeholder)}, "when the line above succeeded"},
+            {CommandLine{kovm::rescan({})}, "before each attempt of the line below"},
+            {CommandLine{kovm::nodeQuery(disk)}, attempts(policy) + ", " + pause(policy)},
+            {CommandLine{kovm::pathQuery(placeholder)}, whenFound}};
+}
+
+/// What is run for a path that nobody, or `owner`'s driver, claims.
+std::vector<Plan> planFor(const std::string& path, CDmpDeviceClaimBase* owner, bool refresh)
+{
+    if (owner == nullptr || !driverOf(owner)->asksTools)
+        return {{{}, "never: only a native path is looked up"}};
+    if (const char* reason = whyNotAsked(path))
+        return {{{}, std::string("never: ") + reason}};
+    const std::string disk = owner->removeDevPrefix(path);
+    std::vector<Plan> plan = refresh ? refreshingPlan(disk) : waitingPlan(disk);
+    if (!CKoDMPSupport().isKoDMPInstalled()) {
+        for (Plan& step : plan)
+            step.when = "if the tools were installed: " + step.when;
+    }
+    return plan;
+}
+
+} // namespace
+
+std::vector<PlannedCommand> dryRun(CDmpClaimManager& manager, const std::string& path, bool refresh)
+{
+    CDmpDeviceClaimBase* owner = nullptr;
+    manager.getClaimModule(owner, path);
+    std::vector<PlannedCommand> commands;
+    for (const Plan& step : planFor(path, owner, refresh))
+        commands.push_back({path, driverOf(owner), step.command, step.when});
+    return commands;
+}
+
+const Columns<PlannedCommand>& plannedColumns()
+{
+    using Command = const PlannedCommand&;
+    static const Columns<PlannedCommand> columns{
+        {{"NAME"}, [](Command command) -> Field { return command.name; }},
+        {{"OWNER"}, [](Command command) { return ownerField(command.owner); }},
+        {{"COMMAND"}, [](Command command) { return optionalField(command.command); }},
+        {{"WHEN"}, [](Command command) -> Field { return command.when; }},
+    };
+    return columns;
+}
+
+} // namespace command

@@ -1,0 +1,59 @@
+#ifndef ACTIVE_LOOKUP_POOL_H
+#define ACTIVE_LOOKUP_POOL_H
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "active/lookup_result.h"
+
+namespace command {
+
+/// Answers paths in several threads at once and hands the answers out in the order of the paths.
+///
+/// Answers wait for those before them. So that one slow path does not have endless input answered
+/// and kept, workers take no path from the source that is `window` or more behind the next answer
+/// to hand out.
+class LookupPool {
+public:
+    static constexpr std::size_t window = 1024;
+
+    /// The next path; nothing at the end. Called by one worker at a time.
+    using Source = std::function<std::optional<std::string>()>;
+    /// Answers a path in worker number `worker`, counted from 0. Interrupted ends the worker
+    /// without an answer, and no more paths are taken.
+    using Work = std::function<LookupResult(const std::string& path, unsigned int worker)>;
+
+    enum class Next { result, pending, end };
+
+    /// Starts `workers` threads, or as many as the machine allows. Throws what startThread
+    /// throws when it allows none.
+    LookupPool(unsigned int workers, Source source, Work work);
+    LookupPool(const LookupPool&) = delete;
+    LookupPool& operator=(const LookupPool&) = delete;
+
+    /// Detaches workers that are still running. They take no more paths, but what source and work
+    /// refer to must outlive them.
+    ~LookupPool();
+
+    /// Waits for the next answer, up to `patience`, and stores it in `result`. What source or work
+    /// threw for that path, or std::bad_alloc, is thrown here; the answers end with that.
+    Next next(LookupResult& result, std::chrono::milliseconds patience);
+
+    /// The number of answers handed out.
+    std::size_t handedOut() const;
+
+private:
+    struct State;
+
+    std::shared_ptr<State> m_state;
+    std::vector<std::thread> m_threads;
+};
+
+} // namespace command
+
+#endif

@@ -1,0 +1,37 @@
+#ifndef CLI_COLUMN_LIST_H
+#define CLI_COLUMN_LIST_H
+
+#include <string_view>
+#include <vector>
+
+#include "output/columns.h"
+
+namespace command {
+
+/// The columns that the user chooses, each once.
+///
+///     list = [ "+" ] heading { "," heading }       +PARTNUM,owner
+///
+/// Upper and lower case are the same. With '+' the columns come behind the `usual` ones. Throws
+/// UsageError when a heading is unknown or missing.
+std::vector<Heading> chosenColumns(std::string_view list, const std::vector<Heading>& usual,
+                                   const std::vector<Heading>& all);
+
+/// All columns of the answers. Those in `usual`, a list of headings, are shown without a choice.
+template <class Answer>
+Headings headingsFor(const Columns<Answer>& columns, const char* usual)
+{
+    const std::vector<Heading> all = headingsOf(columns);
+    return {all, chosenColumns(usual, {}, all)};
+}
+
+/// The same for answers whose columns are all shown.
+template <class Answer>
+Headings headingsFor(const Columns<Answer>& columns)
+{
+    return {headingsOf(columns), headingsOf(columns)};
+}
+
+} // namespace command
+
+#endif

@@ -1,0 +1,13 @@
+#ifndef CLI_COMPLAINT_H
+#define CLI_COMPLAINT_H
+
+#include <string>
+
+namespace command {
+
+/// Writes a line on standard error: "dmpclaim: " and the text, made printable.
+void complain(const std::string& text);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,48 @@
+#ifndef CLI_LINE_READER_H
+#define CLI_LINE_READER_H
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace command {
+
+/// Reads lines from a descriptor, holding no more than the longest of them and one block.
+///
+///     input = { line separator } [ line ]          /dev/sda\n/dev/sdb\n
+///
+/// The separator is a line feed or a NUL, whichever is met first; the other one is part of the
+/// lines from then on. A last line without its separator counts. Nothing else is special: an
+/// empty line is a line, and a carriage return belongs to its line.
+class LineReader {
+public:
+    /// `descriptor` stays the caller's. `beforeWait` is called whenever all lines received so far
+    /// have been handed out and more must be awaited.
+    LineReader(int descriptor, std::function<void()> beforeWait)
+        : m_descriptor(descriptor), m_beforeWait(std::move(beforeWait))
+    {}
+
+    /// From now on lines end at `separator` only.
+    void setSeparator(char separator) { m_separator = separator; }
+
+    /// The next line without its separator; nothing at the end. Throws std::system_error when the
+    /// input cannot be read.
+    std::optional<std::string> next();
+
+private:
+    std::size_t findSeparator();
+    void receive();
+    std::string take(std::size_t end);
+
+    int m_descriptor;
+    std::function<void()> m_beforeWait;
+    std::optional<char> m_separator;
+    std::string m_buffer;
+    std::size_t m_begin = 0;    // of the next line
+    std::size_t m_searched = 0; // no separator between the line's begin and here
+    bool m_ended = false;
+};
+
+} // namespace command
+
+#endif

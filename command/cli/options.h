@@ -1,0 +1,49 @@
+#ifndef CLI_OPTIONS_H
+#define CLI_OPTIONS_H
+
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "cli/subcommand.h"
+#include "cli/trace.h"
+#include "output/columns.h"
+#include "output/make_row_writer.h"
+
+namespace command {
+
+/// What the user asks for.
+struct Options {
+    const Subcommand* subcommand = nullptr;
+    std::vector<std::string> paths; // of append: the disk; of doctor: none for all disks
+    unsigned int partnum = 0;       // of append
+    bool nulSeparated = false;
+    std::map<std::string, std::string> own; // the subcommand's own options that are given
+    Form form = Form::table;
+    bool withHeadings = true;
+    std::vector<Heading> columns; // none when the subcommand prints no columns
+    TraceOptions trace;
+
+    /// `option` is one of the subcommand's own, such as "--refresh".
+    bool isGiven(const char* option) const { return own.count(option) > 0; }
+
+    /// The value of one of the subcommand's own options; nothing when it is not given.
+    std::optional<std::string> value(const char* option) const;
+};
+
+/// A text that the user asks for instead: the help or the version.
+using Information = std::string;
+
+/// Understands the arguments, the command's name not among them. `subcommands` outlives the result.
+/// Throws UsageError.
+std::variant<Options, Information> parseOptions(const std::vector<std::string>& arguments,
+                                                const std::vector<Subcommand>& subcommands);
+
+/// A decimal number of digits only; nothing when it is anything else or does not fit.
+std::optional<unsigned int> parseNumber(const std::string& text);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,38 @@
+#ifndef CLI_SUBCOMMAND_H
+#define CLI_SUBCOMMAND_H
+
+#include <string>
+#include <vector>
+
+#include "output/columns.h"
+#include "output/make_row_writer.h"
+#include "output/output_stream.h"
+
+namespace command {
+
+struct Options;
+
+/// An option of one subcommand.
+struct OwnOption {
+    const char* names; // as declared: "-j,--jobs"
+    const char* value; // as help shows it: " N"; null for a flag
+    const char* help;
+};
+
+enum class Arguments { none, paths, optionalPaths, diskAndNumber };
+
+/// A subcommand: what the command line offers, and what runs it.
+struct Subcommand {
+    std::string name;
+    std::string help;
+    std::string footer;
+    Arguments arguments;
+    std::vector<OwnOption> options;
+    Form form;                            // without -J, -o and -r
+    Headings (*headings)(const Options&); // null when it prints no columns
+    int (*run)(const Options&, OutputStream&);
+};
+
+} // namespace command
+
+#endif

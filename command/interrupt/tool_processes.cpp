@@ -1,0 +1,214 @@
+#include "interrupt/tool_processes.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include <unistd.h>
+
+namespace command {
+
+namespace {
+
+/// Whether /proc shows processes by the numbers that this process knows them by. It lists the
+/// numbers of a process in its own namespace and in all below it:
+///
+///     NSpid: 4711          the same namespace
+///     NSpid: 4711 1        that of a host, seen by the first process of a container
+bool isProcUsable()
+{
+    const std::string wanted = "NSpid:\t" + std::to_string(getpid());
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line == wanted)
+            return true;
+    }
+    return false;
+}
+
+/// The numbers among the names in a folder of /proc.
+std::vector<pid_t> numbersIn(const char* folder)
+{
+    std::vector<pid_t> numbers;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        pid_t number = 0;
+        const char* end = name.data() + name.size();
+        if (std::from_chars(name.data(), end, number).ptr == end)
+            numbers.push_back(number);
+    }
+    return numbers;
+}
+
+/// The processes that a thread of this process started, and has not reaped.
+std::set<pid_t> childrenOf(pid_t thread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/children");
+    std::set<pid_t> children;
+    for (pid_t child = 0; file >> child;)
+        children.insert(child);
+    return children;
+}
+
+/// The session of a process; 0 when there is no such process.
+///
+///     /proc/ID/stat = id " (" name ") " state " " parent " " group " " session ...
+///                     4711 (kodisk) S 4700 4711 4711 ...
+pid_t sessionOf(pid_t id)
+{
+    std::ifstream file("/proc/" + std::to_string(id) + "/stat");
+    std::string text;
+    std::getline(file, text, '\0');
+    const std::size_t nameEnd = text.rfind(')');
+    pid_t session = 0;
+    // NOLINTNEXTLINE(cert-err34-c): the kernel's numbers fit
+    if (nameEnd == std::string::npos ||
+        std::sscanf(text.c_str() + nameEnd, ") %*c %*d %*d %d", &session) != 1)
+        return 0;
+    return session;
+}
+
+/// The number is still the process's after the look, so the look was at this process.
+bool isIn(pid_t session, const HeldProcess& process)
+{
+    return sessionOf(process.id()) == session && process.hasNumber();
+}
+
+} // namespace
+
+ToolProcesses::~ToolProcesses()
+{
+    for (const Session& session : m_sessions) {
+        for (const Process& process : session) {
+            if (process.isStopped)
+                process.held.send(SIGCONT);
+        }
+    }
+}
+
+void ToolProcesses::update()
+{
+    m_hasMissed = false;
+    if (!isProcUsable())
+        return;
+    for (const pid_t thread : numbersIn("/proc/self/task")) {
+        if (thread != getpid())
+            addTools(thread);
+    }
+    if (!m_sessions.empty())
+        addMembers();
+}
+
+void ToolProcesses::addTools(pid_t thread)
+{
+    for (const pid_t child : childrenOf(thread)) {
+        if (isKnownTool(child))
+            continue;
+        HeldProcess tool(child);
+        m_hasMissed |= !tool.isHeld() && errno != ESRCH;
+        // A child that was reaped before it was held may have left its number to a stranger.
+        if (tool.isHeld() && childrenOf(thread).count(child) > 0)
+            m_sessions.emplace_back().push_back({std::move(tool)});
+    }
+}
+
+void ToolProcesses::addMembers()
+{
+    for (const pid_t id : numbersIn("/proc")) {
+        const pid_t sessionId = sessionOf(id);
+        Session* session = sessionWith(sessionId);
+        if (session == nullptr || holds(*session, id))
+            continue;
+        HeldProcess process(id);
+        m_hasMissed |= !process.isHeld() && errno != ESRCH;
+        if (process.isHeld() && isIn(sessionId, process) && isOurs(*session))
+            session->push_back({std::move(process)});
+    }
+}
+
+bool ToolProcesses::isKnownTool(pid_t id) const
+{
+    return std::any_of(m_sessions.begin(), m_sessions.end(), [id](const Session& session) {
+        return session.front().held.id() == id && session.front().held.hasNumber();
+    });
+}
+
+/// Null when there is none.
+ToolProcesses::Session* ToolProcesses::sessionWith(pid_t id)
+{
+    const auto found =
+        std::find_if(m_sessions.begin(), m_sessions.end(),
+                     [id](const Session& session) { return session.front().held.id() == id; });
+    return found == m_sessions.end() ? nullptr : &*found;
+}
+
+bool ToolProcesses::holds(const Session& session, pid_t id)
+{
+    return std::any_of(session.begin(), session.end(), [id](const Process& process) {
+        return process.held.id() == id && process.held.hasNumber();
+    });
+}
+
+/// Whether the session's number still means the tool's session. The number of a session, or of a
+/// group, is not given to another process while it has members.
+bool ToolProcesses::isOurs(const Session& session)
+{
+    const HeldProcess& tool = session.front().held;
+    return tool.groupHasMembers() ||
+           std::any_of(session.begin(), session.end(),
+                       [&](const Process& process) { return isIn(tool.id(), process.held); });
+}
+
+bool ToolProcesses::areAlive() const
+{
+    const auto isAlive = [](const Process& process) { return process.held.isAlive(); };
+    return m_hasMissed ||
+           std::any_of(m_sessions.begin(), m_sessions.end(), [&](const Session& session) {
+               return std::any_of(session.begin(), session.end(), isAlive);
+           });
+}
+
+/// Whether an earlier call has stopped the process; stops it otherwise.
+bool ToolProcesses::wasStopped(Process& process)
+{
+    if (std::exchange(process.isStopped, true))
+        return true;
+    process.held.send(SIGSTOP);
+    return false;
+}
+
+void ToolProcesses::askToEnd()
+{
+    for (Session& session : m_sessions) {
+        for (Process& process : session) {
+            if (process.isAsked || !wasStopped(process))
+                continue;
+            process.held.send(SIGTERM);
+            process.held.send(SIGCONT);
+            process.isAsked = true;
+            process.isStopped = false;
+        }
+    }
+}
+
+void ToolProcesses::kill()
+{
+    for (Session& session : m_sessions) {
+        for (Process& process : session) {
+            if (wasStopped(process))
+                process.held.send(SIGKILL);
+        }
+    }
+}
+
+} // namespace command

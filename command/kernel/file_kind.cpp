@@ -1,0 +1,24 @@
+#include "kernel/file_kind.h"
+
+#include <sys/stat.h>
+
+namespace command {
+
+FileKind Node::kind() const
+{
+    if (mode == 0)
+        return FileKind::none;
+    if (S_ISBLK(mode))
+        return FileKind::blockDevice;
+    return S_ISREG(mode) ? FileKind::regular : FileKind::other;
+}
+
+Node nodeAt(const std::string& path)
+{
+    struct stat file {};
+    if (stat(path.c_str(), &file) != 0)
+        return {};
+    return {file.st_mode};
+}
+
+} // namespace command

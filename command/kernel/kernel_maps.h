@@ -1,0 +1,32 @@
+#ifndef KERNEL_KERNEL_MAPS_H
+#define KERNEL_KERNEL_MAPS_H
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace command {
+
+/// A device of the kernel's device-mapper.
+struct KernelMap {
+    std::string name; // of its node under /dev/mapper
+    std::string uuid; // what its maker calls it; often empty
+
+    /// Made by the multipath daemon.
+    ///
+    ///     uuid = "mpath-" wwid
+    bool isMultipathDisk() const;
+
+    /// A partition of such a device.
+    ///
+    ///     uuid = "part" digit+ "-mpath-" wwid
+    bool isMultipathPartition() const;
+};
+
+/// The maps in `sysfsBlock`, see blockDevices, by their names. Those that vanish meanwhile are left
+/// out.
+std::vector<KernelMap> kernelMaps(const std::filesystem::path& sysfsBlock);
+
+} // namespace command
+
+#endif

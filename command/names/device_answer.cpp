@@ -1,0 +1,97 @@
+#include "names/device_answer.h"
+
+#include <algorithm>
+
+namespace command {
+
+namespace {
+
+// Two sentinels: if each comes back unchanged, the driver did not write the number.
+constexpr unsigned int sentinel = 0x5eed5eed;
+constexpr unsigned int otherSentinel = 0xdeafdeaf;
+
+bool isWritten(CDmpClaimManager& manager, const std::string& path, unsigned int number)
+{
+    if (number != sentinel)
+        return true;
+    number = otherSentinel;
+    manager.removePartitionSuffix(path, number);
+    return number != otherSentinel;
+}
+
+} // namespace
+
+DeviceAnswer deviceAnswer(CDmpClaimManager& manager, const std::string& path)
+{
+    CDmpDeviceClaimBase* owner = nullptr;
+    const std::uint32_t claim = manager.getClaimModule(owner, path);
+    DeviceAnswer answer{path, driverOf(owner), claim, false, {}, {}};
+    if (owner == nullptr)
+        return answer;
+    unsigned int number = sentinel;
+    answer.disk = manager.removePartitionSuffix(path, number);
+    answer.isPartition = manager.isPartition(path);
+    if (answer.isPartition && isWritten(manager, path, number))
+        answer.partnum = number;
+    return answer;
+}
+
+const Columns<DeviceAnswer>& deviceColumns()
+{
+    using Answer = const DeviceAnswer&;
+    static const Columns<DeviceAnswer> columns{
+        {{"NAME"}, [](Answer answer) -> Field { return answer.name; }},
+        {{"OWNER"}, [](Answer answer) { return ownerField(answer.owner); }},
+        {{"CLAIM", Kind::number}, [](Answer answer) -> Field { return answer.claim; }},
+        {{"PARTITION"}, [](Answer answer) -> Field { return answer.isPartition; }},
+        {{"DISK"}, [](Answer answer) { return optionalField(answer.disk); }},
+        {{"PARTNUM", Kind::number}, [](Answer answer) { return optionalField(answer.partnum); }},
+    };
+    return columns;
+}
+
+PartitionAnswer partitionAnswer(CDmpClaimManager& manager, const std::string& disk,
+                                unsigned int partnum)
+{
+    CDmpDeviceClaimBase* owner = nullptr;
+    const std::uint32_t claim = manager.getClaimModule(owner, disk);
+    PartitionAnswer answer{{}, disk, partnum, driverOf(owner), claim};
+    if (owner != nullptr)
+        answer.path = manager.appendPartitionSuffix(disk, partnum);
+    return answer;
+}
+
+const Columns<PartitionAnswer>& partitionColumns()
+{
+    using Answer = const PartitionAnswer&;
+    static const Columns<PartitionAnswer> columns{
+        {{"PATH"}, [](Answer answer) { return optionalField(answer.path); }},
+        {{"DISK"}, [](Answer answer) -> Field { return answer.disk; }},
+        {{"PARTNUM", Kind::number}, [](Answer answer) -> Field { return answer.partnum; }},
+        {{"OWNER"}, [](Answer answer) { return ownerField(answer.owner); }},
+        {{"CLAIM", Kind::number}, [](Answer answer) -> Field { return answer.claim; }},
+    };
+    return columns;
+}
+
+PrefixAnswer prefixAnswer(const std::vector<Module>& modules, const std::string& prefix)
+{
+    for (const Module& module : modules) {
+        const std::vector<std::string> prefixes = module.claims->getDeviceClaimStrings();
+        if (std::find(prefixes.begin(), prefixes.end(), prefix) != prefixes.end())
+            return {prefix, module.driver};
+    }
+    return {prefix, nullptr};
+}
+
+const Columns<PrefixAnswer>& prefixColumns()
+{
+    using Answer = const PrefixAnswer&;
+    static const Columns<PrefixAnswer> columns{
+        {{"PREFIX"}, [](Answer answer) -> Field { return answer.prefix; }},
+        {{"OWNER"}, [](Answer answer) { return ownerField(answer.owner); }},
+    };
+    return columns;
+}
+
+} // namespace command

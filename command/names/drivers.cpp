@@ -1,0 +1,85 @@
+#include "names/drivers.h"
+
+#include <algorithm>
+
+#include "providers/device/scsitool/dmp_built_in_modules.h"
+
+namespace command {
+
+namespace {
+
+/// What the library does not tell of a module's driver.
+struct Facts {
+    const char* name;
+    const char* kernelName;
+    bool asksTools;
+    NameWarner warnOfName;
+};
+
+/// Has no value here: a built-in module without facts does not compile.
+template <class ClaimModule>
+constexpr Facts factsOf;
+
+template <>
+constexpr Facts factsOf<CNativePathClaim>{"native", "sd", true, warnOfNumberedName};
+
+template <>
+constexpr Facts factsOf<CDmpPowerPathClaim>{"powerpath", "emcpower", false, warnOfNumberedName};
+
+template <>
+constexpr Facts factsOf<CDmpDeviceMapperClaim>{"device-mapper", "device-mapper", false,
+                                               warnOfMapperName};
+
+template <class ClaimModule>
+Driver makeDriver()
+{
+    constexpr Facts facts = factsOf<ClaimModule>;
+    return {
+        facts.name,
+        facts.kernelName,
+        facts.asksTools,
+        facts.warnOfName,
+        []() -> std::unique_ptr<CDmpDeviceClaimBase> { return std::make_unique<ClaimModule>(); },
+        [](const CDmpDeviceClaimBase& module) {
+            return dynamic_cast<const ClaimModule*>(&module) != nullptr;
+        }};
+}
+
+template <class... ClaimModules>
+std::vector<Driver> makeDrivers(ModuleList<ClaimModules...> /*modules*/)
+{
+    return {makeDriver<ClaimModules>()...};
+}
+
+} // namespace
+
+const std::vector<Driver>& drivers()
+{
+    static const std::vector<Driver> all = makeDrivers(BuiltInModules());
+    return all;
+}
+
+const Driver* driverOf(const CDmpDeviceClaimBase* module)
+{
+    if (module == nullptr)
+        return nullptr;
+    return &*std::find_if(drivers().begin(), drivers().end(),
+                          [&](const Driver& driver) { return driver.hasModule(*module); });
+}
+
+Field ownerField(const Driver* owner)
+{
+    return owner == nullptr ? Field() : Field(std::string(owner->name));
+}
+
+std::vector<Module> makeModules(const koze_pdk_4_4::CZeTraceLogHandle& log)
+{
+    std::vector<Module> modules;
+    for (const Driver& driver : drivers()) {
+        modules.push_back({&driver, driver.makeModule()});
+        modules.back().claims->registerTraceLog(log);
+    }
+    return modules;
+}
+
+} // namespace command

@@ -1,0 +1,34 @@
+#ifndef NAMES_EXPLANATION_WRITER_H
+#define NAMES_EXPLANATION_WRITER_H
+
+#include "names/explanation.h"
+#include "output/json_output.h"
+#include "output/make_row_writer.h"
+#include "output/output_stream.h"
+
+namespace command {
+
+/// Writes explanations as text for people, with an empty line between them, or as JSON. Throws what
+/// OutputStream throws.
+class ExplanationWriter {
+public:
+    /// `form` is Form::text or Form::json.
+    ExplanationWriter(Form form, OutputStream& output)
+        : m_isJson(form == Form::json), m_output(output), m_json(output, "explanations", {})
+    {}
+
+    void write(const Explanation& explanation);
+
+    /// Called once, behind the last one.
+    void finish();
+
+private:
+    bool m_isJson;
+    bool m_isFirst = true;
+    OutputStream& m_output;
+    JsonOutput m_json;
+};
+
+} // namespace command
+
+#endif

@@ -1,0 +1,16 @@
+#ifndef OUTPUT_CELL_TEXT_H
+#define OUTPUT_CELL_TEXT_H
+
+#include <string>
+
+#include "output/field.h"
+
+namespace command {
+
+/// A field as tables show it: text unaltered, "yes" and "no", "-" for none, seconds with three
+/// digits, the steps of a timeline separated by "; ". Commands are quoted for a shell.
+std::string cellText(const Field& field);
+
+} // namespace command
+
+#endif

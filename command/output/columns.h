@@ -1,0 +1,68 @@
+#ifndef OUTPUT_COLUMNS_H
+#define OUTPUT_COLUMNS_H
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "output/field.h"
+
+namespace command {
+
+enum class Kind { text, number };
+
+/// What a column shows, whatever its answers are.
+struct Heading {
+    std::string_view name;
+    Kind kind = Kind::text;
+
+    /// The column's member in JSON: the name in lower case.
+    std::string key() const;
+};
+
+/// A column of the answers of one type. This is all that a column needs: headings, lists of
+/// columns, help and rows follow from it.
+template <class Answer>
+struct Column {
+    Heading heading;
+    Field (*value)(const Answer&);
+};
+
+template <class Answer>
+using Columns = std::vector<Column<Answer>>;
+
+/// The columns that a user can choose from, and those that are shown without a choice.
+struct Headings {
+    std::vector<Heading> all;
+    std::vector<Heading> usual;
+};
+
+template <class Answer>
+std::vector<Heading> headingsOf(const Columns<Answer>& columns)
+{
+    std::vector<Heading> headings;
+    for (const Column<Answer>& column : columns)
+        headings.push_back(column.heading);
+    return headings;
+}
+
+/// The names of the headings, joined by ", ".
+std::string namesOf(const std::vector<Heading>& headings);
+
+/// The columns under `headings`, in their order. REQUIRES: each heading is one of `columns`.
+template <class Answer>
+Columns<Answer> columnsUnder(const std::vector<Heading>& headings, const Columns<Answer>& columns)
+{
+    Columns<Answer> chosen;
+    for (const Heading& heading : headings)
+        chosen.push_back(
+            *std::find_if(columns.begin(), columns.end(), [&](const Column<Answer>& column) {
+                return column.heading.name == heading.name;
+            }));
+    return chosen;
+}
+
+} // namespace command
+
+#endif

@@ -1,0 +1,45 @@
+#ifndef OUTPUT_FIELD_H
+#define OUTPUT_FIELD_H
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace command {
+
+using Seconds = std::chrono::duration<double>;
+
+/// A step of a lookup: a command or, without one, a wait.
+struct Step {
+    std::string command;
+    std::optional<int> result; // of a command: 0 for success; nothing when it could not be run
+    Seconds duration;
+};
+
+using Steps = std::vector<Step>;
+
+/// A command line as it is run. Tables quote it for a shell.
+struct CommandLine {
+    std::string text;
+};
+
+/// One value of an answer; std::monostate where the library gives none. Each output decides how it
+/// looks.
+using Field =
+    std::variant<std::monostate, bool, std::int64_t, Seconds, std::string, CommandLine, Steps>;
+
+template <class Value>
+Field optionalField(const std::optional<Value>& value)
+{
+    return value ? Field(*value) : Field();
+}
+
+/// The fields of one answer, in the order of the columns.
+using Row = std::vector<Field>;
+
+} // namespace command
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef OUTPUT_RAW_OUTPUT_H
+#define OUTPUT_RAW_OUTPUT_H
+
+#include <vector>
+
+#include "output/columns.h"
+#include "output/output_stream.h"
+#include "output/row_writer.h"
+
+namespace command {
+
+/// Writes rows for programs: fields with one blank between them, blanks within them escaped.
+class RawOutput : public RowWriter {
+public:
+    /// Writes `headings` first.
+    RawOutput(OutputStream& output, const std::vector<Heading>& headings);
+    void write(const Row& row) override;
+
+private:
+    OutputStream& m_output;
+};
+
+} // namespace command
+
+#endif

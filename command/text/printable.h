@@ -1,0 +1,20 @@
+#ifndef TEXT_PRINTABLE_H
+#define TEXT_PRINTABLE_H
+
+#include <string>
+#include <string_view>
+
+namespace command {
+
+/// The text for people: what the locale cannot print and control characters (see czeprintable.h)
+/// become \xNN, byte by byte, NUL included, and so does a backslash before an 'x'. No name can
+/// forge a line or steer a terminal.
+std::string printable(std::string_view text);
+
+/// The text as one word for programs, the same in every locale: a blank, a backslash and whatever
+/// is not printable ASCII become \xNN.
+std::string printableWord(std::string_view text);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef KOVM_RETRY_POLICY_H
+#define KOVM_RETRY_POLICY_H
+
+#include <chrono>
+
+namespace kovm {
+
+/// How a lookup goes on when a disk's node is not found.
+struct RetryPolicy {
+    int attempts;
+    std::chrono::seconds pause; // after each attempt that failed, the last one too
+};
+
+inline constexpr RetryPolicy waitingPolicy{4, std::chrono::seconds(5)};
+inline constexpr RetryPolicy refreshingPolicy{4, std::chrono::seconds(10)};
+
+/// The policy of a lookup that waits, or refreshes.
+constexpr const RetryPolicy& retryPolicy(bool refresh)
+{
+    return refresh ? refreshingPolicy : waitingPolicy;
+}
+
+} // namespace kovm
+
+#endif

@@ -1,0 +1,212 @@
+#include "active/active_lookup.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/command/answer_json.h"
+#include "tests/support/recording_log.h"
+#include "tests/support/scripted_tools.h"
+
+namespace {
+
+using command::ActiveLookup;
+using command::Interrupted;
+using command::LookupStatus;
+using command::StopRequest;
+using koze_pdk_4_4::CZeTraceCallbackSink;
+using Row = nlohmann::ordered_json;
+
+constexpr char nodeQuery[] = "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc";
+constexpr char pathQuery[] = "/usr/sbin/kodmpadm   getsubpaths  dmpnodename=arr0_17";
+constexpr char rescan[] = "/usr/sbin/kodisk   scandisks  device=sdc";
+const std::vector<std::string> nodeTable{"NAME STATE", "====", "arr0_17 ENABLED"};
+const std::vector<std::string> pathTable{"NAME STATE", "====", "sdf ENABLED(A) PRIMARY"};
+
+class ActiveLookupTest : public testing::Test {
+protected:
+    Row lookUp(const std::string& path, bool refresh = false)
+    {
+        return answerJson(ActiveLookup(refresh, sink, stop, status).run(path),
+                          command::lookupColumns());
+    }
+
+    void findAtOnce() { tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0, pathTable); }
+
+    ScriptedTools tools;
+    StopRequest stop;
+    LookupStatus status;
+    koze_pdk_4_4::CZeTraceSinkHandle sink;
+};
+
+std::vector<std::string> outline(const Row& row)
+{
+    std::vector<std::string> steps;
+    for (const Row& step : row["timeline"])
+        steps.push_back(step.contains("wait")
+                            ? "wait"
+                            : step["command"].get<std::string>() + ": " + step["result"].dump());
+    return steps;
+}
+
+TEST_F(ActiveLookupTest, TellsTheActivePathAndHowItWasFound)
+{
+    tools.answer(nodeQuery, 3).answer(rescan, 0);
+    findAtOnce();
+    const Row row = lookUp("/dev/sdc");
+    EXPECT_EQ(row["name"], "/dev/sdc");
+    EXPECT_EQ(row["owner"], "native");
+    EXPECT_EQ(row["active"], "/dev/sdf");
+    EXPECT_EQ(row["changed"], true);
+    EXPECT_EQ(row["warning"], nullptr);
+    EXPECT_THAT(outline(row),
+                testing::ElementsAre(nodeQuery + std::string(": 3"), "wait",
+                                     rescan + std::string(": 0"), nodeQuery + std::string(": 0"),
+                                     pathQuery + std::string(": 0")));
+}
+
+TEST_F(ActiveLookupTest, ACommandThatCannotRunHasNoResult)
+{
+    tools.answer({nodeQuery, 0, {}, [] { throw koze_pdk_4_4::EZeExecPipe("no"); }});
+    tools.answer(rescan, 0);
+    findAtOnce();
+    EXPECT_EQ(outline(lookUp("/dev/sdc"))[0], nodeQuery + std::string(": null"));
+}
+
+TEST_F(ActiveLookupTest, APathThatIsActiveItselfHasNotChanged)
+{
+    const Row row = lookUp("/dev/mapper/mpatha");
+    EXPECT_EQ(row["owner"], "device-mapper");
+    EXPECT_EQ(row["active"], "/dev/mapper/mpatha");
+    EXPECT_EQ(row["changed"], false);
+    EXPECT_EQ(row["timeline"], Row::array());
+    EXPECT_TRUE(tools.events.empty());
+}
+
+TEST_F(ActiveLookupTest, AnUnclaimedPathHasNoActiveOne)
+{
+    const Row row = lookUp("sdc");
+    EXPECT_EQ(row["owner"], nullptr);
+    EXPECT_EQ(row["active"], nullptr);
+    EXPECT_EQ(row["changed"], false);
+}
+
+TEST_F(ActiveLookupTest, ANameThatTheToolsWouldMisreadIsNotLookedUp)
+{
+    for (const bool refresh : {false, true}) {
+        const Row row = lookUp("/dev/sdc force=yes", refresh);
+        EXPECT_EQ(row["owner"], "native");
+        EXPECT_EQ(row["active"], nullptr);
+        EXPECT_EQ(row["changed"], false);
+        EXPECT_EQ(row["timeline"], Row::array());
+        EXPECT_EQ(row["warning"], "not looked up: it holds a space, which separates the arguments "
+                                  "of the volume manager's tools");
+    }
+    EXPECT_TRUE(tools.events.empty());
+}
+
+TEST_F(ActiveLookupTest, OtherDriversPathsMayHoldAnything)
+{
+    EXPECT_EQ(lookUp("/dev/mapper/mpatha b,c")["active"], "/dev/mapper/mpatha b,c");
+}
+
+TEST_F(ActiveLookupTest, AnActivePathThatLeavesDevHasAWarning)
+{
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, {"NAME STATE", "====", "../etc/shadow ENABLED(A) PRIMARY"});
+    const Row row = lookUp("/dev/sdc");
+    EXPECT_EQ(row["active"], "/dev/../etc/shadow");
+    EXPECT_EQ(row["changed"], true);
+    EXPECT_EQ(row["warning"], "do not use the active path '/dev/../etc/shadow': it leaves /dev");
+}
+
+TEST_F(ActiveLookupTest, AnUnchangedPathIsTheCallersOwn)
+{
+    const std::string path = "/dev/../dev/sdc";
+    tools.installed = false;
+    EXPECT_EQ(lookUp(path)["warning"], nullptr);
+}
+
+TEST_F(ActiveLookupTest, RefreshingRemovesTheNode)
+{
+    tools.answer(nodeQuery, 0, nodeTable).answer("/usr/sbin/kodisk   rm arr0_17", 0);
+    tools.answer("/usr/sbin/kodisk   scandisks ", 0);
+    findAtOnce();
+    EXPECT_EQ(lookUp("/dev/sdc", true)["active"], "/dev/sdf");
+}
+
+TEST_F(ActiveLookupTest, TheUsersSinkGetsTheLinesThatItWants)
+{
+    std::vector<Line> lines;
+    sink = new CZeTraceCallbackSink(3, [&](int level, std::string_view text) {
+        lines.push_back({level, std::string(text)});
+    });
+    findAtOnce();
+    lookUp("/dev/sdc");
+    EXPECT_THAT(lines,
+                testing::ElementsAre(Line{3, std::string("ExecuteCommand command: ") + nodeQuery},
+                                     Line{3, std::string("ExecuteCommand command: ") + pathQuery}));
+}
+
+TEST_F(ActiveLookupTest, AfterTheRequestToStopNoToolStarts)
+{
+    stop.request();
+    EXPECT_THROW(lookUp("/dev/sdc"), Interrupted);
+    EXPECT_TRUE(tools.events.empty());
+    EXPECT_FALSE(stop.toolsRun());
+}
+
+TEST_F(ActiveLookupTest, TheRequestToStopEndsItBehindTheToolThatRuns)
+{
+    tools.answer({nodeQuery, 1015, {}, [this] {
+                      EXPECT_TRUE(stop.toolsRun());
+                      stop.request();
+                  }});
+    EXPECT_THROW(lookUp("/dev/sdc"), Interrupted);
+    EXPECT_FALSE(stop.toolsRun());
+    EXPECT_EQ(tools.liveRunners, 0);
+    EXPECT_EQ(tools.events.back(), nodeQuery);
+}
+
+TEST_F(ActiveLookupTest, NoLineEndsItWhileTheToolRuns)
+{
+    tools.answer({nodeQuery, 0, nodeTable, [this] {
+                      stop.request();
+                      // As the runner does with its own lines.
+                      koze_pdk_4_4::CZeTraceLog* log = tools.runnerLog;
+                      EXPECT_NO_THROW(log->trace(6, "Command took 1 ms."));
+                  }});
+    EXPECT_THROW(lookUp("/dev/sdc"), Interrupted);
+}
+
+TEST_F(ActiveLookupTest, AToolThatEndsInAnExceptionRunsNoMore)
+{
+    tools.answer({nodeQuery, 0, {}, [] { throw std::bad_alloc(); }});
+    EXPECT_THROW(lookUp("/dev/sdc"), std::bad_alloc);
+    EXPECT_FALSE(stop.toolsRun());
+}
+
+TEST_F(ActiveLookupTest, ItsStatusTellsWhatItDoes)
+{
+    tools.answer({nodeQuery, 0, nodeTable, [this] {
+                      const auto activity = status.get();
+                      ASSERT_TRUE(activity);
+                      EXPECT_EQ(activity->path, "/dev/sdc");
+                      EXPECT_EQ(activity->command, nodeQuery);
+                      EXPECT_FALSE(activity->isWaiting);
+                      EXPECT_EQ(activity->attempt, 1);
+                  }});
+    tools.answer(pathQuery, 0, pathTable);
+    lookUp("/dev/sdc");
+    EXPECT_FALSE(status.get());
+}
+
+TEST_F(ActiveLookupTest, ItsStatusTellsTheAttempt)
+{
+    int attempt = 0;
+    tools.answer(nodeQuery, 3).answer(rescan, 0);
+    tools.answer({nodeQuery, 0, nodeTable, [&] { attempt = status.get()->attempt; }});
+    tools.answer(pathQuery, 0, pathTable);
+    lookUp("/dev/sdc");
+    EXPECT_EQ(attempt, 2);
+}
+
+} // namespace

@@ -1,0 +1,345 @@
+#include "active/lookup_pool.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <future>
+#include <stdexcept>
+
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include "interrupt/stop_request.h"
+
+namespace {
+
+/// So many threads can still be started; no limit without a number.
+std::optional<int> threadsLeft;
+
+} // namespace
+
+/// Takes the place of the C library's.
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                              void* (*start)(void*), void* argument) noexcept
+{
+    if (threadsLeft && (*threadsLeft)-- <= 0)
+        return EAGAIN;
+    const auto real =
+        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    return real(thread, attributes, start, argument);
+}
+
+namespace {
+
+using namespace std::chrono_literals;
+using command::LookupPool;
+using command::LookupResult;
+using testing::ElementsAre;
+
+LookupResult named(const std::string& name)
+{
+    LookupResult result;
+    result.name = name;
+    return result;
+}
+
+LookupPool::Source source(std::vector<std::string> paths)
+{
+    return [paths = std::move(paths), position = std::size_t{0}]() mutable {
+        return position < paths.size() ? std::optional(paths[position++]) : std::nullopt;
+    };
+}
+
+/// The answers up to the end.
+std::vector<std::string> answers(LookupPool& pool)
+{
+    std::vector<std::string> all;
+    LookupResult result;
+    while (pool.next(result, 10s) == LookupPool::Next::result)
+        all.push_back(result.name);
+    return all;
+}
+
+TEST(LookupPool, AnswersComeInTheOrderOfThePaths)
+{
+    std::promise<void> secondIsDone;
+    LookupPool pool(2, source({"a", "b", "c"}), [&](const std::string& path, unsigned int) {
+        if (path == "a")
+            secondIsDone.get_future().wait();
+        if (path == "b")
+            secondIsDone.set_value();
+        return named(path + "!");
+    });
+    EXPECT_THAT(answers(pool), ElementsAre("a!", "b!", "c!"));
+    EXPECT_EQ(pool.handedOut(), 3U);
+}
+
+TEST(LookupPool, AnAnswerComesWhileLaterOnesAreAwaited)
+{
+    std::promise<void> firstIsTaken;
+    std::shared_future<void> taken(firstIsTaken.get_future());
+    LookupPool pool(2, source({"a", "b"}), [taken](const std::string& path, unsigned int) {
+        if (path == "b")
+            taken.wait();
+        return named(path);
+    });
+    LookupResult result;
+    EXPECT_EQ(pool.next(result, 10s), LookupPool::Next::result);
+    EXPECT_EQ(result.name, "a");
+    EXPECT_EQ(pool.next(result, 1ms), LookupPool::Next::pending);
+    firstIsTaken.set_value();
+    EXPECT_THAT(answers(pool), ElementsAre("b"));
+}
+
+TEST(LookupPool, NoAnswerAndNoEndWaitsForPatienceToPass)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    std::promise<void> firstIsTaken;
+    LookupPool pool(
+        1,
+        [&, calls = 0]() mutable -> std::optional<std::string> {
+            if (++calls == 1)
+                return "a";
+            firstIsTaken.get_future().wait();
+            std::this_thread::sleep_for(20ms);
+            return std::nullopt;
+        },
+        [](const std::string& path, unsigned int) {
+            std::this_thread::sleep_for(20ms);
+            return named(path);
+        });
+    LookupResult result;
+    EXPECT_EQ(pool.next(result, 10s), LookupPool::Next::result);
+    firstIsTaken.set_value();
+    EXPECT_EQ(pool.next(result, 10s), LookupPool::Next::end);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
+}
+
+TEST(LookupPool, EveryWorkerHasItsNumberAndAllWorkAtOnce)
+{
+    constexpr unsigned int workers = 4;
+    std::atomic<unsigned int> met{0};
+    std::atomic<unsigned int> numbers{0};
+    LookupPool pool(workers, source({"a", "b", "c", "d"}),
+                    [&](const std::string& path, unsigned int worker) {
+                        numbers |= 1U << worker;
+                        ++met;
+                        while (met < workers)
+                            std::this_thread::yield();
+                        return named(path);
+                    });
+    EXPECT_EQ(answers(pool).size(), 4U);
+    EXPECT_EQ(numbers, 0xfU);
+}
+
+TEST(LookupPool, ItWorksWithAsManyThreadsAsThereCanBe)
+{
+    threadsLeft = 2;
+    LookupPool pool(64, source({"a", "b", "c"}),
+                    [](const std::string& path, unsigned int) { return named(path); });
+    threadsLeft.reset();
+    EXPECT_THAT(answers(pool), ElementsAre("a", "b", "c"));
+}
+
+TEST(LookupPool, WithoutAnyThreadItSaysSo)
+{
+    threadsLeft = 0;
+    try {
+        const LookupPool pool(64, source({"a"}),
+                              [](const std::string& path, unsigned int) { return named(path); });
+        ADD_FAILURE() << "it started";
+    } catch (const std::system_error& error) {
+        EXPECT_STREQ(error.what(), "cannot start a thread: Resource temporarily unavailable");
+    }
+    threadsLeft.reset();
+}
+
+TEST(LookupPool, WithoutPathsItEnds)
+{
+    LookupPool pool(3, source({}),
+                    [](const std::string& path, unsigned int) { return named(path); });
+    LookupResult result;
+    EXPECT_EQ(pool.next(result, 10s), LookupPool::Next::end);
+}
+
+TEST(LookupPool, WhatTheWorkThrowsTakesThePlaceOfItsAnswer)
+{
+    LookupPool pool(1, source({"a", "b"}), [](const std::string& path, unsigned int) {
+        if (path == "b")
+            throw std::runtime_error("no b");
+        return named(path);
+    });
+    LookupResult result;
+    EXPECT_EQ(pool.next(result, 10s), LookupPool::Next::result);
+    EXPECT_THROW(pool.next(result, 10s), std::runtime_error);
+}
+
+TEST(LookupPool, WhatTheSourceThrowsComesBehindTheAnswersBefore)
+{
+    int calls = 0;
+    LookupPool pool(
+        1,
+        [&]() -> std::optional<std::string> {
+            if (++calls == 2)
+                throw std::runtime_error("cannot read");
+            return "a";
+        },
+        [](const std::string& path, unsigned int) { return named(path); });
+    LookupResult result;
+    EXPECT_EQ(pool.next(result, 10s), LookupPool::Next::result);
+    EXPECT_THROW(pool.next(result, 10s), std::runtime_error);
+    EXPECT_EQ(calls, 2);
+}
+
+TEST(LookupPool, TheSourceIsNotAskedAgainBehindItsEnd)
+{
+    int calls = 0;
+    LookupPool pool(
+        4,
+        [&]() -> std::optional<std::string> {
+            return ++calls == 1 ? std::optional<std::string>("a") : std::nullopt;
+        },
+        [](const std::string& path, unsigned int) { return named(path); });
+    EXPECT_THAT(answers(pool), ElementsAre("a"));
+    EXPECT_EQ(calls, 2);
+}
+
+TEST(LookupPool, AnInterruptedWorkerLeavesNoAnswer)
+{
+    LookupPool pool(1, source({"a", "b"}), [](const std::string& path, unsigned int) {
+        if (path == "b")
+            throw command::Interrupted();
+        return named(path);
+    });
+    EXPECT_THAT(answers(pool), ElementsAre("a"));
+}
+
+/// A pool whose source has no end: "0", "1" and so on. The first path is answered when the test
+/// says so, the others at once.
+class EndlessPool {
+public:
+    explicit EndlessPool(unsigned int workers)
+        : m_pool(std::make_unique<LookupPool>(
+              workers, [calls = m_calls] { return std::to_string((*calls)++); },
+              [first = m_first.get_future().share()](const std::string& path, unsigned int) {
+                  if (path == "0")
+                      first.get();
+                  return named(path);
+              }))
+    {}
+
+    void answerFirst() { m_first.set_value(); }
+    void failFirst(const std::exception_ptr& failure) { m_first.set_exception(failure); }
+
+    LookupPool& operator*() { return *m_pool; }
+    void destroyPool() { m_pool.reset(); }
+
+    /// Waits until the source has been asked so often, and returns whether that was the last time
+    /// for now.
+    bool isAskedExactly(std::size_t times) const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + 10s;
+        while (*m_calls < times && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(20ms);
+        return *m_calls == times;
+    }
+
+    /// Whether no worker is left: each holds on to what the source uses.
+    bool isLeftByWorkers() const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + 10s;
+        while (m_calls.use_count() > 1 && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::yield();
+        return m_calls.use_count() == 1;
+    }
+
+private:
+    std::promise<void> m_first;
+    std::shared_ptr<std::atomic<std::size_t>> m_calls =
+        std::make_shared<std::atomic<std::size_t>>(0);
+    std::unique_ptr<LookupPool> m_pool;
+};
+
+class LookupPoolWindow : public testing::TestWithParam<unsigned int> {
+protected:
+    EndlessPool pool{GetParam()};
+};
+
+INSTANTIATE_TEST_SUITE_P(Workers, LookupPoolWindow, testing::Values(2U, 64U));
+
+TEST_P(LookupPoolWindow, NoPathIsTakenThatIsTooFarBehindTheFirst)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.answerFirst();
+}
+
+TEST_P(LookupPoolWindow, EachAnswerHandedOutLetsOneMorePathIn)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.answerFirst();
+    LookupResult result;
+    for (std::size_t number = 0; number < 3; ++number) {
+        ASSERT_EQ((*pool).next(result, 10s), LookupPool::Next::result);
+        EXPECT_EQ(result.name, std::to_string(number));
+        EXPECT_TRUE(pool.isAskedExactly(LookupPool::window + number + 1));
+    }
+}
+
+TEST_P(LookupPoolWindow, NoAnswerIsLostAsItMovesOn)
+{
+    pool.answerFirst();
+    LookupResult result;
+    for (std::size_t number = 0; number < 3 * LookupPool::window; ++number) {
+        ASSERT_EQ((*pool).next(result, 10s), LookupPool::Next::result);
+        ASSERT_EQ(result.name, std::to_string(number));
+    }
+    EXPECT_EQ((*pool).handedOut(), 3 * LookupPool::window);
+}
+
+TEST_P(LookupPoolWindow, WorkersThatWaitEndWhenThePoolGoes)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.destroyPool();
+    pool.answerFirst();
+    EXPECT_TRUE(pool.isLeftByWorkers());
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+}
+
+TEST_P(LookupPoolWindow, WorkersThatWaitEndWhenOneIsInterrupted)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.failFirst(std::make_exception_ptr(command::Interrupted()));
+    LookupResult result;
+    EXPECT_EQ((*pool).next(result, 10s), LookupPool::Next::end);
+}
+
+TEST_P(LookupPoolWindow, WorkersThatWaitEndBehindAFailure)
+{
+    EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
+    pool.failFirst(std::make_exception_ptr(std::runtime_error("no 0")));
+    LookupResult result;
+    EXPECT_THROW((*pool).next(result, 10s), std::runtime_error);
+    EXPECT_EQ((*pool).next(result, 10s), LookupPool::Next::end);
+}
+
+TEST(LookupPool, ItDoesNotWaitForWorkersThatAreBusyWhenItGoes)
+{
+    auto begun = std::make_shared<std::promise<void>>();
+    auto goOn = std::make_shared<std::promise<void>>();
+    auto done = std::make_shared<std::promise<void>>();
+    {
+        const LookupPool pool(1, source({"a"}),
+                              [begun, goOn, done](const std::string& path, unsigned int) {
+                                  begun->set_value();
+                                  goOn->get_future().wait();
+                                  done->set_value();
+                                  return named(path);
+                              });
+        begun->get_future().wait();
+    }
+    goOn->set_value();
+    done->get_future().wait();
+}
+
+} // namespace

@@ -1,0 +1,105 @@
+#include "active/terminal_line.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "tests/support/terminal.h"
+
+namespace {
+
+using command::TerminalLine;
+
+class TerminalLineTest : public testing::Test {
+protected:
+    std::string written() const { return terminal.written(); }
+
+    Terminal terminal{{24, 20, 0, 0}};
+};
+
+TEST_F(TerminalLineTest, ATextTakesThePlaceOfTheOneBefore)
+{
+    TerminalLine line(terminal.descriptor());
+    line.show("one");
+    EXPECT_EQ(written(), "\rone\x1b[K");
+    line.show("two");
+    EXPECT_EQ(written(), "\rtwo\x1b[K");
+}
+
+TEST_F(TerminalLineTest, TheSameTextIsWrittenOnce)
+{
+    TerminalLine line(terminal.descriptor());
+    line.show("one");
+    line.show("one");
+    EXPECT_EQ(written(), "\rone\x1b[K");
+}
+
+TEST_F(TerminalLineTest, TheLastColumnStaysFree)
+{
+    TerminalLine line(terminal.descriptor());
+    line.show("1234567890123456789");
+    EXPECT_EQ(written(), "\r1234567890123456789\x1b[K");
+    line.show("abcdefghijklmnopqrstuvwxyz");
+    EXPECT_EQ(written(), "\rabcdefghijklmnopqrs\x1b[K");
+}
+
+TEST_F(TerminalLineTest, ATerminalWithoutAWidthHas80Columns)
+{
+    const winsize none{};
+    ASSERT_EQ(ioctl(terminal.descriptor(), TIOCSWINSZ, &none), 0);
+    TerminalLine line(terminal.descriptor());
+    line.show(std::string(100, 'x'));
+    EXPECT_EQ(written(), "\r" + std::string(79, 'x') + "\x1b[K");
+}
+
+TEST_F(TerminalLineTest, OnlyAShownLineIsErased)
+{
+    TerminalLine line(terminal.descriptor());
+    line.erase();
+    EXPECT_EQ(written(), "");
+    line.show("one");
+    line.erase();
+    line.erase();
+    EXPECT_EQ(written(), "\rone\x1b[K\r\x1b[K");
+    line.show("one");
+    EXPECT_EQ(written(), "\rone\x1b[K");
+}
+
+TEST_F(TerminalLineTest, AClosedLineIsEmptyForGood)
+{
+    TerminalLine line(terminal.descriptor());
+    line.show("one");
+    line.close();
+    line.show("two");
+    EXPECT_EQ(written(), "\rone\x1b[K\r\x1b[K");
+}
+
+TEST_F(TerminalLineTest, ATerminalThatTakesNoOutputHoldsNobodyUp)
+{
+    fcntl(terminal.descriptor(), F_SETFL, O_NONBLOCK);
+    while (write(terminal.descriptor(), "x", 1) == 1)
+        continue;
+    fcntl(terminal.descriptor(), F_SETFL, 0);
+    TerminalLine line(terminal.descriptor());
+    std::thread blocked([&line] { line.show("one"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    line.close();
+    while (written().find("one") == std::string::npos)
+        std::this_thread::yield();
+    blocked.join();
+}
+
+TEST(TerminalLine, NothingIsWrittenUnlessItIsATerminal)
+{
+    const Pipe pipe = makePipe();
+    TerminalLine line(pipe.writer.number());
+    line.show("one");
+    line.erase();
+    line.close();
+    fcntl(pipe.reader.number(), F_SETFL, O_NONBLOCK);
+    char byte = 0;
+    EXPECT_EQ(read(pipe.reader.number(), &byte, 1), -1);
+}
+
+} // namespace

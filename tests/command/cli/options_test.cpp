@@ -1,0 +1,283 @@
+#include "cli/options.h"
+
+#include <sstream>
+
+#include <gmock/gmock.h>
+
+#include "cli/usage_error.h"
+#include "commands.h"
+#include "kovm/retry_policy.h"
+
+using command::Form;
+using command::namesOf;
+using command::Options;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+Options options(const Arguments& arguments)
+{
+    return std::get<Options>(command::parseOptions(arguments, command::subcommands()));
+}
+
+std::string information(const Arguments& arguments)
+{
+    return std::get<command::Information>(command::parseOptions(arguments, command::subcommands()));
+}
+
+/// What is wrong with the arguments; the subcommand whose help tells more stands in front.
+std::string complaint(const Arguments& arguments)
+{
+    try {
+        command::parseOptions(arguments, command::subcommands());
+        return "none";
+    } catch (const command::UsageError& error) {
+        return error.subcommand() + ": " + error.what();
+    }
+}
+
+TEST(Options, EverySubcommandIsKnown)
+{
+    for (const command::Subcommand& subcommand : command::subcommands()) {
+        Arguments arguments{subcommand.name};
+        if (subcommand.arguments != command::Arguments::none)
+            arguments.emplace_back("x");
+        if (subcommand.arguments == command::Arguments::diskAndNumber)
+            arguments.emplace_back("1");
+        EXPECT_EQ(options(arguments).subcommand, &subcommand);
+    }
+}
+
+TEST(Options, PathsAreTakenAsTheyAre)
+{
+    const Arguments paths{"[a,b]", "{}", "", "++", "list", "a b", "[", "-", "\xff"};
+    Arguments arguments{"show"};
+    arguments.insert(arguments.end(), paths.begin(), paths.end());
+    EXPECT_EQ(options(arguments).paths, paths);
+}
+
+TEST(Options, BehindTwoHyphensThereAreOnlyValues)
+{
+    EXPECT_THAT(options({"show", "a", "--", "-J", "--", "--x=", "show", "[]", ""}).paths,
+                ElementsAre("a", "-J", "--", "--x=", "show", "[]", ""));
+    EXPECT_THAT(options({"strip", "--", "-J"}).paths, ElementsAre("-J"));
+    EXPECT_EQ(options({"append", "--", "-d", "7"}).partnum, 7U);
+}
+
+TEST(Options, GlobalOptionsStandBeforeOrBehindTheSubcommand)
+{
+    for (const Arguments& arguments :
+         {Arguments{"-J", "--trace=3", "-o", "NAME", "show", "x"},
+          Arguments{"show", "x", "-J", "--trace=3", "-oNAME"},
+          Arguments{"--json", "show", "--trace=3", "x", "--output=name"}}) {
+        const Options parsed = options(arguments);
+        EXPECT_EQ(parsed.form, Form::json);
+        EXPECT_EQ(parsed.trace.level, 3);
+        EXPECT_EQ(namesOf(parsed.columns), "NAME");
+    }
+}
+
+TEST(Options, ListAndShowMakeTables)
+{
+    EXPECT_EQ(options({"list"}).form, Form::table);
+    EXPECT_EQ(options({"show", "x"}).form, Form::table);
+    EXPECT_EQ(options({"show", "x", "-r"}).form, Form::raw);
+    EXPECT_EQ(options({"show", "x", "-r", "-J"}).form, Form::json);
+}
+
+TEST(Options, TheOthersAnswerBareUnlessColumnsAreChosen)
+{
+    EXPECT_EQ(options({"strip", "x"}).form, Form::bare);
+    EXPECT_EQ(options({"prefixes"}).form, Form::bare);
+    EXPECT_EQ(options({"append", "x", "1"}).form, Form::bare);
+    EXPECT_EQ(options({"append", "x", "1", "-o", "PATH"}).form, Form::table);
+    EXPECT_EQ(options({"append", "x", "1", "-o", "PATH", "-r"}).form, Form::raw);
+    EXPECT_EQ(options({"explain", "x"}).form, Form::text);
+    EXPECT_EQ(options({"explain", "x", "-J"}).form, Form::json);
+}
+
+TEST(Options, HeadingsAreForTables)
+{
+    EXPECT_TRUE(options({"list", "-r"}).withHeadings);
+    EXPECT_FALSE(options({"list", "-n"}).withHeadings);
+    EXPECT_TRUE(options({"strip", "x", "-o", "NAME"}).withHeadings);
+    EXPECT_FALSE(options({"strip", "x", "-r"}).withHeadings);
+}
+
+TEST(Options, ColumnsDependOnTheSubcommand)
+{
+    EXPECT_EQ(namesOf(options({"strip", "x"}).columns), "DISK");
+    EXPECT_EQ(namesOf(options({"strip", "x", "-J"}).columns),
+              "NAME, OWNER, CLAIM, PARTITION, DISK, PARTNUM");
+    EXPECT_EQ(namesOf(options({"strip", "x", "-o", "+NAME"}).columns), "DISK, NAME");
+    EXPECT_EQ(namesOf(options({"append", "x", "1", "-J"}).columns),
+              "PATH, DISK, PARTNUM, OWNER, CLAIM");
+    EXPECT_EQ(namesOf(options({"prefixes", "-o", "+OWNER"}).columns), "PREFIX, OWNER");
+    EXPECT_EQ(namesOf(options({"list", "-o", "name", "-o", "disk"}).columns), "DISK");
+}
+
+TEST(Options, PartitionNumbersAreDecimalAndFit)
+{
+    EXPECT_EQ(options({"append", "x", "0"}).partnum, 0U);
+    EXPECT_EQ(options({"append", "x", "4294967295"}).partnum, 4294967295U);
+    for (const std::string number : {"-1", "4294967296", "1x", "x1", "", "+1", " 1", "1 ", "0x1",
+                                     "1.0", "-0", "99999999999999999999"})
+        EXPECT_EQ(complaint({"append", "x", number}),
+                  "append: '" + number + "' is not a partition number (0 to 4294967295)");
+}
+
+TEST(Options, TracingIsOffUnlessAskedFor)
+{
+    EXPECT_EQ(options({"list"}).trace.level, std::nullopt);
+    EXPECT_EQ(options({"list"}).trace.file, std::nullopt);
+    EXPECT_EQ(options({"list", "--trace-file", "f"}).trace.file, "f");
+    EXPECT_EQ(options({"list", "--trace-file=f"}).trace.level, std::nullopt);
+}
+
+TEST(Options, TraceHasALevelAndNeverTakesTheNextArgument)
+{
+    const Options parsed = options({"show", "--trace", "3"});
+    EXPECT_EQ(parsed.trace.level, 6);
+    EXPECT_THAT(parsed.paths, ElementsAre("3"));
+    EXPECT_EQ(options({"--trace", "list"}).trace.level, 6);
+    for (int level = 1; level <= 6; ++level)
+        EXPECT_EQ(options({"list", "--trace=" + std::to_string(level)}).trace.level, level);
+    EXPECT_EQ(options({"list", "--trace=1", "--trace=2"}).trace.level, 2);
+}
+
+TEST(Options, OtherTraceLevelsAreErrors)
+{
+    for (const std::string level : {"0", "7", "-1", "x", "true", "false", "3x", "[3]"})
+        EXPECT_EQ(complaint({"list", "--trace=" + level}),
+                  "list: '" + level + "' is not a trace level (1 to 6)");
+}
+
+TEST(Options, NulSeparatedInputCanBeForced)
+{
+    EXPECT_FALSE(options({"show", "-"}).nulSeparated);
+    EXPECT_TRUE(options({"show", "-", "-0"}).nulSeparated);
+    EXPECT_TRUE(options({"explain", "--null", "-"}).nulSeparated);
+    EXPECT_EQ(complaint({"list", "-0"}), "list: unknown option '-0'");
+}
+
+TEST(Options, OptionsOfTheSubcommandsOwnAreKnownWhenTheyAreGiven)
+{
+    const Options usual = options({"active", "x"});
+    EXPECT_FALSE(usual.isGiven("--refresh"));
+    EXPECT_EQ(usual.value("--jobs"), std::nullopt);
+    const Options told = options({"active", "x", "--refresh", "-j", "2", "-j64"});
+    EXPECT_TRUE(told.isGiven("--refresh"));
+    EXPECT_FALSE(told.isGiven("--dry-run"));
+    EXPECT_EQ(told.value("--jobs"), "64");
+    EXPECT_EQ(complaint({"show", "x", "--refresh"}), "show: unknown option '--refresh'");
+}
+
+TEST(Options, WhatIsNotKnownIsNamed)
+{
+    EXPECT_EQ(complaint({"frobnicate"}), ": unknown subcommand 'frobnicate'");
+    EXPECT_EQ(complaint({"--frob", "list"}), "list: unknown option '--frob'");
+    EXPECT_EQ(complaint({"show", "--frob"}), "show: unknown option '--frob'");
+    EXPECT_EQ(complaint({"show", "x", "-x"}), "show: unknown option '-x'");
+    EXPECT_EQ(complaint({"list", "x"}), "list: unexpected argument 'x'");
+    EXPECT_EQ(complaint({"append", "x", "1", "2"}), "append: unexpected argument '2'");
+    EXPECT_EQ(complaint({"append", "x", "1", "--", "-2"}), "append: unexpected argument '-2'");
+    EXPECT_EQ(complaint({"list", "-o", "[NAME]"}).substr(0, 28), "list: unknown column '[NAME]");
+}
+
+TEST(Options, WhatIsMissingIsNamed)
+{
+    EXPECT_EQ(complaint({}), ": A subcommand is required");
+    EXPECT_EQ(complaint({"show"}), "show: PATH is required");
+    EXPECT_EQ(complaint({"append"}), "append: DISK is required");
+    EXPECT_EQ(complaint({"append", "x"}), "append: N is required");
+    EXPECT_EQ(complaint({"list", "-o"}), "list: --output needs a value");
+    EXPECT_EQ(complaint({"list", "--trace-file"}), "list: --trace-file needs a value");
+    EXPECT_EQ(complaint({"list", "--output="}), ": option '--output=' lacks its value");
+    EXPECT_EQ(complaint({"--trace=", "list"}), ": option '--trace=' lacks its value");
+}
+
+TEST(Options, FlagsTakeNoValue)
+{
+    EXPECT_EQ(complaint({"list", "--json=no"}), "list: --json takes no value");
+    EXPECT_EQ(complaint({"show", "x", "--null=1"}), "show: --null takes no value");
+}
+
+TEST(Options, ExplainAndDoctorTakeNoOptionsOfTables)
+{
+    for (const std::string name : {"explain", "doctor"}) {
+        std::string reason = name + ": ";
+        reason += name + " prints no columns and takes no ";
+        EXPECT_EQ(complaint({name, "x", "-o", "NAME"}), reason + "--output");
+        EXPECT_EQ(complaint({name, "x", "-n"}), reason + "--noheadings");
+        EXPECT_EQ(complaint({name, "x", "-r"}), reason + "--raw");
+        EXPECT_EQ(complaint({name, "x", "-J", "-r"}), reason + "--raw");
+        EXPECT_THAT(information({name, "-h"}), testing::Not(HasSubstr("-n, ")));
+    }
+    EXPECT_THAT(information({"show", "-h"}), HasSubstr("-n, "));
+}
+
+TEST(Options, DoctorNeedsNoPathsAndPrintsText)
+{
+    EXPECT_EQ(options({"doctor"}).form, Form::text);
+    EXPECT_THAT(options({"doctor"}).paths, testing::IsEmpty());
+    EXPECT_EQ(options({"doctor", "-J"}).form, Form::json);
+    EXPECT_THAT(options({"doctor", "/dev/sda", "/dev/sdb"}).paths,
+                testing::ElementsAre("/dev/sda", "/dev/sdb"));
+}
+
+TEST(Options, HelpIsAnAnswer)
+{
+    EXPECT_THAT(information({"--help"}), HasSubstr("Exit status:"));
+    for (const command::Subcommand& subcommand : command::subcommands()) {
+        EXPECT_THAT(information({"-h"}), HasSubstr("\n  " + subcommand.name));
+        EXPECT_THAT(information({subcommand.name, "--help"}),
+                    HasSubstr("Usage: dmpclaim " + subcommand.name));
+    }
+    EXPECT_THAT(information({"show", "--frob", "-h"}), HasSubstr("Usage: dmpclaim show"));
+}
+
+TEST(Options, HelpTellsWhatIsAskedBesidesNames)
+{
+    EXPECT_THAT(information({"--help"}),
+                HasSubstr("is told from the path alone, which need not\n"
+                          "exist; 'active' and 'doctor' ask the volume manager's tools as well."));
+    EXPECT_THAT(information({"active", "--help"}),
+                HasSubstr("Remove the disk's node from the volume manager"));
+}
+
+void expectLinesThatFit(const std::string& help)
+{
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_LE(line.size(), 80U) << line;
+}
+
+TEST(Options, HelpFitsATerminal)
+{
+    expectLinesThatFit(information({"-h"}));
+    for (const command::Subcommand& subcommand : command::subcommands())
+        expectLinesThatFit(information({subcommand.name, "-h"}));
+}
+
+TEST(Options, HelpTellsTheLibrarysRetries)
+{
+    const std::string help = information({"active", "--help"});
+    const auto& [waits, pause] = kovm::waitingPolicy;
+    EXPECT_THAT(help, HasSubstr(std::to_string(pause.count()) + " seconds, up to " +
+                                std::to_string(waits) + " times"));
+    const auto& [refreshes, between] = kovm::refreshingPolicy;
+    EXPECT_THAT(help,
+                testing::ContainsRegex("up to " + std::to_string(refreshes) + " times, with " +
+                                       std::to_string(between.count()) + "[ \n]+seconds between"));
+}
+
+TEST(Options, TheVersionIsAnAnswer)
+{
+    EXPECT_EQ(information({"-V"}), "dmpclaim " DMPCLAIM_VERSION "\n");
+    EXPECT_EQ(information({"show", "--version"}), "dmpclaim " DMPCLAIM_VERSION "\n");
+}
+
+} // namespace

@@ -1,0 +1,339 @@
+#include "interrupt/end_tools.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "interrupt/held_process.h"
+#include "interrupt/tool_processes.h"
+#include "tests/command/interrupt/pidfd_kernel.h"
+#include "tests/command/interrupt/shell_tool.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int killed = koze_pdk_4_4::CZeExecPipeBase::killedBySignal + SIGKILL;
+
+/// With and without signals to groups by pidfd.
+class EndTools : public testing::TestWithParam<bool> {
+protected:
+    void SetUp() override
+    {
+        kernel.signalsGroups = GetParam();
+        pidfdKernel = &kernel;
+    }
+
+    void TearDown() override
+    {
+        pidfdKernel = nullptr;
+        prctl(PR_SET_CHILD_SUBREAPER, 0);
+    }
+
+    PidfdKernel kernel;
+
+    void endTools()
+    {
+        stop.request();
+        const Clock::time_point begin = Clock::now();
+        areGone = command::endTools(stop);
+        passed = Clock::now() - begin;
+    }
+
+    command::StopRequest stop;
+    Clock::duration passed{};
+    bool areGone = false;
+};
+
+INSTANTIATE_TEST_SUITE_P(Kernel, EndTools, testing::Bool(),
+                         [](const testing::TestParamInfo<bool>& test) {
+                             return test.param ? "OfToday" : "Before69";
+                         });
+
+TEST_P(EndTools, WithoutToolsThereIsNothingToDo)
+{
+    endTools();
+    EXPECT_LT(passed, std::chrono::milliseconds(400));
+    EXPECT_TRUE(areGone);
+}
+
+TEST_P(EndTools, ToolsAreAskedToEnd)
+{
+    const ShellTool one(stop, "sleep 100 & trap 'exit 3' TERM; ready; wait");
+    const ShellTool other(stop, "sleep 100 & trap 'exit 4' TERM; ready; wait");
+    endTools();
+    EXPECT_TRUE(areGone);
+    ASSERT_TRUE(one.isSessionGone());
+    ASSERT_TRUE(other.isSessionGone());
+    EXPECT_EQ(one.status(), 3);
+    EXPECT_EQ(other.status(), 4);
+}
+
+TEST_P(EndTools, WhatAToolStartedIsAskedToEndToo)
+{
+    const ShellTool tool(stop, "sleep 100 & trap '' TERM; ready; wait $!; exit 3");
+    endTools();
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(tool.status(), 3);
+}
+
+TEST_P(EndTools, WhatAToolStartedInAnotherGroupOfItsSessionEndsToo)
+{
+    const ShellTool tool(stop, "perl -e 'setpgrp; sleep 100' & trap '' TERM; ready; wait; exit 3");
+    endTools();
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(tool.status(), 3);
+}
+
+TEST_P(EndTools, AToolIsAskedOnce)
+{
+    const ShellTool tool(
+        stop, "trap 'asked=x$asked' TERM; ready; while [ -z \"$asked\" ]; do sleep 0.01; done; "
+              "sleep 0.1; exit ${#asked}");
+    endTools();
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(tool.status(), 1);
+}
+
+TEST_P(EndTools, AToolsNameMayLookLikeTheNextFields)
+{
+    const TemporaryFolder folder;
+    const std::string name = folder.file("a) Z 1 1 1");
+    std::filesystem::copy("/bin/sh", name);
+    const ShellTool tool(stop, "'" + name + "' -c 'ready; sleep 100; exit' & ready; wait");
+    endTools();
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_LT(passed, std::chrono::milliseconds(400));
+}
+
+TEST_P(EndTools, AToolThatDoesNotListenIsKilled)
+{
+    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 100; done");
+    endTools();
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_GE(passed, std::chrono::milliseconds(500));
+    EXPECT_EQ(tool.status(), killed);
+}
+
+TEST_P(EndTools, WhatAToolLeavesInItsSessionIsKilled)
+{
+    const ShellTool tool(stop, "(trap '' TERM; ready; exec sleep 100) & wait");
+    endTools();
+    EXPECT_TRUE(areGone);
+    EXPECT_TRUE(tool.isSessionGone());
+}
+
+/// On kernels that signal groups by pidfd.
+class EndToolsInGroups : public EndTools {
+protected:
+    void SetUp() override
+    {
+        EndTools::SetUp();
+        if (!command::HeldProcess(getpgrp()).groupHasMembers())
+            GTEST_SKIP() << "this kernel is older than 6.9";
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Kernel, EndToolsInGroups, testing::Values(true));
+
+TEST_P(EndToolsInGroups, WhatAToolStartsAtItsEndIsKilled)
+{
+    const ShellTool tool(stop, "trap '(trap \"\" TERM; exec sleep 100) & exit 3' TERM; ready; "
+                               "while :; do sleep 0.01; done");
+    endTools();
+    EXPECT_TRUE(areGone);
+    EXPECT_GE(passed, std::chrono::milliseconds(500));
+    EXPECT_TRUE(tool.isSessionGone());
+}
+
+/// A tool that starts a sleeper when it is let go, which happens before the first `signal` is sent.
+TEST_P(EndTools, WhatAToolWouldStartBeforeItsSignalIsNotMissed)
+{
+    for (const int signal : {SIGTERM, SIGKILL}) {
+        command::StopRequest request;
+        const TemporaryFolder folder;
+        const std::string fifo = folder.file("go");
+        ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+        const Descriptor go = openFile(fifo.c_str(), O_RDWR);
+        bool isLetGo = false;
+        kernel.beforeSend = [&](int sent) {
+            if (sent != signal || std::exchange(isLetGo, true))
+                return;
+            EXPECT_EQ(write(go.number(), "\n", 1), 1);
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        };
+        const ShellTool tool(request, std::string(signal == SIGKILL ? "trap '' TERM; " : "") +
+                                          "exec 3<>" + fifo +
+                                          "; ready; read go <&3; sleep 100 & wait");
+        request.request();
+        EXPECT_TRUE(command::endTools(request));
+        EXPECT_TRUE(isLetGo);
+        EXPECT_TRUE(tool.isSessionGone());
+    }
+}
+
+/// As when memory is exhausted in between.
+TEST_P(EndTools, AToolThatWasOnlyStoppedRunsOn)
+{
+    const ShellTool tool(stop, "trap 'exit 3' USR1; ready; while :; do sleep 0.01; done");
+    {
+        command::ToolProcesses tools;
+        tools.update();
+        tools.askToEnd();
+        siginfo_t status{};
+        EXPECT_EQ(waitid(P_PID, static_cast<id_t>(tool.id()), &status, WSTOPPED | WNOWAIT), 0);
+    }
+    kill(tool.id(), SIGUSR1);
+    EXPECT_EQ(tool.status(), 3);
+}
+
+TEST_P(EndTools, AStoppedToolEndsToo)
+{
+    const ShellTool tool(stop, "trap 'exit 3' TERM; ready; while :; do sleep 0.01; done");
+    kill(-tool.id(), SIGSTOP);
+    endTools();
+    ASSERT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(tool.status(), 3);
+}
+
+/// A child of the main thread that leads a session and waits.
+class OtherChild {
+public:
+    OtherChild() : m_id(fork())
+    {
+        if (m_id == 0) {
+            setsid();
+            for (;;)
+                pause();
+        }
+        while (getsid(m_id) != m_id)
+            std::this_thread::yield();
+    }
+    OtherChild(const OtherChild&) = delete;
+    OtherChild& operator=(const OtherChild&) = delete;
+    ~OtherChild()
+    {
+        kill(m_id, SIGKILL);
+        waitpid(m_id, nullptr, 0);
+    }
+
+    bool isRunning() const { return waitpid(m_id, nullptr, WNOHANG) == 0; }
+
+private:
+    pid_t m_id;
+};
+
+TEST_P(EndTools, ChildrenOfTheMainThreadAreNoTools)
+{
+    const OtherChild child;
+    const ShellTool tool(stop, "ready; sleep 100");
+    endTools();
+    EXPECT_TRUE(areGone);
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_TRUE(child.isRunning());
+}
+
+TEST_P(EndTools, ProcessesThatOthersStartedAreNoTools)
+{
+    Pipe pipe = makePipe();
+    const pid_t child = fork();
+    if (child == 0) {
+        const OtherChild grandchild;
+        if (write(pipe.writer.number(), "", 1) == 1)
+            pause();
+        _exit(1);
+    }
+    char ready = 0;
+    ASSERT_EQ(read(pipe.reader.number(), &ready, 1), 1);
+    const ShellTool tool(stop, "ready; sleep 100");
+    endTools();
+    EXPECT_TRUE(areGone);
+    const std::string children =
+        textOf("/proc/" + std::to_string(child) + "/task/" + std::to_string(child) + "/children");
+    ASSERT_FALSE(children.empty());
+    EXPECT_FALSE(isSessionGone(std::stoi(children)));
+    kill(std::stoi(children), SIGKILL);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+}
+
+/// Whether a child runs, which ends with that.
+bool endSleeper(pid_t id)
+{
+    const bool wasRunning = waitpid(id, nullptr, WNOHANG) == 0;
+    kill(id, SIGKILL);
+    waitpid(id, nullptr, 0);
+    return wasRunning;
+}
+
+TEST_P(EndTools, ADaemonThatASubreaperInheritsIsNoTool)
+{
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const pid_t daemon = inheritedSleeper("setsid");
+    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 100; done");
+    endTools();
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_TRUE(endSleeper(daemon));
+}
+
+TEST_P(EndTools, WhatAnEarlierToolLeftBehindIsNoTool)
+{
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const pid_t sleeper = inheritedSleeper("");
+    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 100; done");
+    endTools();
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_TRUE(endSleeper(sleeper));
+}
+
+TEST_P(EndTools, ADeadProcessThatNobodyLooksAfterIsNotWaitedFor)
+{
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const ShellTool tool(stop, "(exit 0) & ready; exec sleep 100");
+    endTools();
+    EXPECT_LT(passed, std::chrono::milliseconds(1500));
+}
+
+/// These take the whole two seconds; the kernel's age makes no difference.
+class EndToolsInVain : public EndTools {};
+
+INSTANTIATE_TEST_SUITE_P(Kernel, EndToolsInVain, testing::Values(true));
+
+TEST_P(EndToolsInVain, AProcessThatCannotBeHeldIsSpokenOf)
+{
+    kernel.pidfdsLeft = 1;
+    const ShellTool tool(stop, "sleep 100 & ready; wait");
+    endTools();
+    EXPECT_FALSE(areGone);
+    EXPECT_GT(kernel.denials, 0);
+    EXPECT_FALSE(tool.isSessionGone());
+    kill(-tool.id(), SIGKILL);
+}
+
+TEST_P(EndToolsInVain, AToolThatNothingEndsIsGivenUp)
+{
+    stop.beginTool();
+    endTools();
+    EXPECT_GE(passed, std::chrono::seconds(2));
+    EXPECT_FALSE(areGone);
+}
+
+TEST_P(EndToolsInVain, WithoutPidfdsNobodyIsEnded)
+{
+    kernel.hasPidfds = false;
+    const ShellTool tool(stop, "ready; sleep 100");
+    endTools();
+    EXPECT_FALSE(areGone);
+    EXPECT_FALSE(tool.isSessionGone());
+    EXPECT_GT(kernel.denials, 0);
+}
+
+} // namespace
