@@ -53,18 +53,6 @@ std::string textOf(const Ending& ending)
     }
 }
 
-const char* textOf(kovm::Fault fault)
-{
-    switch (fault) {
-    case kovm::Fault::noOutput:
-        return "no table";
-    case kovm::Fault::noHeader:
-        return "no header";
-    default:
-        return "a line before the header";
-    }
-}
-
 /// Whether no path is so long. The system starts no tool with an argument of 128 KiB: that would
 /// look like a fault of the tool.
 bool isTooLong(const std::string& name)
@@ -170,7 +158,7 @@ std::string ToolChecks::nodeOf(const std::string& path)
     const std::optional<Lines> answer = answerTo(question);
     if (!answer)
         return {};
-    const std::string node = kovm::firstNode(*answer).name;
+    std::string node = kovm::firstNode(*answer).name;
     if (isTooLong(node)) {
         reportNoTable(question, "a node's name that is longer than a path can be");
         return {};
@@ -247,7 +235,7 @@ std::optional<ToolChecks::Lines> ToolChecks::answerTo(const Question& question)
     const kovm::Fault fault = kovm::faultOf(output);
     if (fault == kovm::Fault::none)
         return output;
-    reportNoTable(question, textOf(fault));
+    reportNoTable(question, kovm::textOf(fault));
     return {};
 }
 

@@ -16,24 +16,32 @@ struct Facts {
     NameWarner warnOfName;
 };
 
-/// Has no value here: a built-in module without facts does not compile.
+/// Not defined in general: a built-in module without facts does not compile.
 template <class ClaimModule>
-constexpr Facts factsOf;
+Facts factsOf();
 
 template <>
-constexpr Facts factsOf<CNativePathClaim>{"native", "sd", true, warnOfNumberedName};
+Facts factsOf<CNativePathClaim>()
+{
+    return {"native", "sd", true, warnOfNumberedName};
+}
 
 template <>
-constexpr Facts factsOf<CDmpPowerPathClaim>{"powerpath", "emcpower", false, warnOfNumberedName};
+Facts factsOf<CDmpPowerPathClaim>()
+{
+    return {"powerpath", "emcpower", false, warnOfNumberedName};
+}
 
 template <>
-constexpr Facts factsOf<CDmpDeviceMapperClaim>{"device-mapper", "device-mapper", false,
-                                               warnOfMapperName};
+Facts factsOf<CDmpDeviceMapperClaim>()
+{
+    return {"device-mapper", "device-mapper", false, warnOfMapperName};
+}
 
 template <class ClaimModule>
 Driver makeDriver()
 {
-    constexpr Facts facts = factsOf<ClaimModule>;
+    const Facts facts = factsOf<ClaimModule>();
     return {
         facts.name,
         facts.kernelName,

@@ -40,6 +40,20 @@ Fault faultOf(const Lines& lines)
     return header == 0 ? Fault::none : Fault::headerNotFirst;
 }
 
+const char* textOf(Fault fault)
+{
+    switch (fault) {
+    case Fault::none:
+        return "none";
+    case Fault::noOutput:
+        return "no table";
+    case Fault::noHeader:
+        return "no header";
+    default:
+        return "a line before the header";
+    }
+}
+
 bool RowReader::next(Row& row)
 {
     while (m_number < m_lines.size()) {

@@ -34,6 +34,9 @@ enum class Fault {
 
 Fault faultOf(const Lines& lines);
 
+/// The fault in words, such as "no header".
+const char* textOf(Fault fault);
+
 /// A row; columns that are missing are empty.
 struct Row {
     std::string name;

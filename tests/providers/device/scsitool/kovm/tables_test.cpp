@@ -52,6 +52,14 @@ TEST(Tables, TheHeaderComesFirst)
     EXPECT_EQ(faultOf({"note", rule, active, "NAME"}), Fault::headerNotFirst);
 }
 
+TEST(Tables, FaultsHaveWords)
+{
+    EXPECT_STREQ(kovm::textOf(Fault::none), "none");
+    EXPECT_STREQ(kovm::textOf(Fault::noOutput), "no table");
+    EXPECT_STREQ(kovm::textOf(Fault::noHeader), "no header");
+    EXPECT_STREQ(kovm::textOf(Fault::headerNotFirst), "a line before the header");
+}
+
 TEST(Tables, RowsBeginBehindTheRuleAndHaveNames)
 {
     EXPECT_THAT(namesIn({header, active, enabled, "", " \t\n", "sde"}),
