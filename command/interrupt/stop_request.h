@@ -21,8 +21,8 @@ public:
             throw Interrupted();
     }
 
-    /// Called before a tool is started; throws Interrupted when it must not be. The tool counts
-    /// first: whoever makes the request either sees it or has stopped it.
+    /// Called before a tool is started; throws Interrupted when it must not be. Increments before
+    /// testing, so that a concurrent request either counts this tool or prevents it.
     void beginTool()
     {
         ++m_tools;

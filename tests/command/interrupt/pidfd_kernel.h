@@ -7,15 +7,16 @@
 #include <cerrno>
 #include <cstdarg>
 #include <functional>
+#include <limits>
 
 #include <dlfcn.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 struct PidfdKernel {
-    bool hasPidfds = true;     // since 5.3
-    bool signalsGroups = true; // since 6.9
-    int pidfdsLeft = 1000;     // that can be opened
+    bool hasPidfds = true;                            // since 5.3
+    bool signalsGroups = true;                        // since 6.9
+    int pidfdsLeft = std::numeric_limits<int>::max(); // that can be opened
     std::function<void(pid_t)> beforeOpen = [](pid_t /*id*/) {};
     std::function<void(int)> beforeSend = [](int /*signal*/) {};
     std::atomic<int> denials{0};
