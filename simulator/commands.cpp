@@ -13,13 +13,13 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-/// A call that is not of the form that the tool expects.
+/// The arguments do not have the form that the tool expects.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// What stands behind KEYWORD= in the only argument.
+/// Returns VALUE of the only argument, which must have the form KEYWORD=VALUE.
 std::string keywordValue(const Arguments& arguments, const std::string& keyword)
 {
     if (arguments.empty())
@@ -31,7 +31,7 @@ std::string keywordValue(const Arguments& arguments, const std::string& keyword)
     return arguments[0].substr(keyword.size());
 }
 
-/// The names between commas.
+/// Splits a list of names at its commas.
 std::vector<std::string> splitNames(const std::string& text)
 {
     std::vector<std::string> names;
@@ -69,7 +69,7 @@ Answer scandisks(State& state, const Arguments& arguments)
 
 using Performer = Answer (*)(State& state, const Arguments& arguments);
 
-/// What carries out each of `subcommands`, in their order.
+/// The functions that carry out `subcommands`, in the same order.
 constexpr Performer performers[] = {getdmpnode, getsubpaths, rm, scandisks};
 static_assert(std::size(performers) == subcommands.size(), "each subcommand is carried out");
 

@@ -13,7 +13,7 @@ namespace simulator {
 ///     kodisk rm NODE
 ///     kodisk scandisks [device=DISK[,DISK...]]
 ///
-/// for example `kodisk scandisks device=sdb,sdc`. Empty names among the disks are passed over. A
+/// for example `kodisk scandisks device=sdb,sdc`. Empty names among the disks are ignored. A
 /// call of any other form is answered with status 2 and a message.
 Answer perform(State& state, const Command& command);
 

@@ -13,7 +13,8 @@ namespace simulator {
 
 namespace {
 
-/// The other signals stop a process, or let it go on.
+/// Whether the default action of the signal ends the process. The others stop it, continue it or
+/// are ignored.
 bool endsProcess(int signal)
 {
     constexpr std::array others = {SIGCHLD, SIGCONT, SIGSTOP, SIGTSTP,
@@ -22,7 +23,7 @@ bool endsProcess(int signal)
            std::find(others.begin(), others.end(), signal) == others.end();
 }
 
-/// Whatever the caller has blocked or ignored, and whatever a runtime library has installed.
+/// Dies even if the caller has blocked or ignored the signal or a runtime library handles it.
 void dieBy(int signal)
 {
     prctl(PR_SET_DUMPABLE, 0);

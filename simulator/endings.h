@@ -5,7 +5,7 @@
 
 namespace simulator {
 
-/// How a call ends, by one of the three or, without any, not at all.
+/// How a fault ends a call. At most one of the three is set; with none it does not end the call.
 struct Ending {
     std::optional<int> status;
     int signal = 0;

@@ -8,7 +8,7 @@
 
 namespace simulator {
 
-/// The simulator cannot do its own work. Never what a simulated tool would say of itself.
+/// The simulator cannot do its own work. The failures of a simulated tool are an Answer instead.
 class Error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -10,7 +10,7 @@
 
 namespace simulator {
 
-/// What goes wrong in the calls of one subcommand whose number is in a range.
+/// What goes wrong in some calls of one subcommand, selected by their number.
 struct Fault {
     std::string subcommand;
     unsigned from = 1;
@@ -28,7 +28,7 @@ struct Fault {
 /// Reads one element of "faults"; see README.md for the fields. Throws an Error.
 Fault readFault(Fields fields);
 
-/// The first fault that matches the call, else one in which nothing goes wrong.
+/// The first fault that matches the call; without a match a fault that changes nothing.
 Fault findFault(const std::vector<Fault>& faults, const std::string& subcommand, unsigned number);
 
 } // namespace simulator

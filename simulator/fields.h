@@ -17,12 +17,12 @@ using Json = nlohmann::ordered_json;
 /// value has another type, and when the field is missing and there is no fallback.
 class Fields {
 public:
-    /// `object` must outlive this; `where` names its place in the file, empty for the whole.
+    /// `object` must outlive this. `where` is its place in the file, empty for the whole file.
     Fields(const Json& object, std::string where);
 
     bool has(const char* key) { return find(key) != nullptr; }
 
-    /// The value as it stands, null when the field is missing.
+    /// The unchecked value; null when the field is missing.
     const Json* find(const char* key);
 
     std::string text(const char* key);
@@ -44,10 +44,11 @@ public:
     /// The fields of an object in this one, none when it is missing.
     std::optional<Fields> object(const char* key);
 
-    /// The values of an object whose fields are all whole numbers; a missing object has none.
+    /// The values of an object whose fields are all whole numbers; a missing object counts as
+    /// empty.
     std::map<std::string, unsigned> counts(const char* key);
 
-    /// Hands each object of an array to `read`, with its place; a missing array has none.
+    /// Calls `read` with the fields of each object of an array; a missing array counts as empty.
     template <class Read>
     auto each(const char* key, Read read)
     {
@@ -58,8 +59,8 @@ public:
         return values;
     }
 
-    /// Throws when there is a field that nobody asked for: a misspelt one must not pass for one
-    /// that is missing.
+    /// Throws when the object has a field that was not read: a misspelt field must not count as a
+    /// missing one.
     void finish() const;
 
     /// Throws an Error about one field.

@@ -9,7 +9,7 @@ namespace simulator {
 
 namespace {
 
-/// Values are copied, compared and written by functions that call themselves for each level.
+/// The depth is limited because values are copied, compared and written recursively.
 constexpr int deepest = 100;
 
 } // namespace

@@ -7,9 +7,9 @@
 
 namespace simulator {
 
-/// Reads a JSON file, opened with these flags of open(2) besides. Of its objects only the fields
-/// that `isWanted` names are built, by default all: the time that an object takes grows with the
-/// square of their number. Throws an Error when the file cannot be read, is no JSON, or is nested
+/// Reads a JSON file, opened with the additional `flags` of open(2). Keeps only the fields that
+/// `isWanted` accepts, by default all: the time that an object takes grows with the square of the
+/// number of its fields. Throws an Error when the file cannot be read, is no JSON, or is nested
 /// deeper than any state or report.
 Json readJsonFile(const std::string& path, int flags = 0,
                   bool (*isWanted)(const std::string& field) = nullptr);

@@ -7,9 +7,9 @@
 
 namespace simulator {
 
-/// JSON as people write it by hand: a value of up to 100 characters, with its indentation and
-/// without its key, stands on one line, every other gets a line for each element, indented by two.
-/// Without a line end.
+/// JSON as people write it by hand. A value is written on one line when that has at most 100
+/// characters, counted with the indentation and without the key; else each element gets a line,
+/// indented by two. The text has no final line end.
 std::string jsonText(const Json& value, std::size_t indent = 0);
 
 } // namespace simulator

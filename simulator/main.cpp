@@ -1,7 +1,7 @@
 // The tools of a simulated KoVM volume manager, for machines that have none: `kodmpadm` and
-// `kodisk`, one program that goes by the name it is called by. Everything that it knows stands in
-// one state file, described in README.md: KOVM_SIMULATOR_STATE names it, else it is
-// /run/kovm-simulator/state.json. Beside it stand its lock, .lock, and the log of all calls, .log.
+// `kodisk`, one program that acts by the name it is called by. It keeps all its data in one state
+// file, described in README.md. KOVM_SIMULATOR_STATE names the file; the default is
+// /run/kovm-simulator/state.json. Beside it are its lock, .lock, and the log of all calls, .log.
 //
 // Exit status: 0 the call succeeded, 1 it failed as a real tool would fail, 2 its arguments are
 // wrong, 70 it is not among the recorded calls, 78 the simulator cannot do its own work.
@@ -32,7 +32,7 @@ namespace {
 constexpr char defaultState[] = "/run/kovm-simulator/state.json";
 constexpr int cannotWork = 78;
 
-/// Throws an Error when the reader of the descriptor is out of order.
+/// Throws an Error when the text cannot be written.
 void print(int descriptor, std::string_view text)
 {
     if (!writeAll(descriptor, text))
@@ -51,7 +51,7 @@ void flood(unsigned mebibytes, const std::string& line)
         print(STDOUT_FILENO, block);
 }
 
-/// The message as one line. Names in it cannot steer the terminal.
+/// The message as one line, with control characters escaped: names must not steer the terminal.
 std::string complaint(const Command& command, const std::string& message)
 {
     std::string line;
@@ -71,7 +71,7 @@ void printAnswer(const Command& command, const Answer& answer, const std::vector
     flood(spoilt.floodMib, answer.lines.empty() ? "" : answer.lines.back());
 }
 
-/// Counts the call and finds out what goes wrong in it.
+/// Counts the call and returns its fault.
 Fault takeCall(State& state, const Command& command)
 {
     if (command.arguments.empty() || !isSubcommand(command.arguments[0]))

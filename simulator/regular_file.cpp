@@ -29,7 +29,7 @@ RegularFile::RegularFile(std::string path, int flags, mode_t mode)
 {
     if (m_descriptor >= 0 && isRegular(m_descriptor))
         return;
-    // A symbolic link is ELOOP with O_NOFOLLOW, and a FIFO that nobody reads ENXIO.
+    // ELOOP: a symbolic link (O_NOFOLLOW). ENXIO: a FIFO that has no reader.
     if (m_descriptor < 0 && errno != ELOOP && errno != ENXIO)
         failWithErrno(m_failure, m_path);
     if (m_descriptor >= 0)

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int cannotReplay = 70;
 
-/// Splits at runs of spaces and at nothing else: that is how a command runner starts a tool.
+/// Splits at runs of spaces only, as the command runner splits command lines.
 Command splitCommand(const std::string& line)
 {
     Command command;

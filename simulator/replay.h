@@ -21,12 +21,12 @@ struct Record {
 using Replayed = std::map<std::string, unsigned>;
 
 /// Reads one element of "commands": {"command": LINE, "status": NUMBER, "output": [LINE...]}. The
-/// command line is split at runs of spaces. Other fields are left alone. Throws an Error.
+/// command line is split at runs of spaces. Other fields are ignored. Throws an Error.
 Record readRecord(Fields fields);
 
-/// Answers with what was recorded for exactly this command: when it was recorded several times,
-/// with one record after the other, and then always with the last. A command that was not recorded,
-/// or whose ending cannot be repeated, is answered with status 70 and a message.
+/// Answers with the record of exactly this command. Several records of one command are used in
+/// turn, the last one again and again. A command without a record, or whose ending cannot be
+/// repeated, is answered with status 70 and a message.
 Answer replay(const std::vector<Record>& records, Replayed& replayed, const Command& command);
 
 } // namespace simulator

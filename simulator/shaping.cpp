@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t rule = 1;
 static_assert(rule + 1 == kovm::firstRow, "a table is a header, a rule and the rows");
 
-/// Puts `separator` in place of each run of spaces.
+/// Replaces each run of spaces by `separator`.
 std::string separatedBy(const std::string& separator, const std::string& line)
 {
     std::string text;
@@ -78,7 +78,7 @@ void flood(Print& print, unsigned mebibytes)
     print.floodMib = mebibytes;
 }
 
-// How the value of a field becomes a spoiler; none when the field is missing.
+// These make a spoiler of a field's value. Without the field they return an empty one.
 
 template <void (*spoil)(Print&)>
 Spoiler ifTrue(Fields& fields, const char* field)
@@ -106,7 +106,7 @@ struct FaultField {
     Spoiler (*read)(Fields& fields, const char* field);
 };
 
-/// Every way to spoil what is printed. They work in this order.
+/// All fields that spoil the output, in the order in which they are applied.
 constexpr std::array faultFields = {FaultField{"separator", withText<separate>},
                                     FaultField{"blank_lines", ifTrue<addBlankLines>},
                                     FaultField{"no_rule", ifTrue<removeRule>},

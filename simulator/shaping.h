@@ -10,21 +10,22 @@
 
 namespace simulator {
 
-/// What a tool is about to print.
+/// The output that a tool is about to print.
 struct Print {
     std::vector<std::string> lines;
     std::string lineEnd = "\n";
-    std::optional<std::size_t> cut; ///< so many bytes are printed at most
-    unsigned floodMib = 0;          ///< so much of the last line again
+    std::optional<std::size_t> cut; ///< the most bytes that are printed
+    unsigned floodMib = 0;          ///< how many MiB of the last line follow
 
-    /// The text without its flood.
+    /// The text without the repeated last line.
     std::string text() const;
 };
 
-/// Spoils what is printed.
+/// Changes the output as a faulty tool would.
 using Spoiler = std::function<void(Print&)>;
 
-/// The spoilers of a fault, in the order in which they work. Takes their fields; throws an Error.
+/// Reads the fields of a fault that spoil the output. The spoilers are in the order in which they
+/// are applied. Throws an Error.
 std::vector<Spoiler> readSpoilers(Fields& fields);
 
 } // namespace simulator

@@ -51,7 +51,7 @@ Array readArray(Fields fields)
     return array;
 }
 
-/// Nodes and disks are found by their names, so that each name may stand once only.
+/// Throws when a name occurs twice: nodes and disks are found by their names.
 void requireUniqueNames(const std::vector<Array>& arrays)
 {
     std::set<std::string> nodes;
@@ -68,13 +68,13 @@ void requireUniqueNames(const std::vector<Array>& arrays)
     }
 }
 
-/// The fields of a recording that are read.
+/// Whether replaying needs this field of a recording.
 bool isRecorded(const std::string& field)
 {
     return field == "commands" || field == "command" || field == "status" || field == "output";
 }
 
-/// "replay" is the records themselves or the name of a file with an array "commands" in it.
+/// "replay" is a list of records, or the name of a file that has the list in its field "commands".
 std::optional<std::vector<Record>> readReplay(Fields& fields, const std::string& folder)
 {
     const Json* value = fields.find("replay");

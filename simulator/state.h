@@ -11,7 +11,7 @@
 
 namespace simulator {
 
-/// One of the operating system's paths to a disk.
+/// A path to a disk, as the operating system names it.
 struct Path {
     std::string name;
     std::string state;
@@ -19,12 +19,12 @@ struct Path {
     std::string controller;
 };
 
-/// What is wrong with a node's mapping, and until when.
+/// How the mapping of a node is out of date, and what repairs it.
 struct Stale {
-    unsigned rescans = 1;    ///< so many rescans of its disks are missing
-    bool removal = false;    ///< rescans count only after a removal
-    std::string name;        ///< what the node is called meanwhile; empty when it is not found
-    std::vector<Path> paths; ///< what is shown of it under that name; empty when nothing is
+    unsigned rescans = 1;    ///< how many rescans of its disks it still needs
+    bool removal = false;    ///< whether rescans count only after a removal
+    std::string name;        ///< under which it is found until then; empty when it is not found
+    std::vector<Path> paths; ///< shown under that name until then
 };
 
 /// One multipathed disk.
@@ -40,7 +40,7 @@ struct Array {
     std::vector<Node> nodes;
 };
 
-/// Everything that the volume manager knows. See README.md for the file.
+/// All data of the volume manager. See README.md for the file.
 struct State {
     std::vector<Array> arrays;
     bool emptyTableForUnknownDisk = false;
@@ -50,11 +50,11 @@ struct State {
     Replayed replayed;
 };
 
-/// Reads a whole state file. A file of records that "replay" names is looked for in `folder`.
+/// Reads a whole state file. The file that "replay" may name is in `folder`.
 /// Throws an Error that names the place when anything is missing, unknown or of another type.
 State readState(const Json& document, const std::string& folder);
 
-/// Writes what calls can change back into the document that `state` was read from.
+/// Writes the fields that calls can change into `document`, from which `state` was read.
 void writeState(const State& state, Json& document);
 
 } // namespace simulator

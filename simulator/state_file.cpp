@@ -29,7 +29,7 @@ void StateFile::save(const State& state, Json& document) const
         return;
     const std::string next = m_path + ".new";
     const mode_t mode = RegularFile(m_path, O_RDONLY).permissions();
-    // A call that was killed leaves its file behind. The lock says that nobody writes to it now.
+    // A killed call may have left this file. No call writes to it now: this one has the lock.
     unlink(next.c_str());
     RegularFile(next, O_WRONLY | O_CREAT | O_EXCL, mode).write(jsonText(document) + "\n");
     if (std::rename(next.c_str(), m_path.c_str()) != 0)

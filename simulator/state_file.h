@@ -10,9 +10,8 @@
 
 namespace simulator {
 
-/// The state file, which any number of tools change at once. PATH.lock, beside it, is the lock of
-/// all of them; a new state replaces the old one in one step, so that a reader always finds one or
-/// the other whole.
+/// The state file, which many tools may change at once. They lock PATH.lock. A new state replaces
+/// the old file by rename, so that a reader always finds a complete file.
 class StateFile {
 public:
     explicit StateFile(std::string path) : m_path(std::move(path)) {}

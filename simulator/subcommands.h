@@ -12,7 +12,7 @@ struct Subcommand {
     const char* form; ///< of its arguments
 };
 
-/// What the tools can be called for.
+/// All subcommands of the tools.
 inline constexpr std::array subcommands = {
     Subcommand{"kodmpadm", "getdmpnode", "nodename=DISK"},
     Subcommand{"kodmpadm", "getsubpaths", "dmpnodename=NODE"}, Subcommand{"kodisk", "rm", "NODE"},

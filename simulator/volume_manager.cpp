@@ -8,7 +8,7 @@ namespace simulator {
 
 namespace {
 
-/// Whether the volume manager shows the node, and under which name and with which paths.
+/// Whether the volume manager finds the node: a stale one only if it has another name meanwhile.
 bool isShown(const Node& node)
 {
     return !node.stale || !node.stale->name.empty();
@@ -36,7 +36,7 @@ bool holdsAny(const Node& node, const std::vector<std::string>& disks)
                        [&](const std::string& disk) { return holds(node, disk); });
 }
 
-/// A node that waits for its removal answers to its own name too.
+/// A node that must be removed before rescans count can be removed by its real name too.
 bool canRemove(const Node& node, const std::string& name)
 {
     return (isShown(node) && shownName(node) == name) ||

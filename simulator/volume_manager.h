@@ -19,8 +19,8 @@ Answer pathsOfNode(const State& state, const std::string& name);
 /// Forgets the node until its disks are scanned again.
 Answer removeNode(State& state, const std::string& name);
 
-/// Brings the nodes of the disks, or of every disk, one rescan nearer to being found. Names that
-/// no path has are passed over.
+/// Counts one rescan for the stale nodes of the disks, or of every disk. Ignores names that no path
+/// has.
 Answer rescan(State& state, const std::optional<std::vector<std::string>>& disks);
 
 } // namespace simulator

@@ -6,11 +6,11 @@
 # STATE is the tools' state file, which they change: a copy of one of simulator/scenarios/. FOLDER
 # holds the two tools and nothing else; without it they are those of the preset dev.
 #
-# The tools are laid over /usr/sbin, read-only, in a mount namespace of the command's own: nobody
-# else sees them, and nothing on the machine is changed. Whoever is not root is root in a user
-# namespace. The command takes the place of this script, with its process id; its status and its
-# signals are its own. The script's own status is 77 where such namespaces are not permitted, and 2
-# for wrong arguments.
+# A read-only overlay mount shows the tools in /usr/sbin, in a private mount namespace: no other
+# process sees them, and nothing on the machine changes. Without root, the script creates a user
+# namespace too, in which the command is root. The script executes the command in its own process,
+# so the command has its process id, and its exit status and signals are the command's. The script
+# itself exits with 77 where such namespaces are not permitted and with 2 for wrong arguments.
 set -euo pipefail
 
 tools=$(dirname -- "${BASH_SOURCE[0]}")/../build/dev/simulator/tools
@@ -29,8 +29,8 @@ fi
 [[ -f $1 ]] || complain 2 "no state file $1"
 [[ -x $tools/kodmpadm && -x $tools/kodisk ]] || complain 2 "no tools in $tools, build them first"
 
-# A relative lower folder needs no escapes, whatever its name. cd looks a relative folder up in
-# CDPATH, and takes "-" for the last one.
+# The lower folder is ".", because a path would need escapes for colons and commas. CDPATH is empty
+# because cd looks relative folders up in it; the added "/" keeps cd from taking "-" for OLDPWD.
 # shellcheck disable=SC2016 # expanded by the inner shell
 overlay='(CDPATH="" cd -- "$0/" && mount -t overlay kovm-simulator -o ro,lowerdir=.:"$1" "$1")'
 state=$(realpath -- "$1")

@@ -7,8 +7,8 @@
 
 namespace simulator {
 
-/// Writes the text, in one write(2) where the kernel takes it whole. False, with errno set, when it
-/// cannot be written.
+/// Writes the text, with a single write(2) unless the kernel takes it in parts. Returns false, with
+/// errno set, when it cannot be written.
 inline bool writeAll(int descriptor, std::string_view text)
 {
     while (!text.empty()) {

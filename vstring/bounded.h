@@ -52,7 +52,7 @@ std::size_t copyPadded(Char* dst, const Char* src, std::size_t count, std::size_
     return limit;
 }
 
-/// No sum here can wrap, whatever the count.
+/// Compares differences only: with a count of SIZE_MAX a sum would overflow.
 template <class Char>
 std::size_t appendCounted(Char* dst, const Char* src, std::size_t count, std::size_t size)
 {

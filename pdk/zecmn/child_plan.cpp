@@ -1,8 +1,8 @@
-// What a child does between clone and its program. It has the host's memory meanwhile, shared or
-// copied, thread storage included, and any other thread of the host may hold any lock. So it makes
-// plain system calls only: no function of the C library that keeps state, and none that a host may
-// have replaced. The one variable they write is errno; the host's thread leaves a shared one alone
-// until the child has left.
+// What a child does between clone and execve. It runs in the host's memory, shared or copied,
+// including the thread-local storage, and another thread of the host may hold any lock. So it makes
+// plain system calls only: it calls no function of the C library that keeps state, and none that a
+// host may have replaced. System calls write errno; while the child shares the memory, the host's
+// thread does not use errno.
 #include "child_plan.h"
 
 #include <cerrno>
@@ -20,22 +20,21 @@
 
 #include "switch_user.h"
 
-namespace {
+namespace koze_pdk_4_4::runner {
 
-using koze_pdk_4_4::runner::Failure;
-using koze_pdk_4_4::runner::StandardStreams;
+namespace {
 
 static_assert(sizeof(long) == 8, "system calls take 64-bit arguments as they are");
 
-/// The kernel's signal set, action and time: all zero is the empty set, the default action and no
-/// time at all.
+/// Zeros for system calls: as a signal set it is empty, as a signal action it is SIG_DFL, as a
+/// timeout it is 0.
 constexpr std::size_t kernelSetSize = 8;
 constexpr char kernelZeros[64] = {};
 constexpr std::uint64_t everySignal = ~std::uint64_t{0};
 
-constexpr int firstOther = STDERR_FILENO + 1;
+constexpr int firstAboveStdio = STDERR_FILENO + 1;
 
-/// Memory that a copy of this process shares with it.
+/// Memory that stays shared with a child that gets a copy of all other memory.
 Failure* mapFailure()
 {
     void* memory =
@@ -55,28 +54,28 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts)
     return pointers;
 }
 
-/// Before signals are let through: a handler of the host must not run here.
+/// Called before signals are unblocked: a handler of the host must not run in the child.
 void resetDispositions()
 {
     for (int signal = 1; signal < _NSIG; ++signal)
         syscall(SYS_rt_sigaction, signal, kernelZeros, nullptr, kernelSetSize);
 }
 
-/// What was sent to the host's group, while this process was still in it, is not the program's.
+/// Drops pending signals: they were sent to the host's process group before setsid.
 void dropSignals()
 {
     while (syscall(SYS_rt_sigtimedwait, &everySignal, nullptr, kernelZeros, kernelSetSize) > 0) {
     }
 }
 
-bool placeStreams(const StandardStreams& streams)
+bool placeStdio(const StandardStreams& streams)
 {
     return syscall(SYS_dup3, streams.input, STDIN_FILENO, 0) >= 0 &&
            syscall(SYS_dup3, streams.output, STDOUT_FILENO, 0) >= 0 &&
            syscall(SYS_dup3, streams.errors, STDERR_FILENO, 0) >= 0;
 }
 
-/// The number that a name in /proc/self/fd stands for; 0 for "." and "..".
+/// The descriptor that an entry of /proc/self/fd names; 0 for "." and "..".
 int numberOf(const char* name)
 {
     int number = 0;
@@ -85,19 +84,20 @@ int numberOf(const char* name)
     return number;
 }
 
-/// Closes what a buffer full of entries of /proc/self/fd names, except for `directory`.
+/// Closes the descriptors that a buffer of /proc/self/fd entries names, except for stdin, stdout,
+/// stderr and `directory`.
 void closeEntries(const char* entries, long size, int directory)
 {
     for (long at = 0; at < size;) {
         const auto* entry = reinterpret_cast<const dirent64*>(entries + at);
         const int number = numberOf(entry->d_name);
-        if (number >= firstOther && number != directory)
+        if (number >= firstAboveStdio && number != directory)
             syscall(SYS_close, number);
         at += entry->d_reclen;
     }
 }
 
-/// For kernels before 5.9.
+/// For kernels before 5.9, which have no close_range.
 bool closeListed()
 {
     const auto directory =
@@ -111,14 +111,12 @@ bool closeListed()
     return syscall(SYS_close, directory) == 0 && size == 0;
 }
 
-bool closeOthers()
+bool closeHostDescriptors()
 {
-    return syscall(SYS_close_range, firstOther, ~0U, 0) == 0 || closeListed();
+    return syscall(SYS_close_range, firstAboveStdio, ~0U, 0) == 0 || closeListed();
 }
 
 } // namespace
-
-namespace koze_pdk_4_4::runner {
 
 void UnmapFailure::operator()(Failure* failure) const
 {
@@ -129,7 +127,7 @@ ChildPlan::ChildPlan(Program program, const StandardStreams& streams)
     : m_program(std::move(program)), m_streams(streams),
       m_arguments(pointersTo(m_program.arguments)),
       m_environment(pointersTo(m_program.environment)),
-      m_mappedFailure(sharesMemory() ? nullptr : mapFailure()),
+      m_mappedFailure(copiesMemory() ? mapFailure() : nullptr),
       m_failure(m_mappedFailure ? *m_mappedFailure : m_ownFailure)
 {}
 
@@ -142,16 +140,16 @@ int ChildPlan::enter(void* plan)
     return 127;
 }
 
-/// Starts the program, after which there is nothing to return to; returns what failed.
+/// Executes the program. Returns only on failure: the step that failed, with errno set.
 const char* ChildPlan::start() const
 {
     resetDispositions();
     if (syscall(SYS_setsid) < 0)
         return "cannot lead a session";
     dropSignals();
-    if (!placeStreams(m_streams))
+    if (!placeStdio(m_streams))
         return "cannot place its streams";
-    if (!closeOthers())
+    if (!closeHostDescriptors())
         return "cannot close the host's descriptors";
     const char* failed = m_program.identity ? switchUser(*m_program.identity) : nullptr;
     if (failed != nullptr)

@@ -15,10 +15,12 @@
 #include "pidfd.h"
 #include "process_group.h"
 
+namespace koze_pdk_4_4::runner {
+
 namespace {
 
-/// Holds every signal of this thread back. A handler of the host must not run in a child that
-/// shares the host's memory, nor change errno under the child's feet.
+/// Blocks every signal of this thread. A handler of the host must not run in a child that shares
+/// the host's memory, nor write the errno that the child uses.
 class SignalBlock {
 public:
     SignalBlock()
@@ -35,8 +37,6 @@ private:
     sigset_t m_mask{};
 };
 
-using koze_pdk_4_4::runner::Ending;
-
 Ending endingFrom(int waitStatus)
 {
     return WIFEXITED(waitStatus) ? Ending{Ending::Kind::exited, WEXITSTATUS(waitStatus)}
@@ -51,8 +51,6 @@ Ending endingFrom(const siginfo_t& status)
 
 } // namespace
 
-namespace koze_pdk_4_4::runner {
-
 ChildProcess::~ChildProcess()
 {
     kill();
@@ -63,7 +61,7 @@ bool ChildProcess::start(const Deadline& deadline)
 {
     const SignalBlock block;
     clone();
-    if (!waitUntilLeft(deadline))
+    if (!waitUntilUnshared(deadline))
         return false;
     throwFailure();
     return true;
@@ -71,30 +69,30 @@ bool ChildProcess::start(const Deadline& deadline)
 
 void ChildProcess::clone()
 {
-    // Not CLONE_VFORK: nothing would end its wait for a program on a device that does not answer.
-    // The kernel clears `inUse` at the same moment, and that wait has a deadline.
-    const bool shares = m_plan->sharesMemory();
+    // Not CLONE_VFORK: its wait has no deadline, and execve hangs on a device that does not answer.
+    // The kernel clears `sharesMemory` at the same moment, and a futex wait has a deadline.
+    const bool shares = !m_plan->copiesMemory();
     int pidfd = -1;
-    m_plan->inUse() = shares ? 1 : 0;
+    m_plan->sharesMemory() = shares ? 1 : 0;
     const int pid = ::clone(ChildPlan::enter, m_plan->stackTop(),
                             (shares ? CLONE_VM : 0) | CLONE_PIDFD | CLONE_CHILD_CLEARTID | SIGCHLD,
-                            m_plan.get(), &pidfd, nullptr, &m_plan->inUse());
+                            m_plan.get(), &pidfd, nullptr, &m_plan->sharesMemory());
     if (pid < 0) {
-        m_plan->inUse() = 0;
+        m_plan->sharesMemory() = 0;
         throw std::system_error(errno, std::generic_category(), "cannot start a process");
     }
     m_pid = pid;
     if (pidfd >= 0)
-        m_pidfd = aboveStandard(Descriptor(pidfd));
+        m_pidfd = moveAboveStdio(Descriptor(pidfd));
 }
 
-bool ChildProcess::waitUntilLeft(const Deadline& deadline)
+bool ChildProcess::waitUntilUnshared(const Deadline& deadline)
 {
     const timespec time = deadline.time();
-    while (m_plan->inUse() != 0) {
+    while (m_plan->sharesMemory() != 0) {
         if (deadline.passed())
             return false;
-        syscall(SYS_futex, &m_plan->inUse(), FUTEX_WAIT_BITSET, 1, &time, nullptr,
+        syscall(SYS_futex, &m_plan->sharesMemory(), FUTEX_WAIT_BITSET, 1, &time, nullptr,
                 FUTEX_BITSET_MATCH_ANY);
     }
     return true;
@@ -107,10 +105,10 @@ void ChildProcess::throwFailure() const
         throw std::system_error(failure.error, std::generic_category(), failure.step);
 }
 
-/// Frees the plan, unless a child that cannot be ended still uses it.
+/// Leaks the plan while a child that cannot be killed still uses its stack.
 void ChildProcess::releasePlan()
 {
-    if (m_plan->inUse() != 0)
+    if (m_plan->sharesMemory() != 0)
         static_cast<void>(m_plan.release());
 }
 
@@ -139,8 +137,8 @@ int ChildProcess::takeResult()
     return resultOf(waitStatus ? endingFrom(*waitStatus) : Ending{Ending::Kind::statusUnknown});
 }
 
-/// Looks at the program without waiting. False when it is no child of the host any more; else
-/// `status.si_pid` is 0 while it runs.
+/// Calls waitid without blocking. Returns false when the host has reaped the program; else
+/// `status.si_pid` is 0 while the program runs.
 bool ChildProcess::wait(siginfo_t& status, int options)
 {
     for (;;) {
@@ -151,7 +149,7 @@ bool ChildProcess::wait(siginfo_t& status, int options)
                    WEXITED | WNOHANG | options) == 0)
             return true;
         if (errno == EINVAL && !byNumber)
-            m_pidfd.reset(); // before kernel 5.4
+            m_pidfd.reset(); // P_PIDFD is missing before kernel 5.4
         else if (errno != EINTR)
             return false;
     }
@@ -161,12 +159,12 @@ void ChildProcess::signal(int signal)
 {
     if (m_pidfd.isOpen() && signalGroupOf(m_pidfd.number(), signal))
         return;
-    // The number of a child that nobody has reaped, ended or not, means no other group.
+    // While the child is not reaped, its id cannot be reused for another group.
     siginfo_t status;
     const bool numberIsOurs = wait(status, WNOWAIT);
     if (numberIsOurs && ::kill(-m_pid, signal) == 0)
         return;
-    // Between clone and setsid the child has no group of its own yet.
+    // Between clone and setsid the child is still in the host's process group.
     if (m_pidfd.isOpen())
         signalProcess(m_pidfd.number(), signal);
     else if (numberIsOurs)
@@ -188,11 +186,11 @@ void ChildProcess::awaitEnd(const Deadline& deadline)
         if (deadline.passed())
             return;
         pollfd end{descriptor(), POLLIN, 0};
-        poll(&end, 1, deadline.timeout(lookInterval));
+        poll(&end, 1, deadline.timeout(pollInterval));
     }
     const pid_t group = m_pid;
     takeResult();
-    // At worst the number means another group by now, which costs time only.
+    // If the group id was reused, this only waits until the deadline.
     while (groupRuns(group) && !deadline.passed())
         poll(nullptr, 0, 1);
 }

@@ -1,5 +1,5 @@
-#ifndef CHILD_PROCESS_H
-#define CHILD_PROCESS_H
+#ifndef ZECMN_CHILD_PROCESS_H
+#define ZECMN_CHILD_PROCESS_H
 
 #include <memory>
 #include <utility>
@@ -13,11 +13,11 @@
 
 namespace koze_pdk_4_4::runner {
 
-/// A program that we have started. It leads a session and a process group of its own, and cannot
-/// leave either.
+/// A started program. It leads a session and a process group of its own, and cannot leave either.
 ///
-/// The host may wait for children too, of its own or of every kind, so nothing here waits for any
-/// child but this one, and no signal is sent by a number that may mean another process by now.
+/// The host may reap any child at any time, this one included, and may have children of its own. So
+/// this class waits for no other child, and sends no signal by an id that the kernel may have
+/// reused.
 class ChildProcess {
 public:
     explicit ChildProcess(std::unique_ptr<ChildPlan> plan) : m_plan(std::move(plan)) {}
@@ -27,31 +27,31 @@ public:
     /// Ends what is still running, as `kill` does.
     ~ChildProcess();
 
-    /// Starts the program. False when the deadline passes first; a std::system_error when there is
-    /// no child to be had or it cannot start the program. A child with a copy of the host's memory
-    /// is not waited for: `reap` says that it could not start the program. Call it once, and first.
+    /// Starts the program. Returns false when the deadline passes first. Throws std::system_error
+    /// when clone fails or the child cannot execute the program; of a child with a copy of the
+    /// host's memory `reap` throws the latter. REQUIRES: called once, before all other functions.
     bool start(const Deadline& deadline);
 
-    /// Readable when the program has ended; -1 on kernels that have no such descriptor.
+    /// The pidfd: readable when the program has ended; -1 on kernels without pidfds.
     int descriptor() const { return m_pidfd.number(); }
 
-    /// Whether the program has ended. It keeps its number.
+    /// Whether the program has ended. Does not reap it, so that its process id stays reserved.
     bool ended();
 
-    /// The result of the ended program, as CZeExecPipeBase::Exec returns it; gives its number up. A
-    /// std::system_error when it could not be started.
+    /// Reaps the ended program and returns its result as CZeExecPipeBase::Exec does. Throws
+    /// std::system_error when the program could not be executed.
     int reap();
 
     /// Sends `signal` to the program and its process group.
     void signal(int signal);
 
-    /// Ends the whole group by SIGKILL, reaps the program and sees the others off. Gives up after
-    /// a second: a process that waits for a dead device is beyond any signal.
+    /// Sends SIGKILL to the process group, reaps the program and waits until the rest of the group
+    /// has ended. Gives up after a second: a process that waits for a dead device cannot be killed.
     void kill();
 
 private:
     void clone();
-    bool waitUntilLeft(const Deadline& deadline);
+    bool waitUntilUnshared(const Deadline& deadline);
     void throwFailure() const;
     void releasePlan();
     int takeResult();

@@ -14,14 +14,11 @@
 #include "program.h"
 #include "run.h"
 
+namespace koze_pdk_4_4 {
+
 namespace {
 
-using koze_pdk_4_4::CZeExecPipeBase;
-using koze_pdk_4_4::runner::Ending;
-using koze_pdk_4_4::runner::Limits;
-using koze_pdk_4_4::runner::Program;
-
-/// Puts a cancellation of this thread off: it would cut through destructors.
+/// Disables the cancellation of this thread: inside a destructor it would end the process.
 class CancellationBlock {
 public:
     CancellationBlock() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_state); }
@@ -40,23 +37,22 @@ unsigned long effectiveLimit(unsigned long timeLimitSeconds)
                : std::min(timeLimitSeconds, +CZeExecPipeBase::longestLimitSeconds);
 }
 
-Limits limitsFor(unsigned long timeLimitSeconds)
+runner::Limits limitsFor(unsigned long timeLimitSeconds)
 {
     return {std::chrono::seconds(timeLimitSeconds),
             std::chrono::seconds(CZeExecPipeBase::graceSeconds), CZeExecPipeBase::outputBound,
             CZeExecPipeBase::lineBound};
 }
 
-Program programFor(const std::string& command, const std::string& directory,
-                   const std::string& user, const std::string& environment)
+runner::Program programFor(const std::string& command, const std::string& directory,
+                           const std::string& user, const std::string& environment)
 {
-    Program program;
-    program.arguments = koze_pdk_4_4::runner::splitCommand(command);
-    program.directory = koze_pdk_4_4::runner::checkedDirectory(directory);
+    runner::Program program;
+    program.arguments = runner::splitCommand(command);
+    program.directory = runner::checkedDirectory(directory);
     if (!user.empty())
-        program.identity = koze_pdk_4_4::runner::lookUpUser(user);
-    program.environment =
-        koze_pdk_4_4::runner::childEnvironment(environ, environment, program.identity);
+        program.identity = runner::lookUpUser(user);
+    program.environment = runner::childEnvironment(environ, environment, program.identity);
     return program;
 }
 
@@ -72,16 +68,16 @@ std::string textOf(const std::exception& reason)
 }
 
 /// How a command ended, for the trace.
-std::string textOf(const Ending& ending, unsigned long timeLimitSeconds)
+std::string textOf(const runner::Ending& ending, unsigned long timeLimitSeconds)
 {
     switch (ending.kind) {
-    case Ending::Kind::exited:
+    case runner::Ending::Kind::exited:
         return "ended with exit status " + std::to_string(ending.number);
-    case Ending::Kind::killed:
+    case runner::Ending::Kind::killed:
         return "was ended by signal " + std::to_string(ending.number);
-    case Ending::Kind::deadlinePassed:
+    case runner::Ending::Kind::deadlinePassed:
         return "was ended: its limit of " + std::to_string(timeLimitSeconds) + " seconds passed";
-    case Ending::Kind::boundExceeded:
+    case runner::Ending::Kind::boundExceeded:
         return "was ended: it printed more than " + std::to_string(CZeExecPipeBase::outputBound) +
                " bytes, or a line of more than " + std::to_string(CZeExecPipeBase::lineBound);
     default:
@@ -95,21 +91,20 @@ long long millisecondsSince(std::chrono::steady_clock::time_point start)
     return std::chrono::duration_cast<std::chrono::milliseconds>(passed).count();
 }
 
-/// Leaves in `output` what a failed run delivers behind its first `before` lines.
+/// Appends `errors` to `output`, whose lines from `before` on are the run's. Of a run that exceeded
+/// its bound, keeps only the beginnings of both.
 void deliverFailure(int result, std::size_t before, std::vector<std::string>& output,
                     std::vector<std::string>& errors)
 {
     if (result == CZeExecPipeBase::boundExceeded) {
-        koze_pdk_4_4::runner::keepBeginning(output, before, CZeExecPipeBase::floodKept);
-        koze_pdk_4_4::runner::keepBeginning(errors, 0, CZeExecPipeBase::floodKept);
+        runner::keepBeginning(output, before, CZeExecPipeBase::floodKept);
+        runner::keepBeginning(errors, 0, CZeExecPipeBase::floodKept);
     }
     output.insert(output.end(), std::make_move_iterator(errors.begin()),
                   std::make_move_iterator(errors.end()));
 }
 
 } // namespace
-
-namespace koze_pdk_4_4 {
 
 EZeExecPipe::~EZeExecPipe() = default;
 

@@ -1,5 +1,5 @@
-#ifndef DEADLINE_H
-#define DEADLINE_H
+#ifndef ZECMN_DEADLINE_H
+#define ZECMN_DEADLINE_H
 
 #include <algorithm>
 #include <chrono>
@@ -8,7 +8,7 @@
 
 namespace koze_pdk_4_4::runner {
 
-/// A point in time that no change of the clock moves.
+/// A point in time on the steady clock, which setting the system's time does not move.
 class Deadline {
 public:
     explicit Deadline(std::chrono::nanoseconds limit)
@@ -25,7 +25,7 @@ public:
         return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), most).count());
     }
 
-    /// The deadline on CLOCK_MONOTONIC, which is the steady clock's.
+    /// The same point in time on CLOCK_MONOTONIC, on which the steady clock is built.
     timespec time() const
     {
         const auto since = m_end.time_since_epoch();
@@ -37,8 +37,8 @@ private:
     std::chrono::steady_clock::time_point m_end;
 };
 
-/// How long to wait between two looks at what cannot be polled.
-constexpr std::chrono::milliseconds lookInterval{5};
+/// The pause between two checks whether a program without a pidfd has ended.
+constexpr std::chrono::milliseconds pollInterval{5};
 
 } // namespace koze_pdk_4_4::runner
 

@@ -9,6 +9,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+namespace koze_pdk_4_4::runner {
+
 namespace {
 
 [[noreturn]] void fail(const char* what)
@@ -27,7 +29,7 @@ void writeAll(int descriptor, std::string_view text)
     }
 }
 
-/// A write beyond the limit would end the host by SIGXFSZ.
+/// A write beyond RLIMIT_FSIZE would kill the host with SIGXFSZ.
 void checkFileSizeLimit(std::size_t size)
 {
     rlimit limit{};
@@ -37,8 +39,8 @@ void checkFileSizeLimit(std::size_t size)
     }
 }
 
-/// There are hosts whose kernel wants such a file sealed against execution. Kernels before 6.3 do
-/// not know that seal.
+/// Opens a memfd that is sealed against execution, because some machines refuse others. Kernels
+/// before 6.3 do not know the seal.
 int openMemory()
 {
     constexpr unsigned int noExecSeal = 0x8; // MFD_NOEXEC_SEAL of newer headers
@@ -48,8 +50,6 @@ int openMemory()
 
 } // namespace
 
-namespace koze_pdk_4_4::runner {
-
 void Descriptor::reset()
 {
     if (m_number >= 0)
@@ -57,7 +57,7 @@ void Descriptor::reset()
     m_number = -1;
 }
 
-Descriptor aboveStandard(Descriptor opened)
+Descriptor moveAboveStdio(Descriptor opened)
 {
     if (opened.number() > STDERR_FILENO)
         return opened;
@@ -65,7 +65,7 @@ Descriptor aboveStandard(Descriptor opened)
     if (moved >= 0)
         return Descriptor(moved);
     if (errno == EINVAL)
-        errno = EMFILE; // the limit allows for no other numbers at all
+        errno = EMFILE; // RLIMIT_NOFILE allows no number above 2
     fail("cannot open a descriptor");
 }
 
@@ -76,7 +76,7 @@ Pipe openPipe()
         fail("cannot open a pipe");
     Descriptor readEnd(ends[0]);
     Descriptor writeEnd(ends[1]);
-    return {aboveStandard(std::move(readEnd)), aboveStandard(std::move(writeEnd))};
+    return {moveAboveStdio(std::move(readEnd)), moveAboveStdio(std::move(writeEnd))};
 }
 
 Descriptor openInput(const std::string& text)
@@ -88,7 +88,7 @@ Descriptor openInput(const std::string& text)
     writeAll(input.number(), text);
     if (!text.empty() && lseek(input.number(), 0, SEEK_SET) != 0)
         fail("cannot rewind its input");
-    return aboveStandard(std::move(input));
+    return moveAboveStdio(std::move(input));
 }
 
 } // namespace koze_pdk_4_4::runner

@@ -1,5 +1,5 @@
-#ifndef DESCRIPTOR_H
-#define DESCRIPTOR_H
+#ifndef ZECMN_DESCRIPTOR_H
+#define ZECMN_DESCRIPTOR_H
 
 #include <string>
 #include <utility>
@@ -31,16 +31,16 @@ struct Pipe {
     Descriptor writeEnd;
 };
 
-// Everything opened here is closed on exec and never one of the standard three, which a host may
-// have closed. A descriptor that cannot be had is a std::system_error.
+// Descriptors opened here are close-on-exec and above 2: where a host has closed stdin, stdout or
+// stderr, these numbers stay free. All functions throw std::system_error on failure.
 
-/// `opened`, or, when that is one of the standard three, another descriptor in its place.
-Descriptor aboveStandard(Descriptor opened);
+/// Returns `opened`, or, when its number is 0, 1 or 2, a duplicate above 2, and closes `opened`.
+Descriptor moveAboveStdio(Descriptor opened);
 
 Pipe openPipe();
 
-/// What a program reads as its standard input: `text`, or /dev/null when it is empty. A file in
-/// memory, not a pipe: a program that does not read it raises no SIGPIPE here.
+/// Opens what a program reads as stdin: `text`, or /dev/null when it is empty. A memfd, not a pipe:
+/// a program that does not read it raises no SIGPIPE in the host.
 Descriptor openInput(const std::string& text);
 
 } // namespace koze_pdk_4_4::runner

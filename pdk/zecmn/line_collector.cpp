@@ -29,8 +29,8 @@ void LineCollector::finish()
         store(m_held);
 }
 
-/// Keeps the beginning of a line whose end is still to come; false when that is too long, even if
-/// its last character belongs to the end.
+/// Keeps the beginning of a line whose end has not arrived. Returns false when it is too long. It
+/// may be one byte longer than a line: that byte may be the "\r" of the line's end.
 bool LineCollector::hold(std::string_view piece)
 {
     if (piece.size() > m_budget.longestLine + 1 - m_held.size()) {

@@ -1,5 +1,5 @@
-#ifndef LINE_COLLECTOR_H
-#define LINE_COLLECTOR_H
+#ifndef ZECMN_LINE_COLLECTOR_H
+#define ZECMN_LINE_COLLECTOR_H
 
 #include <cstddef>
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace koze_pdk_4_4::runner {
 
-/// The memory that the lines of one run may still take. Its streams share it.
+/// The memory that the lines of one run may still take. Both streams of the run share it.
 struct Budget {
     std::size_t bytesLeft;
     std::size_t longestLine;
@@ -19,7 +19,7 @@ struct Budget {
 ///
 ///     stream = { line ( "\n" | "\r\n" ) } [ line ]        "sdb\r\nsdc" is "sdb", "sdc"
 ///
-/// Past the budget it drops everything.
+/// Drops everything once the budget is exceeded.
 class LineCollector {
 public:
     /// Appends to `lines`, which outlives the collector, as does `budget`.
@@ -27,7 +27,7 @@ public:
         : m_lines(lines), m_budget(budget)
     {}
 
-    /// Takes the next piece of the stream, cut anywhere.
+    /// Takes the next piece of the stream; a piece may begin and end anywhere in a line.
     void add(std::string_view bytes);
 
     /// Ends the stream: a line without a line end is a line too.
@@ -42,11 +42,11 @@ private:
     std::string m_held;
 };
 
-/// What a line counts against a budget.
+/// The number of bytes that a line takes from a budget.
 std::size_t cost(std::string_view line);
 
-/// Drops the lines from the one behind `first` on that do not fit into `bytes` bytes, and gives
-/// their memory back.
+/// Keeps the first `first` lines and those after them that fit into `bytes` bytes. Drops the rest
+/// and frees its memory.
 void keepBeginning(std::vector<std::string>& lines, std::size_t first, std::size_t bytes);
 
 } // namespace koze_pdk_4_4::runner

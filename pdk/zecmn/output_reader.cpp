@@ -19,10 +19,10 @@ void OutputReader::read()
 
 void OutputReader::finish()
 {
-    int there = 0;
+    int available = 0;
     if (isOpen())
-        ioctl(m_pipe.number(), FIONREAD, &there);
-    for (auto left = static_cast<std::size_t>(there); left > 0 && isOpen();)
+        ioctl(m_pipe.number(), FIONREAD, &available);
+    for (auto left = static_cast<std::size_t>(available); left > 0 && isOpen();)
         left -= readUpTo(std::min(left, pieceSize));
     m_lines.finish();
 }

@@ -1,5 +1,5 @@
-#ifndef OUTPUT_READER_H
-#define OUTPUT_READER_H
+#ifndef ZECMN_OUTPUT_READER_H
+#define ZECMN_OUTPUT_READER_H
 
 #include <cstddef>
 #include <memory>
@@ -13,19 +13,19 @@ namespace koze_pdk_4_4::runner {
 
 /// The host's end of a pipe that a program prints to, with the lines that came out of it.
 ///
-/// It is the pipe's only reader: what is announced to be there can be read without blocking.
+/// It is the pipe's only reader, so that reading what poll and FIONREAD announce does not block.
 class OutputReader {
 public:
     OutputReader(Descriptor pipe, std::vector<std::string>& lines, Budget& budget);
 
-    /// The pipe, for poll; -1 once nobody can print to it any more.
+    /// The pipe, for poll; -1 after its end, when all its writers have closed it.
     int descriptor() const { return m_pipe.number(); }
     bool isOpen() const { return m_pipe.isOpen(); }
 
     /// Reads once. REQUIRES: the pipe is readable.
     void read();
 
-    /// Reads what is in the pipe by now, though somebody may go on printing, and ends the stream.
+    /// Reads what is in the pipe now and ends the stream. Does not wait for the pipe's writers.
     void finish();
 
 private:

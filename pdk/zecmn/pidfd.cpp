@@ -11,9 +11,11 @@
 
 #include "deadline.h"
 
+namespace koze_pdk_4_4::runner {
+
 namespace {
 
-// From the kernel's <linux/pidfd.h>, which is newer than the oldest headers that we build with.
+// Copied from <linux/pidfd.h>, because the headers of older kernels lack these.
 constexpr unsigned int signalProcessGroup = 1U << 2;
 
 struct PidfdInfo {
@@ -36,8 +38,6 @@ bool askForExit(int pidfd, PidfdInfo& info)
 
 } // namespace
 
-namespace koze_pdk_4_4::runner {
-
 bool signalGroupOf(int pidfd, int signal)
 {
     return syscall(SYS_pidfd_send_signal, pidfd, signal, nullptr, signalProcessGroup) == 0;
@@ -50,12 +50,12 @@ void signalProcess(int pidfd, int signal)
 
 std::optional<int> statusOfReaped(int pidfd)
 {
-    // The status appears a moment after the process has left the wait calls' sight.
+    // The kernel publishes the status a moment after waitid has stopped finding the process.
     const Deadline deadline(std::chrono::seconds(1));
     do {
         PidfdInfo info;
-        // A process that is just being reaped may be found and then missed. It is not found again,
-        // and the status is there.
+        // While the process is being reaped, the kernel may answer ESRCH. The second call succeeds
+        // then, because the status has been published.
         if (!askForExit(pidfd, info) && (errno != ESRCH || !askForExit(pidfd, info)))
             return std::nullopt;
         if ((info.mask & exitInformation) != 0)

@@ -12,19 +12,21 @@
 
 #include "descriptor.h"
 
+namespace koze_pdk_4_4::runner {
+
 namespace {
 
 /// Whether the process of an entry of /proc runs in `group`. Its state is a line of the form
 ///
 ///     pid (name) state parent group ...        812 (kodisk) S 1 812 ...
 ///
-/// where the name may hold anything.
+/// where the name may hold any character, ")" and newlines included.
 bool runsIn(int proc, const char* entry, pid_t group)
 {
     char path[NAME_MAX + 6];
     // NOLINTNEXTLINE(cert-err33-c): the path fits
     std::snprintf(path, sizeof path, "%s/stat", entry);
-    const koze_pdk_4_4::runner::Descriptor file(openat(proc, path, O_RDONLY | O_CLOEXEC));
+    const Descriptor file(openat(proc, path, O_RDONLY | O_CLOEXEC));
     char line[512] = "";
     if (!file.isOpen() || read(file.number(), line, sizeof line - 1) <= 0)
         return false;
@@ -37,11 +39,9 @@ bool runsIn(int proc, const char* entry, pid_t group)
 
 } // namespace
 
-namespace koze_pdk_4_4::runner {
-
 bool groupRuns(pid_t group)
 {
-    // Signal 0 is none.
+    // Signal 0 sends nothing; the call fails when the group is empty.
     if (kill(-group, 0) != 0)
         return false;
     const std::unique_ptr<DIR, int (*)(DIR*)> proc(opendir("/proc"), closedir);

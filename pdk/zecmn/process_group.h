@@ -1,12 +1,12 @@
-#ifndef PROCESS_GROUP_H
-#define PROCESS_GROUP_H
+#ifndef ZECMN_PROCESS_GROUP_H
+#define ZECMN_PROCESS_GROUP_H
 
 #include <sys/types.h>
 
 namespace koze_pdk_4_4::runner {
 
-/// Whether a process of `group` still runs. One that has ended and that its parent, which is none
-/// of ours, has not reaped yet does not. Also true when /proc cannot tell.
+/// Whether a process of `group` still runs. Zombies do not count: only their parents can reap them.
+/// Returns true when /proc cannot be read.
 bool groupRuns(pid_t group);
 
 } // namespace koze_pdk_4_4::runner

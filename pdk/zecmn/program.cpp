@@ -12,11 +12,11 @@
 #include <pwd.h>
 #include <unistd.h>
 
+namespace koze_pdk_4_4::runner {
+
 namespace {
 
-using koze_pdk_4_4::runner::Identity;
-
-/// `text`, which becomes a C string of the child: a NUL byte would cut it short.
+/// Returns `text`. Throws when it holds a NUL byte, which would end the child's C string early.
 const std::string& checked(const std::string& text, const char* what)
 {
     if (text.find('\0') != std::string::npos)
@@ -68,14 +68,14 @@ std::vector<gid_t> groupsOf(const char* name, gid_t group)
     std::vector<gid_t> groups(32);
     while (getgrouplist(name, group, groups.data(), &count) < 0) {
         if (static_cast<std::size_t>(count) <= groups.size())
-            throw std::bad_alloc(); // more room is not what it wants
+            throw std::bad_alloc(); // it did not fail for lack of room
         groups.resize(static_cast<std::size_t>(count));
     }
     groups.resize(static_cast<std::size_t>(count));
     return groups;
 }
 
-/// getgrouplist lists an account's own group too.
+/// `groups` holds the account's own group too: getgrouplist lists it.
 bool hasUnusableNumber(const Identity& identity)
 {
     const auto& groups = identity.groups;
@@ -84,8 +84,6 @@ bool hasUnusableNumber(const Identity& identity)
 }
 
 } // namespace
-
-namespace koze_pdk_4_4::runner {
 
 std::vector<std::string> splitCommand(const std::string& command)
 {

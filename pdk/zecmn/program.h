@@ -1,5 +1,5 @@
-#ifndef PROGRAM_H
-#define PROGRAM_H
+#ifndef ZECMN_PROGRAM_H
+#define ZECMN_PROGRAM_H
 
 #include <optional>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace koze_pdk_4_4::runner {
 
-/// Whose rights a program runs with, and the variables that say so: HOME, USER, LOGNAME and SHELL.
+/// The account whose rights a program gets, and its variables HOME, USER, LOGNAME and SHELL.
 struct Identity {
     uid_t user;
     gid_t group;
@@ -17,8 +17,8 @@ struct Identity {
     std::vector<std::string> variables;
 };
 
-/// A program as it is started: its path and arguments, its variables, and, unless they are the
-/// host's, its working directory and identity.
+/// How a program is started: path and arguments, environment, working directory (empty for the
+/// host's) and identity (none for the host's).
 struct Program {
     std::vector<std::string> arguments;
     std::vector<std::string> environment;
@@ -26,7 +26,7 @@ struct Program {
     std::optional<Identity> identity;
 };
 
-// A setting that cannot be passed on unchanged is a std::invalid_argument.
+// All functions throw std::invalid_argument for a setting that cannot be passed on unchanged.
 
 /// The program path and the arguments of a command line:
 ///
@@ -35,8 +35,8 @@ struct Program {
 ///     argument = character+                        anything but a space or a NUL byte
 std::vector<std::string> splitCommand(const std::string& command);
 
-/// The variables of the host (null-terminated, as `environ`) without LANGUAGE and with LC_ALL=C,
-/// replaced and joined by those of an account, and then by `additions`:
+/// The variables of the host (null-terminated, as `environ`) without LANGUAGE, then LC_ALL=C, then
+/// the account's, then `additions`; a later variable replaces an earlier one of the same name:
 ///
 ///     additions = { [ NAME "=" value ] "\n" }      A=1\nB=2
 std::vector<std::string> childEnvironment(const char* const* host, const std::string& additions,
@@ -45,8 +45,8 @@ std::vector<std::string> childEnvironment(const char* const* host, const std::st
 /// `directory`, unless it holds a NUL byte.
 std::string checkedDirectory(const std::string& directory);
 
-/// The account `name` with all its groups; a std::system_error when the look-up fails. A number of
-/// 4294967295 is refused: to the kernel it means to keep the host's.
+/// The account `name` with all its groups. Throws std::system_error when the look-up fails. Refuses
+/// the id 4294967295: to setresuid and setresgid it means to keep the host's.
 Identity lookUpUser(const std::string& name);
 
 } // namespace koze_pdk_4_4::runner

@@ -12,16 +12,11 @@
 #include "ending.h"
 #include "output_reader.h"
 
+namespace koze_pdk_4_4::runner {
+
 namespace {
 
-using koze_pdk_4_4::runner::Budget;
-using koze_pdk_4_4::runner::ChildProcess;
-using koze_pdk_4_4::runner::Deadline;
-using koze_pdk_4_4::runner::Ending;
-using koze_pdk_4_4::runner::lookInterval;
-using koze_pdk_4_4::runner::OutputReader;
-
-/// A started program and its two streams; the second is closed when they are one.
+/// A started program and the readers of its streams; the second is closed when both are one stream.
 class Run {
 public:
     Run(ChildProcess& child, OutputReader (&readers)[2], const Budget& budget)
@@ -41,7 +36,8 @@ private:
     bool m_ended = false;
 };
 
-/// Reads to the program's end and returns its result; ends it when it goes too far.
+/// Reads until the program ends and returns its result. Ends the program when the deadline passes
+/// or the budget is exceeded.
 int Run::follow(const Deadline& deadline, std::chrono::nanoseconds grace)
 {
     while (!m_ended && !m_budget.exceeded && !deadline.passed())
@@ -58,19 +54,19 @@ int Run::follow(const Deadline& deadline, std::chrono::nanoseconds grace)
     return resultOf(ending);
 }
 
-/// Waits until something happens, or the deadline passes, and takes it in.
+/// Waits for output, the program's end or the deadline, reads the output and notes the end.
 void Run::advance(const Deadline& deadline)
 {
-    const bool mustLook = !m_ended && m_child.descriptor() < 0;
+    const bool mustPoll = !m_ended && m_child.descriptor() < 0;
     pollfd events[] = {{m_readers[0].descriptor(), POLLIN, 0},
                        {m_readers[1].descriptor(), POLLIN, 0},
                        {m_ended ? -1 : m_child.descriptor(), POLLIN, 0}};
-    poll(events, 3, deadline.timeout(mustLook ? lookInterval : std::chrono::hours(1)));
+    poll(events, 3, deadline.timeout(mustPoll ? pollInterval : std::chrono::hours(1)));
     for (int stream = 0; stream < 2; ++stream) {
         if (events[stream].revents != 0)
             m_readers[stream].read();
     }
-    if (mustLook || events[2].revents != 0)
+    if (mustPoll || events[2].revents != 0)
         m_ended = m_child.ended();
 }
 
@@ -80,19 +76,18 @@ void Run::finish()
         reader.finish();
 }
 
-/// Asks the whole group to end. Those who still hold a stream have until `grace` for it.
+/// Sends SIGTERM to the process group, and SIGKILL when `grace` passes or the program has ended and
+/// all its streams are closed.
 void Run::end(const Deadline& grace)
 {
     m_child.signal(SIGTERM);
-    m_child.signal(SIGCONT); // a stopped process would sleep through it
+    m_child.signal(SIGCONT); // a stopped process handles SIGTERM only once it is continued
     while ((!m_ended || m_readers[0].isOpen() || m_readers[1].isOpen()) && !grace.passed())
         advance(grace);
     m_child.kill();
 }
 
 } // namespace
-
-namespace koze_pdk_4_4::runner {
 
 int run(Program program, const std::string& input, const Limits& limits,
         std::vector<std::string>& output, std::vector<std::string>& errors)
@@ -111,7 +106,7 @@ int run(Program program, const std::string& input, const Limits& limits,
                         (together ? outputPipe : errorsPipe).writeEnd.number()}));
     if (!child.start(deadline))
         return resultOf({Ending::Kind::deadlinePassed});
-    // The program has its own; a pipe ends with the last of its writers.
+    // The program has its own copies. A pipe ends when its last writer is closed.
     outputPipe.writeEnd.reset();
     errorsPipe.writeEnd.reset();
     standardInput.reset();

@@ -1,5 +1,5 @@
-#ifndef RUN_H
-#define RUN_H
+#ifndef ZECMN_RUN_H
+#define ZECMN_RUN_H
 
 #include <chrono>
 #include <cstddef>

@@ -10,19 +10,19 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+namespace koze_pdk_4_4::runner {
+
 namespace {
 
-using koze_pdk_4_4::runner::Identity;
-
-/// From here on no process of the account can trace this one or read its copy of the host's
-/// memory. The kernel does the same when a user changes, but a host may run as the account in part
-/// already.
-bool closeMemory()
+/// Clears the dumpable flag, so that no process of the account can trace this one or read its copy
+/// of the host's memory. The kernel clears the flag when the effective user changes; it does not
+/// where the host's effective user is the account's already.
+bool clearDumpable()
 {
     return syscall(SYS_prctl, PR_SET_DUMPABLE, 0, 0, 0, 0) == 0;
 }
 
-/// An account with a real-time class could keep a processor from everybody else.
+/// A program in a real-time class could keep all other programs off a processor.
 bool leaveRealTime()
 {
     const long policy = syscall(SYS_sched_getscheduler, 0);
@@ -32,8 +32,8 @@ bool leaveRealTime()
     return syscall(SYS_sched_setscheduler, 0, SCHED_OTHER | SCHED_RESET_ON_FORK, &none) == 0;
 }
 
-/// Whether errno says that there is no keyctl: the kernel has no keys, or a filter denies the call,
-/// which the program inherits.
+/// Whether errno says that keyctl is not available: the kernel has no keys, or a seccomp filter,
+/// which the program inherits, denies the call.
 bool isDenied()
 {
     return errno == ENOSYS || errno == EPERM;
@@ -45,20 +45,20 @@ bool leaveSessionKeyring()
         return true;
     if (!isDenied())
         return false;
-    // A filter may deny joining only. Then the program could use the host's keyring.
+    // A filter may deny only the joining. Then the program could still use the host's keyring.
     return syscall(SYS_keyctl, KEYCTL_GET_KEYRING_ID, KEY_SPEC_SESSION_KEYRING, 0) < 0 &&
            isDenied();
 }
 
-bool become(const Identity& identity)
+bool setUserAndGroups(const Identity& identity)
 {
     return syscall(SYS_setgroups, identity.groups.size(), identity.groups.data()) == 0 &&
            syscall(SYS_setresgid, identity.group, identity.group, identity.group) == 0 &&
            syscall(SYS_setresuid, identity.user, identity.user, identity.user) == 0;
 }
 
-/// Without these sets, ambient capabilities go too. The effective and permitted ones of an account
-/// with number 0 stay: its program gets them anyway, and needs them for its directory.
+/// Clears the inheritable set, and with it the kernel clears the ambient one. Of root, keeps the
+/// effective and permitted sets: execve restores them anyway, and chdir may need them.
 bool dropCapabilities(const Identity& identity)
 {
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
@@ -75,17 +75,15 @@ bool dropCapabilities(const Identity& identity)
 
 } // namespace
 
-namespace koze_pdk_4_4::runner {
-
 const char* switchUser(const Identity& identity)
 {
-    if (!closeMemory())
+    if (!clearDumpable())
         return "cannot close its memory to others";
     if (!leaveRealTime())
         return "cannot leave the host's real-time class";
     if (!leaveSessionKeyring())
         return "cannot leave the host's session keyring";
-    if (!become(identity))
+    if (!setUserAndGroups(identity))
         return "cannot become its user";
     if (!dropCapabilities(identity))
         return "cannot drop the host's capabilities";

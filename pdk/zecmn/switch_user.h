@@ -1,5 +1,5 @@
-#ifndef SWITCH_USER_H
-#define SWITCH_USER_H
+#ifndef ZECMN_SWITCH_USER_H
+#define ZECMN_SWITCH_USER_H
 
 #include "program.h"
 
@@ -9,7 +9,7 @@ namespace koze_pdk_4_4::runner {
 /// keyring, real-time class. Returns what failed, with errno set, and null on success.
 ///
 /// Called in a child before its program: makes plain system calls only, as all of ChildPlan does.
-/// REQUIRES: the child has a copy of the host's memory, as ChildPlan::sharesMemory explains.
+/// REQUIRES: the child has a copy of the host's memory, as ChildPlan::copiesMemory explains.
 const char* switchUser(const Identity& identity);
 
 } // namespace koze_pdk_4_4::runner

@@ -11,7 +11,7 @@ namespace koze_pdk_4_4 {
 
 void CZeTraceLog::trace(int level, const char* format, ...)
 {
-    // Only setSink fills the handle.
+    // The object is a sink: only setSink sets the handle.
     auto* const current = static_cast<CZeTraceSink*>(m_object.get());
     if (current == nullptr || !current->wants(level))
         return;

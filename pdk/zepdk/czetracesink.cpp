@@ -17,6 +17,8 @@
 #include "hoststate.h"
 #include "printable_text.h"
 
+namespace koze_pdk_4_4 {
+
 namespace {
 
 bool isPending(int signal)
@@ -35,8 +37,8 @@ ssize_t writeOnce(int descriptor, std::string_view bytes)
     }
 }
 
-/// `write`, without the signals that come with its failures: SIGPIPE when nobody reads, SIGXFSZ
-/// at the limit of a file's size. What was pending before stays pending.
+/// `write` without the signals that its failures raise: SIGPIPE when a pipe has no reader, SIGXFSZ
+/// at the limit of a file's size. A signal that was pending before stays pending.
 ssize_t writeQuietly(int descriptor, std::string_view bytes)
 {
     sigset_t raised;
@@ -64,7 +66,7 @@ struct Field {
     std::size_t width;
 };
 
-/// Appends the field, its number filled up with zeros to its width.
+/// Appends the field, its number padded with zeros to its width.
 void appendField(std::string& line, const Field& field)
 {
     char digits[std::numeric_limits<long>::digits10 + 2];
@@ -118,8 +120,6 @@ int openForAppending(const std::string& path)
 }
 
 } // namespace
-
-namespace koze_pdk_4_4 {
 
 void CZeTraceDescriptorSink::write(int level, std::string_view text)
 {

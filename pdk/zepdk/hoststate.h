@@ -1,12 +1,12 @@
-#ifndef HOSTSTATE_H
-#define HOSTSTATE_H
+#ifndef ZEPDK_HOSTSTATE_H
+#define ZEPDK_HOSTSTATE_H
 
 #include <cerrno>
 
 #include <pthread.h>
 
-/// Keeps errno as the host left it, and holds off the cancellation of its thread: tracing runs in
-/// destructors, where a cancelled thread would end the process.
+/// Restores errno at its end, and disables the cancellation of the thread until then: tracing runs
+/// in destructors, where a cancellation would end the process.
 class HostState {
 public:
     HostState() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_cancelState); }

@@ -9,7 +9,7 @@ struct Character {
     bool isPrintable;
 };
 
-/// How many bytes the encoding has that `lead` begins; 0 for a byte from within one.
+/// The size of the UTF-8 sequence that begins with `lead`; 0 for a continuation byte.
 std::size_t encodedSize(unsigned char lead)
 {
     if (lead < 0x80)
@@ -27,7 +27,7 @@ bool isEncodedBy(std::size_t size, char32_t code)
     return code >= least[size - 1] && code <= 0x10ffff && !isSurrogate;
 }
 
-/// The character that `text` begins with; a byte that begins none stands alone.
+/// The first character of `text`. A byte that begins no valid sequence counts as one, unprintable.
 Character firstCharacter(std::string_view text)
 {
     constexpr Character loneByte{1, false};

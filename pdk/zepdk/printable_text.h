@@ -1,5 +1,5 @@
-#ifndef PRINTABLE_TEXT_H
-#define PRINTABLE_TEXT_H
+#ifndef ZEPDK_PRINTABLE_TEXT_H
+#define ZEPDK_PRINTABLE_TEXT_H
 
 #include <string>
 #include <string_view>

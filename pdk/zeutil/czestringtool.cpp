@@ -4,6 +4,8 @@
 #include <new>
 #include <string_view>
 
+namespace koze_pdk_4_4 {
+
 namespace {
 
 char foldCase(char character)
@@ -22,8 +24,6 @@ bool contains(std::string_view line, std::string_view text, bool ignoreCase)
 }
 
 } // namespace
-
-namespace koze_pdk_4_4 {
 
 std::string CZeStringTool::tstr2str(const ACE_String_Base<char>& text)
 {

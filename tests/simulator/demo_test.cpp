@@ -4,7 +4,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The demonstration, with pauses that end at once and a short patience with the tool that hangs.
+/// The demonstration, with pauses that end at once and a short time until the interrupt.
 class Demo : public ActiveCommand {
 protected:
     Result demonstrate() const

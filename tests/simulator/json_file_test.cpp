@@ -4,7 +4,7 @@ namespace {
 
 using JsonFile = SimulatedTools;
 
-/// So many arrays in each other.
+/// Arrays nested to that depth.
 std::string nested(std::size_t levels)
 {
     return std::string(levels, '[') + std::string(levels, ']');

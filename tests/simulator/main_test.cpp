@@ -14,7 +14,7 @@ class Main : public SimulatedTools {
 protected:
     Main() { useScenario("healthy"); }
 
-    /// The call prints so many harmless lines and nothing else; the first one holds the name.
+    /// Expects that the call prints exactly that many harmless lines, the first one with the name.
     static void expectHarmless(const Result& call, std::size_t lines = 1)
     {
         EXPECT_EQ(call.output, "");

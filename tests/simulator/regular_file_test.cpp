@@ -1,5 +1,5 @@
-// What another account can put in the place of a file of the simulator, where it may write to the
-// folder of the state.
+// Files that another account may put in the place of the simulator's, in a folder that both can
+// write to.
 #include "simulated_tools.h"
 
 #include <atomic>
@@ -20,7 +20,7 @@ protected:
         return Fails(78, path + ": it is no regular file; remove it\n");
     }
 
-    /// Puts a FIFO there, instead of what there is.
+    /// Replaces the file by a FIFO.
     static void makeFifo(const std::string& path)
     {
         std::filesystem::remove(path);

@@ -101,7 +101,7 @@ protected:
         return kodmpadm({"getsubpaths", "dmpnodename=" + node});
     }
 
-    /// The call under a limit of 200 ms, past which it is ended by SIGTERM, and the status is 124.
+    /// The call with a limit of 200 ms: when that passes, SIGTERM ends it and the status is 124.
     Result limited(const std::vector<std::string>& call) const
     {
         std::vector<std::string> command{"/usr/bin/timeout", "0.2"};
@@ -134,7 +134,7 @@ inline auto Succeeds(const std::string& output = "")
                           testing::Field("errors", &Result::errors, ""));
 }
 
-/// Nothing is printed but a message that holds `reason`.
+/// Expects that only a message with `reason` is printed.
 inline auto Fails(int status, const std::string& reason)
 {
     return testing::AllOf(testing::Field("status", &Result::status, status),

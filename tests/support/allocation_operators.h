@@ -1,9 +1,9 @@
-#ifndef ALLOCATION_OPERATORS_H
-#define ALLOCATION_OPERATORS_H
+#ifndef TESTS_SUPPORT_ALLOCATION_OPERATORS_H
+#define TESTS_SUPPORT_ALLOCATION_OPERATORS_H
 
-// For the one source file of a test program that replaces operator new and operator delete: their
-// other forms, which a sanitizer's own ones would not match. All of them end in the two that the
-// file defines.
+// The other forms of operator new and operator delete, for a test program that replaces these two.
+// They call the two, because a sanitizer's own forms would not match them. Include this in the one
+// source file that defines the two.
 
 #include <new>
 

@@ -41,7 +41,7 @@ void* operator new(std::size_t size)
 
 void operator delete(void* block) noexcept
 {
-    // Blocks are forgotten whether watched or not, as their addresses come back.
+    // Removed from the list even when no probe watches: malloc may return the address again.
     auto* const end = blocks.begin() + blockCount;
     auto* const found = std::find(blocks.begin(), end, block);
     if (block != nullptr && found != end) {

@@ -1,5 +1,5 @@
-#ifndef ALLOCATION_PROBE_H
-#define ALLOCATION_PROBE_H
+#ifndef TESTS_SUPPORT_ALLOCATION_PROBE_H
+#define TESTS_SUPPORT_ALLOCATION_PROBE_H
 
 #include <cstddef>
 #include <vector>
@@ -25,10 +25,10 @@ public:
     /// Whether the allocation that was to fail did.
     bool failed() const;
 
-    /// What was allocated since the probe began and is not freed yet.
+    /// The blocks that were allocated since the probe began and are not freed.
     std::vector<void*> living() const;
 
-    /// Allocations are not watched while it lives: for what the test does amid an operation.
+    /// Allocations are not watched while it lives: for the test's own code during an operation.
     class Pause {
     public:
         Pause();

@@ -1,5 +1,5 @@
-#ifndef CHILD_H
-#define CHILD_H
+#ifndef TESTS_SUPPORT_CHILD_H
+#define TESTS_SUPPORT_CHILD_H
 
 #include <cstdlib>
 #include <exception>

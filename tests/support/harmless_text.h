@@ -1,15 +1,15 @@
-#ifndef HARMLESS_TEXT_H
-#define HARMLESS_TEXT_H
+#ifndef TESTS_SUPPORT_HARMLESS_TEXT_H
+#define TESTS_SUPPORT_HARMLESS_TEXT_H
 
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <string_view>
 
-// What is printable, written down a second time: byte by byte, as the standard tabulates
+// A second implementation of what is printable: byte by byte, as the Unicode standard tabulates
 // well-formed UTF-8.
 
-/// The bytes that a well-formed character may have. From the third on they are 80 to bf.
+/// The ranges of the first and second byte of a character; the third and fourth are 80 to bf.
 struct Utf8Form {
     unsigned char firstLead, lastLead, firstSecond, lastSecond;
     std::size_t size;
@@ -21,7 +21,7 @@ constexpr Utf8Form utf8Forms[] = {
     {0xf0, 0xf0, 0x90, 0xbf, 4}, {0xf1, 0xf3, 0x80, 0xbf, 4}, {0xf4, 0xf4, 0x80, 0x8f, 4},
 };
 
-/// Characters of the categories Cc, Cf, Zl and Zp: those with these bytes in front of the last one.
+/// Characters of the categories Cc, Cf, Zl and Zp: their bytes before the last, and its range.
 struct ControlCharacters {
     std::string_view front;
     unsigned char firstLast, lastLast;
@@ -94,7 +94,7 @@ inline bool isHarmless(std::string_view text)
     return true;
 }
 
-/// Whether `text` consists of so many whole lines, each of them harmless.
+/// Whether `text` consists of that many complete lines, all of them harmless.
 inline bool isHarmlessLines(std::string_view text, std::size_t count)
 {
     for (; count > 0; --count) {

@@ -1,5 +1,5 @@
-#ifndef HOST_MODULE_H
-#define HOST_MODULE_H
+#ifndef TESTS_SUPPORT_HOST_MODULE_H
+#define TESTS_SUPPORT_HOST_MODULE_H
 
 #include <cstdint>
 #include <string>
@@ -11,8 +11,8 @@
 /// What happened to host modules, in order.
 using Journal = std::vector<std::string>;
 
-/// A host's own claim module: answers what it was made with, and writes every call and its own
-/// end into a journal.
+/// A host's own claim module: gives the answers that it was constructed with, and records its calls
+/// and its destruction in a journal.
 class HostModule : public CDmpDeviceClaimBase {
 public:
     HostModule(Journal& journal, std::string name, std::uint32_t result = CLAIM_NONE)

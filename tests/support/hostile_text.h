@@ -1,13 +1,13 @@
-#ifndef HOSTILE_TEXT_H
-#define HOSTILE_TEXT_H
+#ifndef TESTS_SUPPORT_HOSTILE_TEXT_H
+#define TESTS_SUPPORT_HOSTILE_TEXT_H
 
 #include <string>
 #include <vector>
 
 #include <rapidcheck.h>
 
-/// Text of pieces that steer terminals, of what is left of them when they are cut, of bytes that
-/// are no characters, and of ordinary characters.
+/// Text of pieces that steer terminals, their fragments, bytes that are not UTF-8, and ordinary
+/// characters.
 inline rc::Gen<std::string> hostileText()
 {
     using Pieces = std::vector<std::string>;

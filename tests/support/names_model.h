@@ -1,5 +1,5 @@
-#ifndef NAMES_MODEL_H
-#define NAMES_MODEL_H
+#ifndef TESTS_SUPPORT_NAMES_MODEL_H
+#define TESTS_SUPPORT_NAMES_MODEL_H
 
 #include <cstdint>
 #include <limits>
@@ -8,15 +8,15 @@
 #include <string>
 #include <utility>
 
-// What the drivers' naming rules say of a path, written down a second time and without regard to
-// cost: the oracle of the random and the fuzz tests.
+// A second, simple implementation of the drivers' naming rules: the oracle of the random tests and
+// of the fuzz tests.
 
 /// All answers about one path and one partition number.
 struct Answer {
     std::uint32_t claim = 0;
     bool isPartition = false;
     std::string disk;                   ///< from removing the partition's suffix
-    std::optional<unsigned int> number; ///< likewise; none when it was left alone
+    std::optional<unsigned int> number; ///< likewise; none when it was not written
     std::string partition;              ///< from appending the number
 
     bool operator==(const Answer& other) const
@@ -37,8 +37,8 @@ inline std::ostream& operator<<(std::ostream& stream, const Answer& answer)
     return stream << ", partition \"" << answer.partition << '"';
 }
 
-/// What a module or the manager answers. Asks for the disk twice, with different numbers to begin
-/// with, to see whether the number is written.
+/// The answers of a module or the manager. Asks for the disk twice, with different initial numbers,
+/// to see whether the number is written.
 template <class Module>
 Answer answerOf(Module& module, const std::string& device, unsigned int partnum)
 {
@@ -67,7 +67,7 @@ inline bool endsInDigit(const std::string& device)
     return !device.empty() && std::string("0123456789").find(device.back()) != std::string::npos;
 }
 
-/// The low 32 bits of the digits' value, which stops at the largest signed 64-bit integer.
+/// The low 32 bits of the digits' value, which saturates at the largest signed 64-bit integer.
 inline unsigned int valueOf(const std::string& digits)
 {
     constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();

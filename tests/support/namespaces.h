@@ -1,5 +1,5 @@
-#ifndef NAMESPACES_H
-#define NAMESPACES_H
+#ifndef TESTS_SUPPORT_NAMESPACES_H
+#define TESTS_SUPPORT_NAMESPACES_H
 
 #include <gtest/gtest.h>
 
@@ -17,8 +17,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Called where private namespaces are not permitted: the test is skipped, but not in CI, which
-/// must have them.
+/// Called where private namespaces are not permitted: skips the test, or fails it in CI, where they
+/// must be permitted.
 inline void endWithoutNamespaces()
 {
     if (std::getenv("CI") != nullptr)
@@ -29,7 +29,7 @@ inline void endWithoutNamespaces()
 /// Runs functions in child processes with namespaces of their own for processes and mounts.
 class Namespaces {
 public:
-    /// What the function finds at /proc.
+    /// What is mounted at /proc for the function.
     enum class Proc { ofItsProcesses, ofTheHost, missing };
 
     static bool arePermitted()
@@ -37,8 +37,8 @@ public:
         return run(Proc::ofItsProcesses, [] {}) != notPermitted;
     }
 
-    /// Runs the function as the first process, with which all others end. What it expects counts
-    /// for this test.
+    /// Runs the function as the first process of the namespace: when it ends, the kernel kills the
+    /// others. Its failed expectations fail this test.
     static void expectIn(Proc proc, const std::function<void()>& function)
     {
         EXPECT_EQ(run(proc, function), 0);

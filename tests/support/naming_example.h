@@ -1,5 +1,5 @@
-#ifndef NAMING_EXAMPLE_H
-#define NAMING_EXAMPLE_H
+#ifndef TESTS_SUPPORT_NAMING_EXAMPLE_H
+#define TESTS_SUPPORT_NAMING_EXAMPLE_H
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#ifndef OPERATIONS_H
-#define OPERATIONS_H
+#ifndef TESTS_SUPPORT_OPERATIONS_H
+#define TESTS_SUPPORT_OPERATIONS_H
 
 #include <functional>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef PROCESS_H
-#define PROCESS_H
+#ifndef TESTS_SUPPORT_PROCESS_H
+#define TESTS_SUPPORT_PROCESS_H
 
 #include <array>
 #include <cerrno>
@@ -22,29 +22,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// An open descriptor, closed with its owner.
-class Descriptor {
-public:
-    explicit Descriptor(int number = -1) : m_number(number) {}
-    Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(m_number, other.m_number);
-        return *this;
-    }
-    ~Descriptor() { close(); }
-
-    void close()
-    {
-        if (m_number >= 0)
-            ::close(std::exchange(m_number, -1));
-    }
-
-    int number() const { return m_number; }
-
-private:
-    int m_number;
-};
+#include "tests/support/descriptor.h"
 
 struct Pipe {
     Descriptor reader;
@@ -59,11 +37,6 @@ inline Pipe makePipe()
     return {Descriptor(ends[0]), Descriptor(ends[1])};
 }
 
-inline Descriptor openFile(const char* path, int flags)
-{
-    return Descriptor(open(path, flags | O_CLOEXEC, 0600));
-}
-
 /// A file without a name that holds `text`, at its beginning.
 inline Descriptor fileHolding(std::string_view text)
 {
@@ -76,8 +49,8 @@ inline Descriptor fileHolding(std::string_view text)
 
 /// How a process starts, besides its arguments.
 struct Setting {
-    int input = -1;  // a descriptor to use instead of a pipe from the test
-    int output = -1; // the same
+    int input = -1;  // a descriptor for stdin; -1 for a pipe from the test
+    int output = -1; // a descriptor for stdout; -1 for a pipe to the test
     bool closedOutput = false;
     bool ignoredBrokenPipe = false;
     bool blockedBrokenPipe = false;
@@ -123,7 +96,7 @@ public:
 
     void signal(int number) const { kill(m_pid, number); }
 
-    /// Whether it ends before so many milliseconds have passed.
+    /// Whether it ends within that many milliseconds.
     bool endsWithin(int milliseconds) const
     {
         const Descriptor child(static_cast<int>(syscall(SYS_pidfd_open, m_pid, 0)));
@@ -218,7 +191,7 @@ private:
         return result;
     }
 
-    /// Waits until one of the descriptors is ready; negative ones are passed over.
+    /// Waits until one of the descriptors is ready; ignores negative ones.
     std::vector<pollfd> await(std::vector<pollfd> descriptors)
     {
         const auto left =

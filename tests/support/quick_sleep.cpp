@@ -1,5 +1,5 @@
-// Takes the place of `sleep` in a process that loads it by LD_PRELOAD: writes the seconds to the
-// file SLEEP_LOG, a line each, and returns after SLEEP_MILLISECONDS, at once without it.
+// Replaces `sleep` in a process that loads this with LD_PRELOAD: appends the seconds as a line to
+// the file SLEEP_LOG and returns after SLEEP_MILLISECONDS, or at once when that is not set.
 #include <chrono>
 #include <cstdlib>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef RECORDING_LOG_H
-#define RECORDING_LOG_H
+#ifndef TESTS_SUPPORT_RECORDING_LOG_H
+#define TESTS_SUPPORT_RECORDING_LOG_H
 
 #include <gmock/gmock.h>
 

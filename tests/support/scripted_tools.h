@@ -1,5 +1,5 @@
-#ifndef SCRIPTED_TOOLS_H
-#define SCRIPTED_TOOLS_H
+#ifndef TESTS_SUPPORT_SCRIPTED_TOOLS_H
+#define TESTS_SUPPORT_SCRIPTED_TOOLS_H
 
 // Replaces the framework's command runner, `access`, `sleep` and the monotonic clock of the whole
 // process. Include it in the one source file of a test program.
@@ -75,19 +75,19 @@ public:
         return tools;
     }
 
-    /// What was asked for, in order: command lines, "access PATH MODE", "sleep SECONDS".
+    /// All calls, in order: command lines, "access PATH MODE", "sleep SECONDS".
     std::vector<std::string> events;
-    /// What `access` answers: all that is asked about is there and executable, or nothing; but for
-    /// these files.
+    /// The answers of `access`: whether all files exist and are executable or none does, and the
+    /// exceptions.
     bool installed = true;
     std::set<std::string> missing;
     std::set<std::string> notExecutable;
-    /// What each of the next sleeps leaves over, as when a signal interrupts it; later ones leave
-    /// nothing.
+    /// How much of each of the next sleeps is left when it returns, as if a signal interrupted it.
+    /// Later sleeps are not interrupted.
     std::deque<std::chrono::milliseconds> sleepsLeaveOver;
-    /// What passes between the end of a sleep and its return.
+    /// The time between the end of a sleep and its return.
     std::chrono::seconds afterSleep{};
-    /// Passes in sleeps only.
+    /// The monotonic clock; only sleeps move it.
     std::chrono::nanoseconds clock{};
     int runners = 0;
     int liveRunners = 0;
@@ -99,7 +99,7 @@ private:
     std::deque<Reply> m_script;
 };
 
-// These definitions stand in a header because each test program has one source file.
+// These definitions are in a header because each test program has one source file.
 // NOLINTBEGIN(misc-definitions-in-headers)
 namespace koze_pdk_4_4 {
 

@@ -1,5 +1,5 @@
-#ifndef SLOTS_H
-#define SLOTS_H
+#ifndef TESTS_SUPPORT_SLOTS_H
+#define TESTS_SUPPORT_SLOTS_H
 
 #include <cstddef>
 #include <cstring>

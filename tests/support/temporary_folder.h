@@ -1,5 +1,5 @@
-#ifndef TEMPORARY_FOLDER_H
-#define TEMPORARY_FOLDER_H
+#ifndef TESTS_SUPPORT_TEMPORARY_FOLDER_H
+#define TESTS_SUPPORT_TEMPORARY_FOLDER_H
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,5 +1,5 @@
-#ifndef TERMINAL_H
-#define TERMINAL_H
+#ifndef TESTS_SUPPORT_TERMINAL_H
+#define TESTS_SUPPORT_TERMINAL_H
 
 #include <string>
 
@@ -8,7 +8,7 @@
 
 #include "tests/support/process.h"
 
-/// A terminal that passes bytes on as they are, and its screen.
+/// A raw pseudoterminal: it passes bytes on unchanged.
 class Terminal {
 public:
     explicit Terminal(const winsize& size = {24, 80, 0, 0})
@@ -24,7 +24,7 @@ public:
         fcntl(screen, F_SETFL, O_NONBLOCK);
     }
 
-    /// Where programs write.
+    /// The side that programs write to.
     int descriptor() const { return m_line.number(); }
 
     /// What has been written since the last call.

@@ -1,5 +1,5 @@
-#ifndef TRACE_OUTLINE_H
-#define TRACE_OUTLINE_H
+#ifndef TESTS_SUPPORT_TRACE_OUTLINE_H
+#define TESTS_SUPPORT_TRACE_OUTLINE_H
 
 #include <regex>
 #include <string>

@@ -1,12 +1,12 @@
-#ifndef TRACED_H
-#define TRACED_H
+#ifndef TESTS_SUPPORT_TRACED_H
+#define TESTS_SUPPORT_TRACED_H
 
 #include <string>
 #include <vector>
 
 #include "tests/support/recording_log.h"
 
-/// Lines to come in this order.
+/// Lines that are expected in this order.
 using TraceLines = std::vector<testing::Matcher<const Line&>>;
 
 inline void append(TraceLines& lines, const Line& line)

@@ -21,8 +21,8 @@ void forEach(const std::vector<CDmpDeviceClaimBase*>& modules, Visit visit)
 
 } // namespace
 
-// The list holds plain pointers: when a module cannot be made here, those made already are left
-// alone, as the host's framework expects of a constructor that throws.
+// The list holds plain pointers: when a module cannot be made here, those made before it are not
+// deleted, as the host's framework expects of a constructor that throws.
 CDmpClaimManager::CDmpClaimManager()
 {
     CZE_TRACE_FUNCTION();
@@ -50,7 +50,7 @@ void CDmpClaimManager::registerTraceLog(koze_pdk_4_4::CZeTraceLogHandle& log)
 {
     CZE_TRACE_FUNCTION();
     m_traceLog = log;
-    // The held handle, not `log`: a module may register another log, and then all share the last.
+    // Not `log`: a module may register another log meanwhile, and all modules get the last one.
     forEach(m_modules,
             [this](CDmpDeviceClaimBase& module) { module.registerTraceLog(m_traceLog); });
 }

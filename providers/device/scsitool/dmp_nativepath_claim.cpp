@@ -112,7 +112,7 @@ std::string CNativePathClaim::getActivePath(std::string device, bool wait)
     std::string activeName;
     if (support.getOSDiskHandleForKoVMDisk(node, activeName) != 0 || activeName.empty())
         return device;
-    // Derived modules see every successful lookup here; the active path stands under /dev/ always.
+    // The result is not used: derived modules that override this observe successful lookups here.
     isRawDevice(device);
     std::string activePath = "/dev/" + activeName;
     CZE_TRACE(6, "Got active path [%s].", activePath.c_str());

@@ -30,7 +30,7 @@ inline std::size_t trailingDigits(const std::string& device)
 inline unsigned int numberAt(const std::string& device, std::size_t begin)
 {
     const std::size_t first = std::min(device.find_first_not_of('0', begin), device.size());
-    // More digits than the largest long has need no reading, and strtol would walk all of them.
+    // A number with more digits than the largest long saturates; strtol would read every digit.
     if (device.size() - first > std::numeric_limits<long>::digits10 + 1)
         return static_cast<unsigned int>(std::numeric_limits<long>::max());
     const int hostErrno = errno;

@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Writes down what is done to the objects, in order.
+/// Records the operations on the objects, in order.
 class Journal {
 public:
     void note(const std::string& event) { m_events.push_back(event); }

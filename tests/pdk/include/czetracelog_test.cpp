@@ -42,7 +42,7 @@ TEST(TraceLog, StartsEmptyWithTheSetting12345)
     EXPECT_FALSE(log.m_object);
 }
 
-// Behind the pointer to the slots stand the five texts.
+// The five texts follow the pointer to the virtual slots.
 constexpr std::size_t behindTexts = sizeof(void*) + 5 * sizeof(ACE_String_Base<char>);
 
 TEST(TraceLog, ItsFieldsStandInTheirOrder)
@@ -105,7 +105,7 @@ TEST(TraceLog, EndsOnceWithItsLastHandle)
     EXPECT_EQ(ends, 1);
 }
 
-// What traces.
+// Classes that trace.
 
 int evaluated = 0;
 

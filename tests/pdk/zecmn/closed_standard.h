@@ -7,7 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-/// Closes some of the standard descriptors while it lives.
+/// Closes some of stdin, stdout and stderr while it lives.
 class ClosedStandard {
 public:
     explicit ClosedStandard(const std::vector<int>& numbers)
@@ -27,7 +27,7 @@ public:
         }
     }
 
-    /// The standard numbers that are open.
+    /// Those of 0, 1 and 2 that are open.
     static std::vector<int> open()
     {
         std::vector<int> numbers;

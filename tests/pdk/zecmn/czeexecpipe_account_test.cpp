@@ -1,4 +1,4 @@
-// Programs that run as another user: what they have of the host, and what they have not.
+// Programs that run as another user: what they inherit from the host, and what they must not.
 #include "pdk/include/czeexecpipe.h"
 
 #include <gmock/gmock.h>
@@ -159,8 +159,8 @@ TEST_F(ExecAccount, CannotReadTheHostsSessionKeyring)
 
 constexpr std::uint32_t hostsSet = 1U << CAP_SETUID | 1U << CAP_SETGID | 1U << CAP_DAC_OVERRIDE;
 
-/// Makes this process a host that is not root and has capabilities of every kind.
-bool becomeCapableUser()
+/// Switches this process to an ordinary user who has capabilities in every set.
+bool switchToCapableUser()
 {
     bool raised = prctl(PR_SET_KEEPCAPS, 1) == 0 && setresgid(1, 1, 1) == 0 &&
                   setresuid(1, 1, 1) == 0 && setCapabilities(hostsSet);
@@ -182,7 +182,7 @@ TEST_F(ExecAccount, HasNoCapabilityOfRoot)
 TEST_F(ExecAccount, HasNoCapabilityOfAHostThatIsNotRoot)
 {
     EXPECT_TRUE(holdsInChild([this] {
-        return becomeCapableUser() && shown("capabilities", "nobody") == noCapability &&
+        return switchToCapableUser() && shown("capabilities", "nobody") == noCapability &&
                shown("capabilities", "") != noCapability;
     }));
 }
@@ -195,7 +195,7 @@ TEST_F(ExecAccount, EntersNoDirectoryByTheHostsCapabilities)
         Settings settings;
         settings.user = "nobody";
         settings.directory = path;
-        return becomeCapableUser() && chdir(path.c_str()) == 0 &&
+        return switchToCapableUser() && chdir(path.c_str()) == 0 &&
                refusal("show directory", settings).find("cannot enter its directory") !=
                    std::string::npos;
     }));

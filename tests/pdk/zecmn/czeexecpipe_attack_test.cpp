@@ -1,5 +1,5 @@
-// The account that a program runs as attacks the host's memory, which the program's process has, as
-// a copy, until the program starts.
+// Processes of the account that a program runs as attack the program's process. It has a copy of
+// the host's memory until execve.
 #include "pdk/include/czeexecpipe.h"
 
 #include <gtest/gtest.h>
@@ -28,13 +28,13 @@ namespace {
 constexpr uid_t nobody = 65534;
 constexpr std::uint64_t magic = 0x7365'6372'6574'2121;
 
-/// What the host keeps from the account.
+/// What processes of the account must not read.
 volatile std::uint64_t secret = magic;
 
-/// What the test and its processes tell each other.
+/// Shared memory of the test and its processes.
 struct Board {
     std::atomic<long> attempts{0};
-    std::atomic<long> opened{0}; // memories of processes of the account
+    std::atomic<long> opened{0}; // how many memory files of processes could be opened
     std::atomic<long> wonByFile{0};
     std::atomic<long> wonByCopying{0};
     std::atomic<long> wonByTracing{0};
@@ -54,7 +54,7 @@ void doze()
 
 } // namespace
 
-/// Called by children too.
+/// Children of the runner call this too.
 extern "C" long syscall(long number, ...) noexcept
 {
     va_list list;
@@ -109,20 +109,20 @@ void attackByTracing(pid_t process)
         ++board->wonByTracing;
 }
 
-bool becomeNobody()
+bool switchToNobody()
 {
     return setgroups(0, nullptr) == 0 && setresgid(nobody, nobody, nobody) == 0 &&
            setresuid(nobody, nobody, nobody) == 0;
 }
 
-/// A process of the account that does something again and again.
+/// A process of the account that repeats `work`.
 class Nobody {
 public:
     explicit Nobody(void (*work)()) : m_process(fork())
     {
         if (m_process != 0)
             return;
-        if (!becomeNobody())
+        if (!switchToNobody())
             _exit(1);
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         for (;;)
@@ -140,8 +140,8 @@ private:
     pid_t m_process;
 };
 
-/// Opens the memory of this process to its account, whatever the system's rules for tracing are,
-/// and waits to be attacked.
+/// Lets processes of the same account trace this one, also where the system restricts tracing, and
+/// waits to be attacked.
 void offerMemory()
 {
     prctl(PR_SET_DUMPABLE, 1);
@@ -151,7 +151,7 @@ void offerMemory()
     doze();
 }
 
-/// The number that the system gave away last.
+/// The process id that the kernel assigned last.
 pid_t newestProcess()
 {
     const std::string load = contentsOf("/proc/loadavg");
@@ -169,7 +169,7 @@ void attackNewProcesses()
     }
 }
 
-/// Attacks the child that is held a thousand times in every way, and lets it go.
+/// Attacks the held child a thousand times in every way, then releases it.
 void attackHeldChild()
 {
     const pid_t child = board->held;
@@ -271,8 +271,8 @@ TEST_F(ExecAttack, FailsOnAChildThatHasSwitchedToTheAccount)
     recordCounts();
 }
 
-/// Makes this process root whose effective user and group are the account's.
-bool becomeNobodyInPart()
+/// Sets the effective user and group of this process, which runs as root, to the account's.
+bool switchEffectiveUser()
 {
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     __user_cap_data_struct sets[2];
@@ -290,7 +290,7 @@ TEST_F(ExecAttack, FailsOnAChildOfAHostThatIsTheAccountInPart)
         Settings settings;
         settings.user = "nobody";
         settings.limit = 10;
-        return becomeNobodyInPart() && exec("/bin/true", settings) == 0;
+        return switchEffectiveUser() && exec("/bin/true", settings) == 0;
     }));
     expectNotWon();
     EXPECT_GE(board->attempts, 3000);

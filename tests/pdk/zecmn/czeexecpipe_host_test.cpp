@@ -96,7 +96,7 @@ TEST_F(ExecHost, ThatHandlesSigchld)
     EXPECT_GT(handled, 0);
 }
 
-/// Whether this kernel keeps the status of a process that somebody else has reaped.
+/// Whether this kernel still tells the status of a process after it has been reaped.
 bool kernelKeepsStatus()
 {
     int pidfd = -1;
@@ -165,7 +165,7 @@ TEST_F(ExecReapingHost, ThatReapsEveryChildInAThread)
             std::this_thread::yield();
         }
     });
-    // On a busy machine the runner may be first every time.
+    // Repeated, because on a busy machine the runner may always reap its child first.
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     do
         expectEveryKnownEnding();
@@ -248,7 +248,7 @@ TEST_F(ExecHost, ThatBlocksAndIgnoresSignals)
         EXPECT_EQ(execToFirstWord("hang", grace), CZeExecPipeBase::boundExceeded);
         EXPECT_LT(took(), grace); // by SIGTERM
     }
-    // Nothing but the children's ends was raised here.
+    // The host got no signal but SIGCHLD.
     sigset_t pending;
     sigpending(&pending);
     for (int signal = 1; signal < 65; ++signal)
@@ -328,7 +328,7 @@ std::string refusalUnder(rlim_t limit, const std::function<int()>& exec)
 TEST_F(ExecHost, WithoutEnoughDescriptorsLeft)
 {
     const auto run = [this] { return exec("exit_with 0"); };
-    // The sanitizers look at a type once, and need descriptors for that.
+    // A first run, because the sanitizers open descriptors when they first see a type.
     EXPECT_EQ(run(), 0);
     EXPECT_NE(refusal("/no/such/program"), "");
     for (const std::vector<int>& set : {std::vector<int>(), {0}, {0, 2}}) {
@@ -389,7 +389,7 @@ TEST_F(ExecHost, WithoutRoomForAnotherProcess)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can become a user with a process already";
-    // In a process of its own: there is no way back.
+    // In a child process, because the change cannot be undone.
     EXPECT_EXIT(
         {
             const rlimit none{};

@@ -1,5 +1,5 @@
-// The runner on kernels that lack something, or fail at something. System calls go through the
-// functions defined here; each test says which of them to deny.
+// The runner on kernels that lack a system call or fail at one. System calls go through the
+// functions defined here; each test says which of them fail.
 #include "pdk/include/czeexecpipe.h"
 
 #include <gmock/gmock.h>
@@ -29,22 +29,22 @@
 
 namespace {
 
-/// What the kernel of a test lacks, and what was asked of it.
+/// What the kernel of a test lacks, and which calls reached it.
 struct Kernel {
     std::map<long, int> deniedCalls; // number and errno's value
     bool hasPidfd = true;
     bool waitsByPidfd = true;
     bool interruptsWaits = false; // every other one
     int waits = 0;
-    int exitInformationAfter = 0; // looks in vain before it is there
-    int missesProcess = 0;        // how often it says that there is no such process
+    int exitInformationAfter = 0; // calls that do not find it yet
+    int missesProcess = 0;        // how often an ioctl of a pidfd answers ESRCH
     bool keepsExitInformation = true;
     bool sends = true;
     long hangsIn = 0; // the number of a call
     bool clones = true;
-    bool maps = true;    // memory to share with a copy of this process
+    bool maps = true;    // whether shared mappings succeed
     int groupSignal = 0; // reaches the child while it is in the host's group
-    std::optional<std::chrono::nanoseconds> frozen; // the time, which only waiting moves
+    std::optional<std::chrono::nanoseconds> frozen; // the time; only waiting moves it
     int joinError = 0;                              // of joining a session keyring
     int keyError = 0; // of everything else that keyctl does, when joining fails
 
@@ -64,7 +64,7 @@ Function* real(const char* name)
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-// Looked up before any child, which must not look anything up, shares this memory.
+// Looked up here, because a child that shares this memory must not look symbols up.
 auto* const realClone = real<int(int (*)(void*), void*, int, void*, ...)>("clone");
 auto* const realSyscall = real<long(long, ...)>("syscall");
 auto* const realIoctl = real<int(int, unsigned long, ...)>("ioctl");
@@ -113,7 +113,7 @@ extern "C" int clone(int (*function)(void*), void* stack, int flags, void* argum
     return realClone(function, stack, flags, argument, pidfd, storage, cleared);
 }
 
-/// Called by children too.
+/// Children of the runner call this too.
 extern "C" long syscall(long number, ...) noexcept
 {
     va_list list;
@@ -192,7 +192,7 @@ extern "C" void* mmap(void* address, std::size_t size, int protection, int flags
         errno = ENOMEM;
         return MAP_FAILED;
     }
-    // Not looked up with the others: a sanitizer may map memory before that.
+    // Looked up at the first call, because a sanitizer maps memory before the others are looked up.
     static auto* const realMmap = real<void*(void*, std::size_t, int, int, int, off_t)>("mmap");
     return realMmap(address, size, protection, flags, descriptor, offset);
 }
@@ -217,7 +217,7 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
     return 0;
 }
 
-/// A plan that is left to a child which cannot be ended.
+/// The runner leaks the plan of a child that cannot be killed.
 extern "C" const char* __lsan_default_suppressions() // NOLINT(bugprone-reserved-identifier)
 {
     return "leak:koze_pdk_4_4::runner::run";
@@ -255,7 +255,7 @@ protected:
     void endWhatIsLeft()
     {
         m_kernel.sends = true;
-        // A program that has only just started shows no environment yet.
+        // The environment in /proc is empty until execve has set it.
         std::vector<std::string> left;
         const auto deadline = std::chrono::steady_clock::now() + 20s;
         while ((left = processesWith(mark())).empty() &&
@@ -462,7 +462,7 @@ TEST_F(ExecKernelThatReaps, IsNotAskedToSignalByANumberThatMayMeanSomethingElse)
     EXPECT_EQ(exec("tidy_up " + file + " 1", second), CZeExecPipeBase::deadlinePassed);
     EXPECT_EQ(unlink(file.c_str()), 0);
     expectDenied();
-    // The leader has gone with SIGTERM, perhaps before SIGCONT. Signal 0 is none.
+    // SIGTERM ends the leader, perhaps before SIGCONT is sent. Signal 0 only tests for the group.
     ASSERT_FALSE(m_kernel.killed.empty());
     EXPECT_EQ(m_kernel.killed.front().second, SIGTERM);
     for (const auto& [pid, signal] : m_kernel.killed)
@@ -493,7 +493,7 @@ TEST_F(ExecKernel, ThatSignalsTheHostsGroupAtTheStartDoesNotMeanTheProgram)
 
 TEST_F(ExecKernel, WithAProcessThatKeepsAllThatWasOpenAtTheStart)
 {
-    // Another thread of the host has forked at the worst moment.
+    // As if another thread of the host forked while the runner's descriptors were open.
     m_kernel.sibling = -1;
     EXPECT_EQ(exec("print 3 1 a\\n"), 3);
     EXPECT_EQ(output(), Lines({"a"}));
@@ -635,7 +635,7 @@ TEST_F(ExecKernel, ThatCannotEndAProgramLeavesItItsMemory)
     EXPECT_EQ(runBriefly("exit_with 5"), CZeExecPipeBase::deadlinePassed);
     EXPECT_GE(std::chrono::steady_clock::now() - start, 1300ms);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
-    // Whatever has been freed is used for something else by now.
+    // Overwrites memory that was freed, so that a freed plan shows.
     std::vector<std::vector<char>> others;
     for (std::size_t size = 16; size < 256 << 10; size += size / 4)
         others.emplace_back(size, 'x');

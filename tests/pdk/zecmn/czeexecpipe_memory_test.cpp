@@ -20,7 +20,7 @@ bool allocationFails()
 
 } // namespace
 
-// Kept out of line: where the compiler sees only one of the two it takes them for a mismatch.
+// Not inlined: if only one of the two is, the compiler warns of mismatched allocation functions.
 [[gnu::noinline]] void* operator new(std::size_t size)
 {
     void* memory = allocationFails() ? nullptr : std::malloc(size);

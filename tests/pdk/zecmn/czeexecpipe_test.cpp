@@ -206,7 +206,7 @@ TEST_F(Exec, KeepsTheBeginningOfAFlood)
     EXPECT_THAT(output(), Each(std::string(1000, 'x')));
 }
 
-// What the program finds around it.
+// What the program inherits from the host.
 
 TEST_F(Exec, PassesNoOtherDescriptorOn)
 {
@@ -376,7 +376,7 @@ TEST_F(Exec, CannotBecomeAnotherUserWithoutPermission)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can give its permission up";
-    // In a process of its own: there is no way back.
+    // In a child process, because the change cannot be undone.
     EXPECT_EXIT(
         {
             const int given = setresuid(65534, 65534, 65534);

@@ -15,18 +15,18 @@
 #include "runs_programs.h"
 #include "tests/support/child.h"
 
-using koze_pdk_4_4::runner::aboveStandard;
 using koze_pdk_4_4::runner::Descriptor;
+using koze_pdk_4_4::runner::moveAboveStdio;
 using koze_pdk_4_4::runner::openInput;
 using koze_pdk_4_4::runner::openPipe;
 using koze_pdk_4_4::runner::Pipe;
 
 namespace {
 
-/// What the next writes come to: so many bytes at most, or, negative, an error; later ones succeed.
+/// The results of the next writes: at most that many bytes, or a negated errno; later ones succeed.
 std::vector<long> writes;
 
-/// What the kernel says of a sealed file in memory, 0 or an error, and what was asked of it.
+/// The errno of opening a sealed memfd, or 0, and the flags of all calls.
 int sealError;
 std::vector<unsigned int> memoryFileFlags;
 
@@ -56,7 +56,7 @@ extern "C" int memfd_create(const char* name, unsigned int flags) noexcept
         errno = sealError;
         return -1;
     }
-    // This machine's kernel need not know the seal.
+    // Without the seal, which this machine's kernel may not know.
     return static_cast<int>(syscall(SYS_memfd_create, name, flags & ~noExecSeal));
 }
 
@@ -82,7 +82,7 @@ protected:
         EXPECT_EQ(openDescriptors(), before);
     }
 
-    /// No program that the host starts gets it, and no printing of the host.
+    /// Whether neither a program that the host starts nor the host's own output can reach it.
     static bool isPrivate(const Descriptor& descriptor)
     {
         return descriptor.number() > STDERR_FILENO &&
@@ -125,7 +125,7 @@ TEST_F(DescriptorTest, AStandardNumberIsReplaced)
         const ClosedStandard closed({number});
         Descriptor opened(open("/dev/null", O_RDONLY | O_CLOEXEC));
         ASSERT_EQ(opened.number(), number);
-        const Descriptor moved = aboveStandard(std::move(opened));
+        const Descriptor moved = moveAboveStdio(std::move(opened));
         EXPECT_TRUE(isPrivate(moved));
         EXPECT_EQ(fcntl(number, F_GETFD), -1);
     }
@@ -135,7 +135,7 @@ TEST_F(DescriptorTest, AnyOtherNumberIsKept)
 {
     Descriptor opened(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
     const int number = opened.number();
-    EXPECT_EQ(aboveStandard(std::move(opened)).number(), number);
+    EXPECT_EQ(moveAboveStdio(std::move(opened)).number(), number);
     EXPECT_EQ(fcntl(number, F_GETFD), -1);
 }
 

@@ -48,7 +48,7 @@ protected:
         }
     }
 
-    /// Ends a program as soon as it prints a word, which is past a bound.
+    /// Runs a program with a bound of one word, so that it is ended when it prints.
     int execToFirstWord(const std::string& command, std::chrono::nanoseconds grace)
     {
         koze_pdk_4_4::runner::Program program;
@@ -62,7 +62,7 @@ protected:
         return result;
     }
 
-    /// Runs a program that ignores SIGTERM, with a child that does, too.
+    /// Expects that a program which ignores SIGTERM ends, and its child, which does the same.
     void expectUnrulyOnesEnd()
     {
         EXPECT_EQ(execToFirstWord("ignore_term", std::chrono::milliseconds(100)),

@@ -21,7 +21,7 @@ namespace {
 
 bool hasProc = true;
 
-/// How the processes that /proc lists vanish before their state is read, if they do.
+/// When the processes that /proc lists end, relative to the reading of their state.
 enum class Vanish { never, beforeOpening, beforeReading };
 Vanish vanish = Vanish::never;
 
@@ -69,7 +69,7 @@ public:
         }
         pipe.writeEnd.reset();
         char none = 0;
-        EXPECT_EQ(read(pipe.readEnd.number(), &none, 1), 0); // it is ready
+        EXPECT_EQ(read(pipe.readEnd.number(), &none, 1), 0); // until the child is ready
     }
     Member(const Member&) = delete;
     Member& operator=(const Member&) = delete;
@@ -81,7 +81,7 @@ public:
 
     pid_t pid() const { return m_pid; }
 
-    /// Ends it, without reaping it.
+    /// Kills the child and leaves it a zombie.
     void end() const
     {
         kill(m_pid, SIGKILL);

@@ -24,7 +24,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// What the host's accounts are like; without one they are the machine's.
+/// The accounts of the host. Without an object, tests use the machine's.
 struct Accounts {
     int groups = 0;            // of every account
     std::size_t textsSize = 0; // of every account

@@ -91,7 +91,7 @@ TEST_F(RunTest, ALimitOf300MillisecondsReturnsWithin350)
 
 TEST_F(RunTest, PastTheLimitThereIsWhatWasPrintedBefore)
 {
-    // How long a program takes to print its first word is the machine's affair.
+    // The limit grows until it suffices to start the program and print its first word.
     for (auto limit = 300ms; limit < never && output().empty(); limit *= 2)
         EXPECT_EQ(run("hang", {limit, never, 1000, 1000}), CZeExecPipeBase::deadlinePassed);
     EXPECT_EQ(output(), Lines({"hanging"}));
@@ -187,7 +187,7 @@ TEST_F(RunTest, ALineThatNeverEndsEndsAtTheBound)
 
 TEST_F(RunTest, ABoundPassedByTheLastWordsCountsToo)
 {
-    // Five characters may still be a line of four and a carriage return, until the program ends.
+    // Until the program ends, five characters may be a line of four and its carriage return.
     for (const char* last : {"long_line", "abcde"}) {
         EXPECT_EQ(run(std::string("print 0 1 a\\n") + last, speechless),
                   CZeExecPipeBase::boundExceeded);
@@ -241,8 +241,8 @@ TEST_F(RunTest, AProgramThatClosesItsStreamsHasALimitToo)
     expectNobodyLeft();
 }
 
-/// A copy of a program that cannot be opened for a while: whoever tries waits for the holder of a
-/// lease, as for a file server that does not answer.
+/// A copy of a program that cannot be opened for a while: open blocks because of a lease, as on a
+/// file server that does not answer.
 class LeasedProgram {
 public:
     explicit LeasedProgram(const std::string& path)

@@ -19,7 +19,7 @@
 #include <time.h>
 #include <unistd.h>
 
-/// The command line of a helper program of programs/; a path stays as it is.
+/// The command line of a helper program of programs/; an absolute path is not changed.
 inline std::string commandLine(const std::string& command)
 {
     return command.empty() || command.front() == '/' ? command : PROGRAMS "/" + command;
@@ -44,7 +44,7 @@ inline std::vector<std::string> processesWith(const std::string& variable)
     return found;
 }
 
-/// The numbers of this process's open descriptors.
+/// This process's open descriptors, each with its file.
 inline std::set<std::string> openDescriptors()
 {
     std::set<std::string> numbers;
@@ -85,11 +85,11 @@ inline std::chrono::nanoseconds threadTime()
 /// Base of the tests that run programs: each must leave the host as it found it.
 class RunsPrograms : public testing::Test {
 protected:
-    /// A variable for the programs' environment, by which their processes are found. No other test
-    /// has the same, though others may run at the same time.
+    /// A variable for the programs' environment, by which their processes are found. It is unique,
+    /// because tests run at the same time.
     const std::string& mark() const { return m_mark; }
 
-    /// What a program leaves in the background on purpose ends when nobody reads it any more.
+    /// Waits first: a background process that a program left ends once its output has no reader.
     void TearDown() override
     {
         awaitNobodyLeft();
@@ -100,7 +100,7 @@ protected:
         expectNoChild();
     }
 
-    /// Nobody is left right now, without a moment of patience.
+    /// Expects that no marked process is left now, without waiting for it to end.
     void expectNobodyLeft() const { EXPECT_EQ(processesWith(m_mark), std::vector<std::string>()); }
 
     void awaitNobodyLeft() const
@@ -111,7 +111,7 @@ protected:
         expectNobodyLeft();
     }
 
-    /// Neither running nor ended.
+    /// Expects that this process has no child, running or zombie.
     static void expectNoChild()
     {
         EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);

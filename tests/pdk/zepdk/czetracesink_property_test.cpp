@@ -1,4 +1,4 @@
-// What holds for the lines of any text.
+// Properties of the line of any text.
 #include "pdk/include/czetracesink.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ using koze_pdk_4_4::CZeTraceDescriptorSink;
 
 namespace {
 
-/// What the sink makes of the text, without time stamp, process id and level.
+/// The line that the sink writes for the text, without time stamp, process id and level.
 std::string written(const std::string& text)
 {
     const Descriptor file(memfd_create("trace", MFD_CLOEXEC));

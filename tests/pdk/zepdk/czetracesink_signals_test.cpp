@@ -1,4 +1,4 @@
-// A write that fails with a signal: nobody reads the pipe or socket, or the file is at its limit.
+// Writes that raise a signal: the pipe or socket has no reader, or the file is at its size limit.
 #include "pdk/include/czetracesink.h"
 
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@ using koze_pdk_4_4::CZeTraceDescriptorSink;
 
 namespace {
 
-/// A descriptor on which a write raises `signal`, and what that takes.
+/// Makes a descriptor on which a write raises `signal`.
 struct Failure {
     const char* name;
     int signal;
@@ -81,7 +81,7 @@ bool raiseBlocked(int signal)
 
 class Signals : public testing::TestWithParam<Failure> {
 protected:
-    /// Whether one line was lost in the way that the failure says.
+    /// Whether a line is dropped whose write raises the signal.
     static bool losesALine()
     {
         const int descriptor = GetParam().descriptor();

@@ -15,6 +15,7 @@
 
 #include "pdk/include/czetracelog.h"
 #include "tests/support/child.h"
+#include "tests/support/descriptor.h"
 #include "tests/support/temporary_folder.h"
 
 using koze_pdk_4_4::CZeTraceCallbackSink;
@@ -176,7 +177,7 @@ TEST_F(TraceFileSink, ControlCharactersCannotForgeALine)
     }
 }
 
-/// What the file holds of a line with this text, without what stands before the text.
+/// What a file sink writes for a line with this text, without the line's prefix.
 std::string storedText(const std::string& path, const std::string& text)
 {
     CZeTraceFileSink(6, path).write(2, text);
@@ -361,22 +362,9 @@ TEST_F(TraceFileSink, ATerminalDoesNotBecomeTheHostsOwn)
     close(controller);
 }
 
-/// An open descriptor, closed at the end.
-class Descriptor {
-public:
-    Descriptor(const char* path, int flags) : m_number(open(path, flags | O_CLOEXEC)) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { close(m_number); }
-    int number() const { return m_number; }
-
-private:
-    int m_number;
-};
-
 TEST(TraceDescriptorSink, AFullDiskDropsTheLine)
 {
-    const Descriptor full("/dev/full", O_WRONLY);
+    const Descriptor full = openFile("/dev/full", O_WRONLY);
     CZeTraceDescriptorSink sink(6, full.number());
     sink.write(2, "lost");
     sink.write(2, "lost");
@@ -385,7 +373,7 @@ TEST(TraceDescriptorSink, AFullDiskDropsTheLine)
 
 TEST(TraceDescriptorSink, AReadOnlyDescriptorDropsTheLine)
 {
-    const Descriptor readOnly("/dev/null", O_RDONLY);
+    const Descriptor readOnly = openFile("/dev/null", O_RDONLY);
     CZeTraceDescriptorSink sink(6, readOnly.number());
     sink.write(2, "lost");
     EXPECT_EQ(sink.dropped(), 1U);
@@ -400,7 +388,7 @@ TEST(TraceDescriptorSink, AClosedDescriptorDropsTheLine)
 
 TEST(TraceDescriptorSink, StaysTheCallers)
 {
-    const Descriptor null("/dev/null", O_WRONLY);
+    const Descriptor null = openFile("/dev/null", O_WRONLY);
     {
         CZeTraceDescriptorSink sink(6, null.number());
         sink.write(2, "line");

@@ -1,4 +1,4 @@
-// What the sinks ask of the system, and what they make of its answers.
+// The system calls of the sinks, and how the sinks handle their results.
 #include "pdk/include/czetracesink.h"
 
 #include <gmock/gmock.h>
@@ -87,7 +87,7 @@ extern "C" ssize_t write(int fd, const void* buf, size_t n)
     return -1;
 }
 
-// The C library's ends a thread that is being cancelled, and may tell of an earlier write's error.
+// As in the C library: close is a cancellation point, and may report an earlier write's error.
 extern "C" int close(int fd)
 {
     pthread_testcancel();
@@ -110,7 +110,7 @@ extern "C" int fcntl(int fd, int cmd, ...)
     return result;
 }
 
-// Writes down how long it would wait, and waits for nothing.
+// Records the timeout and does not wait.
 extern "C" int sigtimedwait(const sigset_t* set, siginfo_t* info, const timespec* timeout)
 {
     waits.push_back(*timeout);
@@ -313,7 +313,7 @@ TEST_F(Write, ASignalThatArrivesDuringAWholeLineReachesTheHost)
     }
 }
 
-// Kernels differ in when a terminal that is opened becomes that of a host without one.
+// Tests the flag, because kernels differ in when an opened terminal becomes the controlling one.
 TEST(Open, AsksForNoTerminalOfTheHosts)
 {
     const TemporaryFolder folder;

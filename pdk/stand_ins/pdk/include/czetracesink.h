@@ -51,10 +51,10 @@ using CZeTraceSinkHandle = CZeSmartPtr<CZeTraceSink, CZeNullAllocator<CZeTraceSi
 ///
 /// that is local time with its zone, process id, level, text. The text counts as UTF-8. Bytes that
 /// are not, and control characters (see czeprintable.h), become \xNN, byte by byte: a device name
-/// can neither forge a line nor steer the terminal of who reads it. A line that cannot be written
-/// at once and whole (disk full, descriptor closed, no reader, a full pipe that does not block) is
-/// dropped and counted; no signal reaches the host. What a cut line left behind is ended before the
-/// next one.
+/// can neither forge a line nor steer the reader's terminal. A line that cannot be written at once
+/// and whole (disk full, descriptor closed, no reader, a full pipe that does not block) is dropped
+/// and counted; no signal reaches the host. A line that was written in part is ended before the
+/// next one is written.
 class CZE_EXPORT CZeTraceDescriptorSink : public CZeTraceSink {
 public:
     /// `descriptor` stays the caller's and must outlive the sink's last line.
@@ -82,7 +82,7 @@ class CZE_EXPORT CZeTraceFileSink : public CZeTraceDescriptorSink {
 public:
     /// Opens `path` for appending and creates it when it is missing, readable and writable as far
     /// as the umask allows. Throws std::system_error with the path when that fails. The descriptor
-    /// is closed on exec and never one of the standard three.
+    /// is close-on-exec and above 2.
     CZeTraceFileSink(int level, const std::string& path);
     ~CZeTraceFileSink() override;
 };

@@ -6,9 +6,9 @@
 
 namespace kovm {
 
-// The command lines of the volume manager's tools. Each piece carries its own blanks, so that
-// arguments are separated by runs of them, which the runner takes as they are. Names go in
-// unaltered, up to their first NUL.
+// The command lines of the volume manager's tools. Each piece carries its own spaces, so that more
+// than one may separate two arguments: the runner splits at runs of spaces. Names are inserted as
+// they are, up to their first NUL.
 
 inline constexpr char toolDirectory[] = "/usr/sbin/";
 inline constexpr char adminTool[] = "kodmpadm  ";

@@ -5,7 +5,7 @@
 
 namespace kovm {
 
-/// How a lookup goes on when a disk's node is not found.
+/// How often a lookup is repeated when it does not find a disk's node.
 struct RetryPolicy {
     int attempts;
     std::chrono::seconds pause; // after each attempt that failed, the last one too

@@ -18,13 +18,13 @@ namespace kovm {
 
 using Lines = std::vector<std::string>;
 
-/// The lines with nothing between them, as the trace shows an output.
+/// The lines without separators, as the trace shows an output.
 std::string joined(const Lines& lines);
 
-/// The number of the first row: header and rule stand before it.
+/// The number of the first row: header and rule come before it.
 inline constexpr std::size_t firstRow = 2;
 
-/// Why lines are no table.
+/// Why an output is no table.
 enum class Fault {
     none,
     noOutput, // fewer lines than header and rule
@@ -43,17 +43,17 @@ struct Row {
     std::string state;
     std::string type;
 
-    /// In use or ready to be used.
+    /// Whether the path or node can be used.
     bool isEnabled() const { return state.find("ENABLED") != std::string::npos; }
 };
 
-/// Reads the rows of a table without fault in their order.
+/// Reads the rows of a table in order. REQUIRES: the table has no fault.
 class RowReader {
 public:
     /// `lines` outlive the reader.
     explicit RowReader(const Lines& lines) : m_lines(lines) {}
 
-    /// Stores the next row that has a name; false behind the last one.
+    /// Stores the next row that has a name. Returns false after the last one.
     bool next(Row& row);
 
 private:

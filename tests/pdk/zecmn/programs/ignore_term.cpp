@@ -1,4 +1,4 @@
-// Hangs, with a child that hangs too; neither heeds SIGTERM.
+// Hangs, as does its child; both ignore SIGTERM.
 #include <csignal>
 #include <cstdio>
 

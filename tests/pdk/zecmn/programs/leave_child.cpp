@@ -1,6 +1,6 @@
-// leave_child STATUS [chatter | FILE]: prints a line and ends with that status. A child of it stays
-// behind and keeps the streams until nobody reads them any more; it may go on printing, or create
-// the file a while later.
+// leave_child STATUS [chatter | FILE]: prints a line and ends with that status. Its child keeps the
+// streams open until they have no reader. With chatter the child goes on printing; with FILE it
+// creates the file a while later.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-// leave_group GROUP: tries to enter that process group and to make a group and a session of its
-// own, prints what it could do, and hangs until a signal ends it.
+// leave_group GROUP: tries to join that process group and to create a group and a session of its
+// own, prints which of these succeeded, and hangs until a signal ends it.
 #include <cstdio>
 #include <cstdlib>
 

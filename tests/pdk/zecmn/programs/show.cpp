@@ -1,4 +1,4 @@
-// show WHAT [NUMBER]: prints something of its surroundings.
+// show WHAT [NUMBER]: prints what it inherited from the host.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -69,7 +69,7 @@ static void directory()
     std::puts(getcwd(path, sizeof path));
 }
 
-/// All of standard input, as it is.
+/// All of standard input, unchanged.
 static void input()
 {
     char text[4096];

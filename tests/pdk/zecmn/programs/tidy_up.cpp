@@ -1,6 +1,6 @@
-// tidy_up FILE STREAM: dies of SIGTERM at once, but a child of it needs a while after SIGTERM to
-// tidy up, and then creates the file. The child prints a line when it is ready, and keeps only the
-// stream of that number. For stream 0 there is no child: the program does so itself and keeps none.
+// tidy_up FILE STREAM: SIGTERM ends the program at once. Its child takes a while after SIGTERM and
+// then creates the file. The child prints a line when it is ready and keeps only the stream of that
+// number open. With stream 0 there is no child: the program acts as the child and keeps no stream.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -22,7 +22,7 @@ int main(int, char** argv)
     file = argv[1];
     const int kept = std::atoi(argv[2]);
     if (kept == 0 || fork() == 0) {
-        sigset_t term; // waits until the streams are closed
+        sigset_t term; // blocked until the streams are closed
         sigemptyset(&term);
         sigaddset(&term, SIGTERM);
         sigprocmask(SIG_BLOCK, &term, nullptr);

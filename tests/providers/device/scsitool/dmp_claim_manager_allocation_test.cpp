@@ -1,4 +1,4 @@
-// What the naming questions cost in memory, and a manager for which there is none.
+// How many allocations the naming questions make, and a manager in a host without memory.
 #include "providers/device/scsitool/dmp_claim_manager.h"
 
 #include <gmock/gmock.h>
@@ -27,7 +27,7 @@ TEST(AllocationProbe, SeesWhatTheLibraryAllocates)
     EXPECT_THAT(probe.living(), SizeIs(4));
 }
 
-/// The number of allocations of a call, which leaves none behind.
+/// The number of allocations of a call. Expects that all of them are freed.
 template <class Call>
 std::size_t allocationsOf(Call call)
 {
@@ -85,12 +85,12 @@ TEST_F(SilentOperations, AskingForAPartitionAllocatesTheArgumentOnly)
 
 TEST_F(SilentOperations, TheManagerCopiesThePathForTheSelectionAndMovesItToTheOwner)
 {
-    // Argument, the selection's copy, three modules' copies, two lists.
+    // The argument, the copy of the selection, the three modules' copies, and two lists.
     EXPECT_THAT(allocationsOf([&] { m_manager.isPartition("/dev/mapper/mpathbp2"); }), Le(7U));
     EXPECT_THAT(
         allocationsOf([&] { m_manager.removePartitionSuffix("/dev/mapper/mpathbp2", m_number); }),
         Le(7U));
-    // And the owner's growth of the path.
+    // And one more when the owning module appends to the path.
     EXPECT_THAT(allocationsOf([&] { m_manager.appendPartitionSuffix("/dev/mapper/mpathb", 2); }),
                 Le(8U));
 }
@@ -120,7 +120,7 @@ TEST_F(SilentOperations, RegisteringALogAllocatesNothing)
     EXPECT_EQ(allocationsOf([&] { m_manager.registerTraceLog(log.handle()); }), 0U);
 }
 
-/// What is left of a manager whose construction fails at allocation number `failing`.
+/// The blocks that a manager leaks whose construction fails at allocation number `failing`.
 std::vector<void*> leftBehind(std::size_t failing)
 {
     const AllocationProbe probe(failing);

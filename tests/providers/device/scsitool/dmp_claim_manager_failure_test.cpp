@@ -31,8 +31,8 @@ bool begins(const Line& line, const std::string& word)
     return line.text.rfind(word, 0) == 0;
 }
 
-/// The lines of an operation that an exception leaves instead of line number `number`: those
-/// before it, and the exiting lines of what was entered by then.
+/// The lines of an operation that an exception ends instead of line number `number`: the lines
+/// before it, then the exiting lines of the functions that were entered.
 Lines unwoundAt(const Lines& lines, std::size_t number)
 {
     Lines unwound(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(number));
@@ -85,7 +85,7 @@ protected:
         return all;
     }
 
-    /// The lines of a call that nothing disturbs.
+    /// The lines of a call that does not fail.
     Lines linesOf(const Operation& operation)
     {
         operation.call();
@@ -105,8 +105,9 @@ protected:
         EXPECT_EQ(m_log->getCount(), count);
     }
 
-    /// Lets allocation number `failing` of a call fail, and checks that either the call ended
-    /// there, or it was a trace line's and only that is lost. False when there are fewer.
+    /// Lets allocation number `failing` of a call fail. Checks that the call ended there, or that
+    /// it was the allocation of a trace line and only this line is lost. Returns false when the
+    /// call makes fewer allocations.
     bool checkWithout(std::size_t failing, const Operation& operation, const Lines& lines)
     {
         const std::uint64_t dropped = m_sink->dropped();

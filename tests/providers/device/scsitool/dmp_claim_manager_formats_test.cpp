@@ -1,4 +1,4 @@
-// The formats that a framework's own log is handed, before anything is formatted.
+// The format strings that the framework's trace log receives.
 #include <gmock/gmock.h>
 
 #include <cstdarg>
@@ -19,7 +19,7 @@ using testing::UnorderedElementsAreArray;
 
 namespace {
 
-/// A call of the log: what it was handed, and the text that the format makes of its arguments.
+/// A call of the log: its arguments, and the formatted text.
 struct Call {
     int level;
     std::string format;

@@ -1,4 +1,4 @@
-// The library is a guest in its host's process: no question leaves a mark there.
+// No question changes the state of the host's process.
 #include "providers/device/scsitool/dmp_claim_manager.h"
 
 #include <gmock/gmock.h>
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// What the host has and would miss.
+/// The state of the host's process that must not change.
 struct Surroundings {
     std::string locale = std::setlocale(LC_ALL, nullptr); // NOLINT(concurrency-mt-unsafe)
     std::vector<std::string> environment;

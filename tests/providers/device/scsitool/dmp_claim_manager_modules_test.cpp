@@ -28,7 +28,7 @@ protected:
         return module;
     }
 
-    /// The module that owns `device`; null when nobody does.
+    /// The module that owns `device`; null when none does.
     CDmpDeviceClaimBase* ownerOf(const std::string& device)
     {
         CDmpDeviceClaimBase* module = nullptr;
@@ -198,7 +198,7 @@ TEST_F(ManagerWithHostModules, TheLastHandleMayBeTheManagers)
     m_manager.reset();
 }
 
-/// A host's module that gives up.
+/// A host's module whose operations throw.
 class BrokenModule : public HostModule {
 public:
     explicit BrokenModule(Journal& journal) : HostModule(journal, "broken") {}
@@ -219,7 +219,7 @@ TEST_F(ManagerWithHostModules, WhatOneThrowsReachesTheHostAndTheManagerStaysUsab
     EXPECT_THAT(m_journal, ElementsAre("broken: deleted", "after: deleted"));
 }
 
-/// A host's module that takes a log only while it wants one.
+/// A host's module that throws when it gets a log while `refuses` is set.
 class ParticularModule : public HostModule {
 public:
     explicit ParticularModule(Journal& journal) : HostModule(journal, "particular") {}

@@ -1,5 +1,5 @@
-// What holds for any name and any number: modules and manager against the naming rules written
-// down a second time, and what comes back after a suffix was appended.
+// Properties for any name and any number: modules and manager agree with a second implementation of
+// the naming rules, and removing a suffix that was appended gives the name back.
 #include "providers/device/scsitool/dmp_claim_manager.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ namespace {
 
 using Fragments = std::vector<std::string>;
 
-/// A piece of a device path: what the rules know, what looks like it, and bytes at random.
+/// A piece of a device path: markers of the rules, near-misses, and random bytes.
 rc::Gen<std::string> fragment()
 {
     using namespace std::string_literals;
@@ -175,7 +175,7 @@ RC_GTEST_PROP(AnyName, LosesOneDeviceMapperSuffixAtATime, ())
     RC_ASSERT(module.removePartitionSuffix(disk + "p2", number) == disk);
 }
 
-/// The first of the strongest; none when no claim is above zero.
+/// The first module with the strongest claim; none when no claim is above zero.
 std::size_t strongest(const std::vector<std::uint32_t>& claims)
 {
     std::size_t winner = claims.size();

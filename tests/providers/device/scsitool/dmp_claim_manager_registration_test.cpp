@@ -1,5 +1,5 @@
-// Who owns a module when its registration fails, and what modules and logs may do to the manager
-// that is just asking them.
+// Who owns a module whose registration fails, and which calls of the manager modules and logs may
+// make while the manager calls them.
 #include "providers/device/scsitool/dmp_claim_manager.h"
 
 #include <gmock/gmock.h>
@@ -35,7 +35,7 @@ bool begins(std::string_view line, std::string_view beginning)
     return line.substr(0, beginning.size()) == beginning;
 }
 
-/// A host's module that makes a call of the host's, once, amid whatever it is asked.
+/// A host's module that runs `call` once, inside the next operation that it is asked for.
 class CallingModule : public HostModule {
 public:
     using HostModule::HostModule;
@@ -167,7 +167,7 @@ TEST_F(Registration, FromWithinTheListOfPrefixesTakesEffectWithTheNextQuestion)
 TEST_F(Registration, FromWithinTheWinnersAnswerDoesNotDisturbIt)
 {
     CallingModule* winner = add("winner", 50);
-    // Called by the claim, this call leaves another to the winner's answer.
+    // The first call, made inside the claim, sets the call to make inside the winner's answer.
     winner->call = [this, winner] { winner->call = [this] { addMany(); }; };
     EXPECT_TRUE(m_manager->isPartition("/d"));
     EXPECT_THAT(m_many, SizeIs(manyModules));

@@ -23,7 +23,8 @@ constexpr char mapperFile[] = "dmp_linux_device_mapper_claim.cpp";
 const Line powerPathClaims{3, "INFO: CDmpPowerPathClaim::claim - returning CLAIM_SECONDARY"};
 const Line mapperClaims{3, "INFO: CDmpDeviceMapperClaim::claim - returning CLAIM_SECONDARY"};
 
-// Each module asked for a path that is not its own; the native one says nothing of its own either.
+// The lines of each module for a path that it does not claim. The native module writes the same for
+// a path that it claims.
 const TraceLines nativeAsked =
     Traced("claim", nativeFile, Traced("getDeviceClaimStrings", nativeFile));
 const TraceLines powerPathAsked =
@@ -33,7 +34,7 @@ const TraceLines mapperAsked = Traced("claim", mapperFile);
 /// The selection of the device-mapper module.
 const TraceLines mapperSelected = Traced("getClaimModule", file, nativeAsked, powerPathAsked,
                                          Traced("claim", mapperFile, mapperClaims));
-/// The selection of the native module, and the one that finds nobody.
+/// The selection of the native module; it is also the one that finds no module.
 const TraceLines plainSelection =
     Traced("getClaimModule", file, nativeAsked, powerPathAsked, mapperAsked);
 
@@ -173,7 +174,7 @@ TEST_F(ManagerTrace, TheEndOfTheManagerWritesNoLine)
     EXPECT_THAT(m_log.takeLines(), IsEmpty());
 }
 
-/// A host's module that gives up.
+/// A host's module whose operations throw.
 class BrokenModule : public HostModule {
 public:
     explicit BrokenModule(Journal& journal) : HostModule(journal, "broken") {}

@@ -42,7 +42,7 @@ protected:
     int waited() { return m_support.getKoVMDiskForOSDiskHandler_Waited("sdc", m_node); }
     int refreshed() { return m_support.getKoVMDiskForOSDiskHandler_Refreshed("sdc", m_node); }
 
-    /// The lines that the operation itself wrote, with the operations that it called.
+    /// The lines that the operation itself wrote, and the names of the operations that it called.
     Lines trace()
     {
         Lines own;

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// In front of every block of memory stand digits, and so in front of every long string.
+/// Each block of memory has digits in front of it, and so has each long string.
 constexpr std::size_t digitsInFront = 64;
 
 } // namespace
@@ -25,7 +25,8 @@ void* operator new(std::size_t size)
     return block + digitsInFront;
 }
 
-[[gnu::noinline]] void operator delete(void* block) noexcept // inlined, it would not match new
+[[gnu::noinline]] void
+operator delete(void* block) noexcept // if inlined, the compiler would warn of a mismatch
 {
     if (block != nullptr)
         std::free(static_cast<char*>(block) - digitsInFront);

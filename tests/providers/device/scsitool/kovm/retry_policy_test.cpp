@@ -10,8 +10,8 @@ namespace {
 
 using kovm::RetryPolicy;
 
-/// Looks the active path of /dev/sdc up, which is never found. The number of commands is that of
-/// the script.
+/// Looks up the active path of /dev/sdc, which is never found. The script fails the test when the
+/// number of commands differs.
 void lookUp(bool refresh)
 {
     CDmpClaimManager manager;
@@ -31,7 +31,7 @@ std::vector<std::string> sleeps(const ScriptedTools& tools)
     return found;
 }
 
-/// As many sleeps as there are attempts.
+/// One sleep for each attempt.
 std::vector<std::string> pauses(const RetryPolicy& policy)
 {
     return std::vector<std::string>(static_cast<std::size_t>(policy.attempts),
