@@ -1,5 +1,5 @@
-// What examining a machine without the volume manager costs: reading the names of its block
-// devices, and holding them against the kernel's.
+// What checking a machine without the volume manager costs: reading the names of its block devices,
+// and comparing them with the kernel's.
 #include <benchmark/benchmark.h>
 
 #include "tests/command/doctor/fake_machine.h"
@@ -28,30 +28,30 @@ private:
     }
 };
 
-void examine(benchmark::State& state, const Machine& machine)
+void check(benchmark::State& state, const Machine& machine)
 {
     std::size_t findings = 0;
     for (auto _ : state) {
-        command::checkDevices(machine.places(), machine.readings(), {},
+        command::checkDevices(machine.paths(), machine.readings(), {},
                               [&](const command::Finding&) { ++findings; });
     }
     benchmark::DoNotOptimize(findings);
 }
 
-void examineMany(benchmark::State& state)
+void checkMany(benchmark::State& state)
 {
     static const Machine machine(8192);
-    examine(state, machine);
+    check(state, machine);
 }
 
-void examineFew(benchmark::State& state)
+void checkFew(benchmark::State& state)
 {
     static const Machine machine(819);
-    examine(state, machine);
+    check(state, machine);
 }
 
 // Time in proportion: ten times the devices cost ten times the time, at most twelve.
-BENCHMARK(examineMany)->Name("doctor with 8192 disks against 819/ours");
-BENCHMARK(examineFew)->Name("doctor with 8192 disks against 819/reference");
+BENCHMARK(checkMany)->Name("doctor with 8192 disks against 819/ours");
+BENCHMARK(checkFew)->Name("doctor with 8192 disks against 819/reference");
 
 } // namespace

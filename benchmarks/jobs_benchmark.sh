@@ -4,17 +4,17 @@
 #     benchmarks/jobs_benchmark.sh [BUILD]
 #
 # BUILD is the folder of the build, build/bench without it. Runs `dmpclaim active` with the simulated
-# tools, with pauses of one second for those of five: still many times as long as the tools take, as
-# in life. Six rounds: eight jobs look up 64 disks, then one job looks up eight, which is an eighth of
-# its work. So a machine that is busy with other things disturbs both sides of a round alike, and the
-# median of the rounds counts. Takes about 100 seconds.
+# tools. Pauses of five seconds are cut to one, which is still many times as long as the tools take.
+# In each of six rounds, eight jobs look up 64 disks, then one job looks up eight disks, which is an
+# eighth of the work. Other load on the machine disturbs both sides of a round alike. The median of
+# the rounds counts. Takes about 100 seconds.
 set -euo pipefail
 
 readonly pause=1000 rounds=6
 root=$(dirname -- "$(realpath -- "${BASH_SOURCE[0]}")")/..
 build=$(realpath -- "${1:-$root/build/bench}")
 
-# Once more, among the simulated tools and with the folder of their state.
+# Runs this script again under the simulated tools, with the folder of their state.
 if (($# < 2)); then
     folder=$(mktemp -d)
     trap 'rm -rf -- "$folder"' EXIT

@@ -1,6 +1,6 @@
 // Main program of every benchmark. Absolute times mean nothing on a shared machine, so a benchmark
 // comes as a pair, NAME/ours and NAME/reference. Both run many times in random alternation, and
-// what is reported is the ratio of their medians.
+// the ratio of their medians is reported.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>

@@ -23,8 +23,8 @@ constexpr char empty[] = "/bin/true";
 constexpr char tenLines[] = LINES_PROGRAM " 10 63";
 constexpr char mebibyte[] = LINES_PROGRAM " 16384 63";
 
-/// A host that has run for a while has its heap. Here free would give the memory of every run's
-/// lines back to the kernel, and page faults would be most of what is measured.
+/// Keeps freed memory, as the heap of a host that has run for a while does. Otherwise free would
+/// return the lines of each run to the kernel, and page faults would dominate the measurement.
 const bool heapIsKept =
     mallopt(M_TRIM_THRESHOLD, 1 << 30) == 1 && mallopt(M_MMAP_THRESHOLD, 1 << 30) == 1;
 
@@ -85,8 +85,8 @@ void reference(benchmark::State& state, const char* command)
         runReference(command);
 }
 
-/// Few runs at a time and many times over: the shorter the turns, the more the two of a pair see
-/// of the same machine.
+/// Few runs at a time, and many times: with short turns a change in the machine's load affects both
+/// of a pair alike.
 void inShortTurns(benchmark::internal::Benchmark* one)
 {
     one->Iterations(4)->Repetitions(101);
@@ -113,7 +113,7 @@ BENCHMARK_CAPTURE(reference, mebibyte, mebibyte)
     ->Apply(inShortTurns);
 
 /// Our empty run in a host that has touched 1 GiB, in small pages, and keeps `state.range(0)` of
-/// it. Both hosts do the touching: it uses up a share of processor time that the runs would miss.
+/// it. Both hosts touch it, because that uses up processor time that the runs would miss.
 void inHostThatKeeps(benchmark::State& state)
 {
     constexpr std::size_t size = std::size_t{1} << 30;

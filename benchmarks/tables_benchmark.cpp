@@ -53,8 +53,8 @@ void readTable(benchmark::State& state, CZeTraceLogHandle (*makeLog)(), int stat
         benchmark::DoNotOptimize(support.getOSDiskHandleForKoVMDisk("arr0_17", disk));
 }
 
-// Time in proportion: ten times the lines cost ten times the time, with a log too, which has them
-// joined for its messages. Many more lines would show what the caches cost instead.
+// Time in proportion: ten times the lines cost ten times the time, also with a log, for whose
+// messages the lines are joined. Many more lines would measure the processor's caches instead.
 BENCHMARK_CAPTURE(readTable, silent, noLog, 0)
     ->Name("table without a log, 1000 rows against 100/ours")
     ->Arg(1000);

@@ -1,5 +1,5 @@
-# Refuses to mix stand-ins and a framework's own libraries in one folder: neither would say which of
-# them a host gets. cmake/install.cmake sets the variables; a destination lies under DESTDIR.
+# Refuses to mix stand-ins and a framework's own libraries in one folder: hosts would get some of
+# each. cmake/install.cmake sets the variables; a destination lies under DESTDIR.
 cmake_path(ABSOLUTE_PATH library_folder BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}")
 cmake_path(ABSOLUTE_PATH sink_header BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}")
 set(sink_header "$ENV{DESTDIR}${sink_header}")

@@ -21,8 +21,8 @@ else()
     list(APPEND installed_libraries zepdk zecmn zeutil)
     set_target_properties(${installed_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
 endif()
-# One that installation replaces is padded with empty folders, and for these the loader searches the
-# current folder.
+# An RPATH that installation replaces is padded with empty entries. For those the loader searches
+# the current folder.
 set_target_properties(${installed_libraries} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
 
 # Before the first file is installed.

@@ -4,7 +4,7 @@
 # the room's folder and nothing else, so that an include of a room that is not linked does not
 # compile.
 
-# add_room_headers(TARGET NAME FOLDER): lets those who link TARGET include "NAME/...".
+# add_room_headers(TARGET NAME FOLDER): lets targets that link TARGET include "NAME/...".
 function(add_room_headers target name folder)
     set(include ${CMAKE_BINARY_DIR}/rooms/${name})
     file(MAKE_DIRECTORY ${include})

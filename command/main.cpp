@@ -15,11 +15,11 @@ namespace {
 constexpr int failed = 1;
 constexpr int badUsage = 2;
 
-/// A reader that goes away ends the command quietly, also when its parent ignores the signal or
-/// holds it back.
+/// SIGPIPE ends the command quietly when its reader goes away, also when the parent process ignores
+/// or blocks the signal.
 void restoreBrokenPipeSignal()
 {
-    std::signal(SIGPIPE, SIG_DFL); // NOLINT(cert-err33-c): cannot fail for this signal
+    std::signal(SIGPIPE, SIG_DFL);
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGPIPE);

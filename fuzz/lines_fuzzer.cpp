@@ -1,5 +1,5 @@
-// Any output of a tool, cut into any pieces: the runner's lines are those that the output has, up
-// to the one that breaks a bound.
+// Any output of a tool, cut into any pieces: the runner returns the lines of the output, up to the
+// line that breaks a bound.
 //
 //     input = piece lines-bound line-bound output
 //

@@ -1,5 +1,5 @@
 // Any bytes as a device path: every module and the manager answer as the naming rules say, with
-// a trace log and without, and the same when asked again.
+// and without a trace log, and again when asked twice.
 #include <cstddef>
 #include <cstdint>
 #include <string>

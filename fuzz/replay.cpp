@@ -1,4 +1,4 @@
-// Main program of every fuzz target where libFuzzer is not there: runs each file of the given
+// Main program of every fuzz target in builds without libFuzzer: runs each file of the given
 // corpus folders through the target. A folder without a file is an error.
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
-#ifndef REQUIRE_H
-#define REQUIRE_H
+#ifndef FUZZ_REQUIRE_H
+#define FUZZ_REQUIRE_H
 
 #include <cstdlib>
 #include <iostream>

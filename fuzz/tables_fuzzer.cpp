@@ -26,7 +26,7 @@ int commands = 0;
 
 namespace koze_pdk_4_4 {
 
-/// In place of the framework's: every command succeeds and prints the answer.
+/// Replaces the framework's runner: every command succeeds and prints the answer.
 int CZeExecPipeBase::Exec(const std::string& /*command*/, std::vector<std::string>& output,
                           const std::string& /*directory*/, unsigned long /*timeLimitSeconds*/,
                           const std::string& /*user*/, const std::string& /*environment*/,

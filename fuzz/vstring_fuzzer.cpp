@@ -25,7 +25,7 @@ struct Input {
     std::vector<std::uint8_t> source;
 };
 
-/// The bytes take turns at all places of a character that has several.
+/// Shifts successive bytes to successive byte positions of a wide character.
 template <class Char>
 std::vector<Char> sourceOf(const Input& input)
 {

@@ -3,7 +3,7 @@
 # base.cpio, busybox) out of Debian's packages, unpacked and thinned out.
 #
 # The packages are kept in the user's cache. Their programs run on this machine too, so they are
-# held against the checksums in apt's signed package lists each time.
+# compared with the checksums in apt's signed package lists each time.
 set -euo pipefail
 unset CDPATH
 
@@ -14,21 +14,21 @@ packages=(busybox-static udev multipath-tools kpartx dmsetup sg3-utils sg3-utils
     libpcre2-8-0 libreadline8 libselinux1 libsgutils2-1.46-2 libsmartcols1 libssl3 libsystemd0
     libtinfo6 libudev1 liburcu8 libuuid1 libzstd1)
 modules=(dm-multipath dm-round-robin scsi_debug sd_mod sg)
-# What no program of the guest reads.
+# Files that no program of the guest reads.
 ballast=(boot lib/udev/hwdb.d usr/include usr/lib/x86_64-linux-gnu/gconv usr/share)
 
 cache=$(realpath -ms "${XDG_CACHE_HOME:-$HOME/.cache}")/dmpclaim-vm
 
 say() { printf 'vm: %s\n' "$*" >&2; }
 
-# The package behind the one that always names Debian's newest kernel for virtual machines.
+# Debian's newest kernel for virtual machines: linux-image-cloud-amd64 only depends on it.
 kernel_package() {
     apt-cache show --no-all-versions linux-image-cloud-amd64 |
         sed -n 's/^Depends: \(linux-image-[^ ,]*\).*/\1/p'
 }
 
-# Downloads all packages to the current folder, but files that have their names and sizes; with
-# --print-uris it only prints where they come from, a line each, with name, size and checksum.
+# Downloads all packages to the current folder, except those whose files are there with the right
+# size. With --print-uris only prints a line each: where it comes from, name, size and checksum.
 download() {
     local kernel
     kernel=$(kernel_package) && [[ $kernel ]] &&
@@ -42,7 +42,7 @@ update_package_lists() {
     "${as_root[@]}" apt-get -qq update >&2
 }
 
-# Prints CHECKSUM  FILE for each package, but for those in the current folder. A line without a
+# Prints CHECKSUM  FILE for each package that is not in the current folder. A line without a
 # SHA-256 checksum stays as apt-get prints it, and sha256sum refuses it.
 checksums() {
     local list
@@ -116,7 +116,7 @@ main() {
     # The folder itself is locked: a lock file could be a link that another account made.
     exec {lock}<"$cache"
     flock "$lock"
-    # What the package lists name may be gone, or there are no lists yet.
+    # The packages in the lists may have been replaced, or there are no lists yet.
     sums=$(fetch || { update_package_lists && fetch; })
     build "$sums"
 }

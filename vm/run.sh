@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# Boots a small machine with real multipathed disks, makes checks in it with an installed library
-# and command, and ends as the checks end.
+# Boots a small machine with real multipathed disks, runs checks in it with an installed library
+# and command, and exits with the status of the checks.
 set -euo pipefail
 
 silence_limit=110 # seconds without a line from the guest: it hangs
 total_limit=900   # seconds; a guest that is alive needs far less on a busy machine
 
-# A panic ends the guest. A starved emulator's timer is late, which is no reason to stop booting.
-# The partitions of a multipathed disk's paths keep their nodes.
+# panic: a panic ends the guest. no_timer_check: the timer of a slow emulator is late.
+# dont_del_part_nodes: the partitions of a multipathed disk's paths keep their nodes.
 kernel_options='console=ttyS0 panic=-1 no_timer_check dont_del_part_nodes'
 
-# Those that change nothing come first.
+# Checks that change nothing come first.
 all_checks=(list partitions powerpath doctor active)
 
 usage() {
@@ -24,7 +24,7 @@ USAGE
 
 say() { printf 'vm: %s\n' "$*" >&2; }
 
-# Nobody can tell by /dev/kvm alone: there are machines where it opens and no guest ever runs.
+# Also looks at the processor's flags: on some machines /dev/kvm opens, but no guest runs.
 accelerator() {
     if [[ -w /dev/kvm ]] && grep -qwE 'vmx|svm' /proc/cpuinfo; then echo kvm; else echo tcg; fi
 }

@@ -40,7 +40,7 @@ it, unless trace lines go there.
 An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tools that run, and the
 command with status 130, 143, 129 or 131.)";
 
-/// 64 threads, each with one tool, are no burden.
+/// Each job is a thread that runs one tool at a time; a small machine can run 64 of them.
 constexpr unsigned int mostJobs = 64;
 
 unsigned int parseJobs(const std::optional<std::string>& text)
@@ -51,7 +51,7 @@ unsigned int parseJobs(const std::optional<std::string>& text)
     return *jobs;
 }
 
-/// Names on standard input are not read ahead: they get warnings.
+/// Checks arguments only. Names from standard input are read later, and get warnings instead.
 void rejectMisreadArguments(const Options& options)
 {
     CDmpClaimManager manager; // without the user's trace log

@@ -5,8 +5,8 @@
 
 namespace command {
 
-/// `dmpclaim active`: looks up the paths that carry the I/O now. Its run ends the process when it
-/// is interrupted, see Interrupt.
+/// `dmpclaim active`: looks up the paths that carry the I/O now. A signal that interrupts its run
+/// exits the process, see Interrupt.
 Subcommand activeSubcommand();
 
 } // namespace command

@@ -74,7 +74,8 @@ void ActiveLookup::take(int level, std::string_view text)
     countTool(event.kind);
 }
 
-/// While a tool runs, no line ends the lookup: the runner would leave the tool behind.
+/// Throws Interrupted only while no tool runs: thrown through the runner, it would leave the tool
+/// running.
 void ActiveLookup::countTool(TraceEvent::Kind kind)
 {
     if (kind == TraceEvent::Kind::toolStarts) {

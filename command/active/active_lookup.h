@@ -15,20 +15,20 @@ namespace command {
 /// Looks up the active path of one device, with a claim manager and a trace log of its own.
 ///
 /// The trace log is the only hook into a running lookup: the library's operations return the path
-/// and nothing else, and take no callback. So the timeline, the progress and the end by a
-/// StopRequest follow from the trace lines.
+/// and nothing else, and take no callback. The timeline, the progress and the reaction to a
+/// StopRequest therefore depend on the trace lines.
 class ActiveLookup {
 public:
-    /// The trace lines also go to `sink`, unless it is empty. `stop` ends the lookup, `status`
-    /// tells what it does; both outlive it.
+    /// The trace lines also go to `sink`, unless it is empty. The lookup checks `stop` and sets
+    /// `status`; both must outlive it.
     ActiveLookup(bool refresh, koze_pdk_4_4::CZeTraceSinkHandle sink, StopRequest& stop,
                  LookupStatus& status);
     ActiveLookup(const ActiveLookup&) = delete;
     ActiveLookup& operator=(const ActiveLookup&) = delete;
     ~ActiveLookup();
 
-    /// Throws Interrupted when stopped. Blocks while tools run and in the pauses between attempts.
-    /// Called once.
+    /// Throws Interrupted once `stop` is requested. Blocks while tools run and in the pauses
+    /// between attempts. Called once.
     LookupResult run(const std::string& path);
 
 private:

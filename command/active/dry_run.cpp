@@ -48,7 +48,7 @@ std::vector<Plan> refreshingPlan(const std::string& disk)
             {CommandLine{kovm::pathQuery(placeholder)}, whenFound}};
 }
 
-/// What is run for a path that nobody, or `owner`'s driver, claims.
+/// The commands for a path. `owner` is the module that claims it, null when none does.
 std::vector<Plan> planFor(const std::string& path, CDmpDeviceClaimBase* owner, bool refresh)
 {
     if (owner == nullptr || !driverOf(owner)->asksTools)

@@ -15,12 +15,12 @@ namespace command {
 struct PlannedCommand {
     std::string name;
     const Driver* owner;
-    std::optional<CommandLine> command; // nothing when none is run
+    std::optional<CommandLine> command; // nothing when the lookup would run none
     std::string when;
 };
 
-/// What the lookup of `path`'s active path would run. NODE stands for a node's name. One element
-/// without a command when none is run. Runs nothing.
+/// The commands that a lookup of `path` would run, with NODE for a node's name. One element without
+/// a command when the lookup would run none. Runs nothing.
 std::vector<PlannedCommand> dryRun(CDmpClaimManager& manager, const std::string& path,
                                    bool refresh);
 

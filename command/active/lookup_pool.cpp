@@ -11,14 +11,15 @@
 
 namespace command {
 
-/// What the workers share. It lives as long as the last of them.
+/// What the pool and its workers share. Each holds a shared_ptr, because workers may outlive the
+/// pool.
 struct LookupPool::State {
     struct Answer {
         LookupResult result;
         std::exception_ptr failure;
     };
     using Answers = std::map<std::size_t, Answer>;
-    /// Made before the work, so that no answer and no failure is lost for want of memory.
+    /// Allocated before the work, so that storing its answer or its failure needs no memory.
     using Slot = Answers::node_type;
 
     static Slot newSlot();
@@ -51,8 +52,8 @@ LookupPool::State::Slot LookupPool::State::newSlot()
     return answers.extract(answers.begin());
 }
 
-/// Waits until the next answer fits into the window; false when no more paths are to be taken. One
-/// worker at a time waits: it holds the mutex of the source.
+/// Waits until the next answer fits into the window. False when no more paths are to be taken.
+/// REQUIRES: the caller holds `sourceMutex`, so that only one worker waits.
 bool LookupPool::State::awaitRoom()
 {
     std::unique_lock lock(mutex);
@@ -60,7 +61,8 @@ bool LookupPool::State::awaitRoom()
     return !isStopped;
 }
 
-/// The next path, whose answer has its number in `slot`. What the source throws is put there.
+/// The next path. Gives `slot` the number of its answer. When the source throws, the exception is
+/// that answer.
 std::optional<std::string> LookupPool::State::takePath(Slot& slot)
 {
     const std::lock_guard lock(sourceMutex);
@@ -78,8 +80,8 @@ std::optional<std::string> LookupPool::State::takePath(Slot& slot)
     return path;
 }
 
-/// Puts the answer in `slot` and returns the slot for the worker's next one; an empty slot when
-/// there is none, which ends the worker.
+/// Answers the path and returns the slot for the worker's next answer. An empty slot ends the
+/// worker: it was interrupted, or the slot could not be allocated.
 LookupPool::State::Slot LookupPool::State::answer(const std::string& path, unsigned int worker,
                                                   Slot slot)
 {
@@ -88,7 +90,7 @@ LookupPool::State::Slot LookupPool::State::answer(const std::string& path, unsig
         next = newSlot();
         slot.mapped().result = work(path, worker);
     } catch (const Interrupted&) {
-        stop(); // the answer never comes, so the window would never move on
+        stop(); // without this answer the window would never move on
         return {};
     } catch (...) {
         slot.mapped().failure = std::current_exception();
@@ -115,7 +117,7 @@ void LookupPool::State::runWorker(unsigned int worker, Slot slot)
     changed.notify_one();
 }
 
-/// Has the workers end as they come back for a path.
+/// Each worker ends when it asks for its next path.
 void LookupPool::State::stop()
 {
     const std::lock_guard lock(mutex);

@@ -15,17 +15,17 @@ namespace command {
 
 /// Answers paths in several threads at once and hands the answers out in the order of the paths.
 ///
-/// Answers wait for those before them. So that one slow path does not have endless input answered
-/// and kept, workers take no path from the source that is `window` or more behind the next answer
-/// to hand out.
+/// An answer is kept until all answers before it are handed out. `window` bounds the memory that
+/// this takes when one path is slow and the input endless: workers take a path only while fewer
+/// than `window` paths are taken and not handed out.
 class LookupPool {
 public:
     static constexpr std::size_t window = 1024;
 
     /// The next path; nothing at the end. Called by one worker at a time.
     using Source = std::function<std::optional<std::string>()>;
-    /// Answers a path in worker number `worker`, counted from 0. Interrupted ends the worker
-    /// without an answer, and no more paths are taken.
+    /// Answers a path in worker number `worker`, counted from 0. When it throws Interrupted, the
+    /// worker ends without an answer, and no more paths are taken.
     using Work = std::function<LookupResult(const std::string& path, unsigned int worker)>;
 
     enum class Next { result, pending, end };
@@ -40,8 +40,8 @@ public:
     /// refer to must outlive them.
     ~LookupPool();
 
-    /// Waits for the next answer, up to `patience`, and stores it in `result`. What source or work
-    /// threw for that path, or std::bad_alloc, is thrown here; the answers end with that.
+    /// Waits up to `patience` for the next answer and stores it in `result`. Throws what source or
+    /// work threw for that path, or std::bad_alloc; no answers follow then.
     Next next(LookupResult& result, std::chrono::milliseconds patience);
 
     /// The number of answers handed out.

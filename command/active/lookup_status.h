@@ -14,13 +14,13 @@ namespace command {
 struct Activity {
     std::string path;
     int attempt = 1;
-    std::string command; // that runs; empty during a wait and between steps
+    std::string command; // the running one; empty during a wait and between steps
     bool isWaiting = false;
     Timeline::Clock::time_point lookupBegin;
     Timeline::Clock::time_point stepBegin;
 };
 
-/// Carries a worker's activity to whoever shows it. Safe between threads.
+/// Hands a worker's activity to the thread that shows the progress. Safe between threads.
 class LookupStatus {
 public:
     void set(std::optional<Activity> activity)
@@ -29,7 +29,7 @@ public:
         m_activity = std::move(activity);
     }
 
-    /// Nothing while no lookup is made.
+    /// Nothing between two lookups.
     std::optional<Activity> get() const
     {
         const std::lock_guard lock(m_mutex);

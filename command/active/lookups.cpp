@@ -24,7 +24,7 @@ bool readsStandardInput(const Options& options)
     return std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
 }
 
-/// The more workers, the fewer paths for each: those without any are not started.
+/// No more workers than paths, where the number of paths is known.
 unsigned int workerCount(const Options& options, unsigned int jobs)
 {
     return readsStandardInput(options)
@@ -32,7 +32,8 @@ unsigned int workerCount(const Options& options, unsigned int jobs)
                : static_cast<unsigned int>(std::min<std::size_t>(jobs, options.paths.size()));
 }
 
-/// What the workers share with the thread that waits for them. Workers may outlive that thread.
+/// What the workers share with the caller. Each holds a shared_ptr, because the pool may detach
+/// workers that then outlive the call.
 struct Workers {
     Workers(const Options& options, const LookupOptions& lookup)
         : refresh(lookup.refresh), statuses(workerCount(options, lookup.jobs))
@@ -70,7 +71,7 @@ LookupPool::Source pathsOf(const Options& options)
     return [paths] { return paths->next(); };
 }
 
-/// Trace lines on the terminal take the place of the progress.
+/// -1 when no progress is shown: it is not wanted, or trace lines go to standard error.
 int progressDescriptor(const Options& options, const LookupOptions& lookup)
 {
     const bool tracesThere = options.trace.level && !options.trace.file;

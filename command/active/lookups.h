@@ -18,13 +18,13 @@ struct LookupOptions {
 /// Takes the results as they come.
 struct ResultReceiver {
     std::function<void(const LookupResult&)> write;
-    std::function<void()> flush; // called when the next result takes its time
+    std::function<void()> flush; // called when the next result is not there yet
 };
 
 /// Looks up the active paths of `options.paths` and hands the results over in their order.
 ///
-/// Ends the process when it is interrupted, see Interrupt. Throws what the receiver and PathSource
-/// throw, when no tool is left running; threads that pause are then detached.
+/// A signal that interrupts it exits the process, see Interrupt. Throws what the receiver and
+/// PathSource throw, after it has ended the tools; threads that are in a pause are then detached.
 void lookUpActivePaths(const Options& options, const LookupOptions& lookup,
                        const ResultReceiver& receiver);
 

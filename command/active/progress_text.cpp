@@ -31,7 +31,7 @@ std::string shortCommand(std::string_view command)
     return words;
 }
 
-/// A path that leaves room for the rest of the line.
+/// The end of a long path, so that the rest of the line fits.
 std::string shortPath(const std::string& path)
 {
     constexpr std::size_t longest = 40;
@@ -53,7 +53,7 @@ std::string stepText(const Activity& activity, const kovm::RetryPolicy& policy,
            std::to_string(wholeSeconds(policy.pause - passed)) + " s";
 }
 
-/// "16 of 64" with its bar in front; "16" when the end is not known.
+/// "16 of 64" after its bar; "16 done" when the total is unknown.
 std::string countText(std::size_t done, const std::optional<std::size_t>& total)
 {
     if (!total)

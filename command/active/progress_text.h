@@ -13,11 +13,11 @@ namespace command {
 struct Progress {
     std::size_t done = 0;
     std::optional<std::size_t> total; // unknown while paths are still read
-    std::optional<Activity> longest;  // of the lookups being made, the one begun first
+    std::optional<Activity> longest;  // the running lookup that began first
     kovm::RetryPolicy policy = kovm::waitingPolicy;
 };
 
-/// The progress on one line of printable ASCII; over more than one path with a bar:
+/// The progress as one line of printable ASCII, with a bar when there is more than one path:
 ///
 ///     /dev/sdc: attempt 2 of 4, running kodmpadm getdmpnode for 3 s
 ///     [#####...............] 16 of 64, /dev/sdq: attempt 1 of 4, next one in 4 s

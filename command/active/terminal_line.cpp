@@ -55,7 +55,7 @@ void TerminalLine::eraseLocked()
     write("\r\x1b[K");
 }
 
-/// A progress that cannot be shown is no reason to fail.
+/// Ignores errors: a lookup does not fail because its progress cannot be shown.
 void TerminalLine::write(const std::string& bytes) const
 {
     [[maybe_unused]] const ssize_t written = ::write(m_descriptor, bytes.data(), bytes.size());

@@ -10,16 +10,17 @@ namespace command {
 /// The last line of a terminal, for a text that changes. Safe between threads.
 class TerminalLine {
 public:
-    /// `descriptor` stays the caller's. Unless it is a terminal, nothing is ever written.
+    /// The caller keeps `descriptor`. Nothing is ever written unless it is a terminal.
     explicit TerminalLine(int descriptor);
 
-    /// Puts `text`, of printable ASCII, in place of the line's, cut to the terminal's width.
+    /// Replaces the line by `text`, which is printable ASCII, cut to the terminal's width.
     void show(const std::string& text);
 
-    /// Empties the line for what others write.
+    /// Clears the line, so that other output can be written.
     void erase();
 
-    /// Empties the line for good. Waits a moment only for a terminal that takes no output.
+    /// Clears the line and ignores later texts. Gives up when another thread hangs in its write to
+    /// the terminal for 100 ms.
     void close();
 
 private:

@@ -10,7 +10,7 @@
 
 namespace command {
 
-/// What a lookup did and how long it took, put together from its trace. Serves one thread.
+/// The steps of a lookup and how long each took, from its trace lines. Serves one thread.
 class Timeline {
 public:
     using Clock = std::chrono::steady_clock;
@@ -25,7 +25,7 @@ public:
         bool isWait() const { return command.empty(); }
     };
 
-    /// Takes the next line's event in. `now` is the time of the line.
+    /// Adds the event of the next trace line, which came at `now`.
     void take(const TraceEvent& event, Clock::time_point now);
 
     /// In order. The last one may not have ended yet.
@@ -34,7 +34,7 @@ public:
     /// The step that has not ended; null between steps.
     const Step* current() const { return m_isOpen ? &m_steps.back() : nullptr; }
 
-    /// The attempt that is being made, counted from 1; during a wait the one before it.
+    /// The number of the current attempt, from 1; during a wait, of the attempt before it.
     int attempt() const { return m_attempt; }
 
 private:

@@ -9,10 +9,10 @@ namespace command {
 /// What a trace line of the library tells about a lookup.
 struct TraceEvent {
     enum class Kind {
-        toolStarts, // the next thing that happens
+        toolStarts, // written before the tool is started
         toolFails,
         toolCannotRun,
-        toolEnds,   // follows each start, also behind a failure
+        toolEnds,   // follows each start, also after a failure
         waitStarts, // ends with the next line
         other
     };
@@ -22,8 +22,8 @@ struct TraceEvent {
     std::optional<int> result; // of toolFails
 };
 
-/// Reads a line. What a tool printed, or a name holds, cannot pass for another line: the library
-/// begins each line with its own words.
+/// Reads a line. Text that a tool printed, or that a name holds, is never taken for another line:
+/// each line begins with words of the library.
 TraceEvent traceEvent(int level, std::string_view text);
 
 } // namespace command

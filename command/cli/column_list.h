@@ -12,8 +12,8 @@ namespace command {
 ///
 ///     list = [ "+" ] heading { "," heading }       +PARTNUM,owner
 ///
-/// Upper and lower case are the same. With '+' the columns come behind the `usual` ones. Throws
-/// UsageError when a heading is unknown or missing.
+/// Case does not matter. With '+' the columns come after the `usual` ones. Throws UsageError when a
+/// heading is unknown or missing.
 std::vector<Heading> chosenColumns(std::string_view list, const std::vector<Heading>& usual,
                                    const std::vector<Heading>& all);
 

@@ -27,7 +27,7 @@ constexpr char pathHelp[] = "Device paths; '-' reads them from standard input, o
 constexpr char tableFooter[] =
     "-J, -o, -n, -r, --trace and the exit status: see 'dmpclaim --help'.";
 
-/// Shows what follows an option's name as it is declared.
+/// Help shows an option's value as it is declared, such as " N" or "[=LEVEL]".
 class HelpFormatter : public CLI::Formatter {
 public:
     HelpFormatter() { column_width(24); }

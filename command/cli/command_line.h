@@ -9,8 +9,8 @@
 
 namespace command {
 
-/// Declares the options and subcommands with their help. Values stay texts: what they mean is
-/// checked elsewhere.
+/// Declares the options and subcommands with their help. Values stay texts, which parseOptions and
+/// the subcommands check.
 void declareCommandLine(CLI::App& app, const std::vector<Subcommand>& subcommands);
 
 } // namespace command

@@ -11,13 +11,13 @@ namespace command {
 ///
 ///     input = { line separator } [ line ]          /dev/sda\n/dev/sdb\n
 ///
-/// The separator is a line feed or a NUL, whichever is met first; the other one is part of the
+/// The separator is the first line feed or NUL of the input; the other character is part of the
 /// lines from then on. A last line without its separator counts. Nothing else is special: an
 /// empty line is a line, and a carriage return belongs to its line.
 class LineReader {
 public:
-    /// `descriptor` stays the caller's. `beforeWait` is called whenever all lines received so far
-    /// have been handed out and more must be awaited.
+    /// The caller keeps `descriptor`. `beforeWait` is called before each read, when all complete
+    /// lines received so far have been handed out.
     LineReader(int descriptor, std::function<void()> beforeWait)
         : m_descriptor(descriptor), m_beforeWait(std::move(beforeWait))
     {}

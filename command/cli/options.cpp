@@ -40,7 +40,7 @@ std::string unescaped(const std::string& value)
     return !value.empty() && value.front() == escape ? value.substr(1) : value;
 }
 
-/// CLI11 takes the next argument when nothing follows the '='.
+/// CLI11 would take the next argument for the value when nothing follows the '='.
 void rejectEmptyValues(const std::vector<std::string>& arguments)
 {
     for (const std::string& argument : arguments) {
@@ -200,7 +200,6 @@ Options readOptions(const CLI::App& app, const std::vector<Subcommand>& subcomma
 
 } // namespace
 
-/// A decimal number of digits only; nothing when it is anything else or does not fit.
 std::optional<unsigned int> parseNumber(const std::string& text)
 {
     unsigned int number = 0;

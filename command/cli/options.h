@@ -33,15 +33,15 @@ struct Options {
     std::optional<std::string> value(const char* option) const;
 };
 
-/// A text that the user asks for instead: the help or the version.
+/// The help or the version, when the user asks for that instead.
 using Information = std::string;
 
-/// Understands the arguments, the command's name not among them. `subcommands` outlives the result.
-/// Throws UsageError.
+/// Parses the arguments, without the command's name. `subcommands` must outlive the result. Throws
+/// UsageError.
 std::variant<Options, Information> parseOptions(const std::vector<std::string>& arguments,
                                                 const std::vector<Subcommand>& subcommands);
 
-/// A decimal number of digits only; nothing when it is anything else or does not fit.
+/// A decimal number of digits only; nothing when the text is anything else or does not fit.
 std::optional<unsigned int> parseNumber(const std::string& text);
 
 } // namespace command

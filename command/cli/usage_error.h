@@ -6,10 +6,10 @@
 
 namespace command {
 
-/// The user asked for something that cannot be. The text says what, on one line.
+/// The command line asks for something that cannot be done. The text says what, on one line.
 class UsageError : public std::runtime_error {
 public:
-    /// `subcommand` is the one whose help tells more, if any does.
+    /// `subcommand` is the one whose help tells more; empty for the help of the whole command.
     explicit UsageError(const std::string& text, std::string subcommand = "")
         : std::runtime_error(text), m_subcommand(std::move(subcommand))
     {}

@@ -8,7 +8,7 @@
 
 namespace command {
 
-/// The paths of `options`, with standard input read as they ask for. `beforeWait` is that of
+/// The paths of `options`, which also say how standard input is split. `beforeWait` goes to
 /// LineReader.
 PathSource wantedPaths(const Options& options, std::function<void()> beforeWait);
 

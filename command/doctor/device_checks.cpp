@@ -27,7 +27,7 @@ constexpr char devFolder[] = "/dev/";
 constexpr char mapperFolder[] = "/dev/mapper/";
 constexpr char makeMapNode[] = "Have the node made: dmsetup mknodes";
 
-/// Whether the list of drivers names this one, in words.
+/// Says whether the kernel's list of drivers names this driver.
 ///
 ///     line = [ blank+ ] major " " name          253 device-mapper
 const char* presence(const fs::path& list, const std::string& name)
@@ -125,7 +125,7 @@ private:
         reportAmbiguousNames();
     }
 
-    /// Makes every check of a map, or of a device that a driver claims.
+    /// Runs every check of a map, or of a device that a driver claims.
     void checkDevice(const CheckedDevice& device)
     {
         using Check = void (DeviceChecks::*)(const CheckedDevice&);
@@ -142,7 +142,7 @@ private:
                    : fileKind(m_system.sysfsBlock / sysfsName(path)) != FileKind::none;
     }
 
-    /// Without the kernel's devices every node would look left over.
+    /// Without the kernel's devices every node would look like a leftover, so no check runs.
     bool canSeeKernel()
     {
         std::error_code error;

@@ -17,8 +17,8 @@ struct SystemPaths {
     std::filesystem::path drivers = "/proc/devices";
 };
 
-/// Holds `readings`, of all the machine's block devices and each once, against what the kernel has.
-/// The paths in `given` are expected to be block devices, whichever driver owns them. Takes time in
+/// Compares `readings`, one for each of the machine's block devices, with what the kernel has.
+/// Reports each path in `given` that is no block device, also when no driver owns it. Takes time in
 /// proportion to the devices.
 void checkDevices(const SystemPaths& system, const std::vector<DeviceReading>& readings,
                   const std::vector<std::string>& given, const FindingReceiver& report);

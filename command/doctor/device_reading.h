@@ -8,12 +8,12 @@
 
 namespace command {
 
-/// How the library reads a device's path: what of an explanation is held against the kernel. A
-/// machine may have 100,000 devices, and all their readings are kept at once.
+/// How the library reads a device's path: the part of an explanation that is compared with the
+/// kernel. Small, because a machine may have 100,000 devices, and all readings are kept at once.
 struct DeviceReading {
     std::string path;
     const Driver* owner = nullptr;       // null when nobody claims the path
-    std::vector<const Driver*> claimers; // in the order of asking
+    std::vector<const Driver*> claimers; // in the order in which they are asked
     bool isPartition = false;
     bool hasWarnings = false;
 };

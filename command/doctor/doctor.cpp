@@ -51,7 +51,8 @@ command with status 130, 143, 129 or 131.
 
 class Doctor {
 public:
-    /// `report` is null when none is wanted: nothing is kept for it then.
+    /// `report` receives names and commands; null when they are not wanted, so that they take no
+    /// memory.
     Doctor(const Options& options, CZeTraceLogHandle log, StopRequest& stop,
            const std::vector<Module>& modules, FindingReceiver receiver, Report* report)
         : m_options(options), m_receiver(std::move(receiver)), m_modules(modules), m_report(report),
@@ -60,7 +61,7 @@ public:
         m_manager.registerTraceLog(log);
     }
 
-    void examine()
+    void runChecks()
     {
         const SystemPaths system;
         readNames(system);
@@ -138,7 +139,7 @@ int run(const Options& options, OutputStream& output)
         options, log, stop, modules, [&](const Finding& finding) { findings.take(finding); },
         isJson ? &report : nullptr);
     try {
-        runInThread([&] { doctor.examine(); }); // for Interrupt
+        runInThread([&] { doctor.runChecks(); }); // Interrupt requires this
     } catch (const Interrupted&) {
         // The signal thread exits the process.
     }

@@ -5,8 +5,8 @@
 
 namespace command {
 
-/// `dmpclaim doctor`: tells what is wrong on this machine. Its run ends the process when it is
-/// interrupted, see Interrupt.
+/// `dmpclaim doctor`: tells what is wrong on this machine. A signal that interrupts its run exits
+/// the process, see Interrupt.
 Subcommand doctorSubcommand();
 
 } // namespace command

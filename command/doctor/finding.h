@@ -6,16 +6,16 @@
 
 namespace command {
 
-/// One thing that the examination of a machine found.
+/// One thing that a check found.
 struct Finding {
-    /// A note is good to know, a warning may make an answer wrong, an error makes it.
+    /// note: good to know. warning: an answer may be wrong. error: it is wrong, or none is given.
     enum class State { ok, note, warning, error };
 
     State state;
     std::string subject;      // a device, a tool or a driver
     std::string text;         // what was found
     std::string remedy = {};  // what to do; empty when nothing need be done
-    std::string command = {}; // as run, that the text ends with; empty when it names none
+    std::string command = {}; // follows the text, as it was run; empty when there is none
 };
 
 /// Takes the findings as they come.

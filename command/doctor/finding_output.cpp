@@ -15,7 +15,7 @@ std::string counted(std::size_t count, const char* noun)
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
-/// A line that is not wrapped: half a command is not to be pasted into a shell.
+/// An indented line that is not wrapped, so that a command in it can be pasted into a shell.
 std::string unbroken(const std::string& text)
 {
     return std::string(indent, ' ') + printable(text) + '\n';

@@ -15,7 +15,7 @@ const char* stateName(Finding::State state);
 /// The finding for people, with its line ends.
 std::string findingText(const Finding& finding);
 
-/// state, subject, text, and advice, null when there is none.
+/// state, subject, text, and the remedy as advice, which is null when there is none.
 Document findingDocument(const Finding& finding);
 
 /// How many findings there are of each state.

@@ -8,7 +8,7 @@
 
 namespace command {
 
-/// Takes the findings: as text they are written at once, for JSON they are kept.
+/// Counts findings. Writes each at once as text, or keeps all for JSON.
 class Findings {
 public:
     /// `output` is null for JSON.

@@ -6,7 +6,7 @@ namespace {
 
 using State = Finding::State;
 
-/// What a map is to the kernel, or to the library.
+/// What the kernel, or the library, takes a map for.
 enum Kind { disk, partition, other };
 
 Kind kindOf(const KernelMap& map)
@@ -33,7 +33,7 @@ constexpr Difference falseClaim{
     State::note, "the library takes it for a multipath device, which it is not to the kernel",
     "Do not hand it to hosts that expect disks. A name with a '-' would be left unclaimed."};
 
-// By what it is to the kernel, and by what it is to the library.
+// The first index is what the kernel takes the map for, the second what the library does.
 constexpr Difference differences[3][3] = {
     {{},
      {State::warning, "a multipath disk, but the library takes it for a partition",

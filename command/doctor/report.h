@@ -12,7 +12,7 @@ namespace command {
 
 /// What a support engineer asks for. The simulator replays its commands.
 struct Report {
-    const std::vector<Module>& modules; // in the order of asking
+    const std::vector<Module>& modules; // in the order in which they are asked
     std::vector<Explanation> names;
     std::vector<KernelMap> maps;
     std::vector<AskedCommand> commands;

@@ -21,7 +21,7 @@ namespace {
 
 using State = Finding::State;
 
-/// Far longer than an answer takes, and short enough for somebody who waits for this one.
+/// Far longer than an answer takes, and short enough for a user who waits for doctor.
 constexpr unsigned long limitSeconds = 30;
 
 constexpr char devFolder[] = "/dev/";
@@ -53,21 +53,21 @@ std::string textOf(const Ending& ending)
     }
 }
 
-/// Whether no path is so long. The system starts no tool with an argument of 128 KiB: that would
-/// look like a fault of the tool.
+/// No path is so long. exec refuses arguments of 128 KiB, which would look like a fault of the
+/// tool.
 bool isTooLong(const std::string& name)
 {
     return name.size() >= PATH_MAX;
 }
 
-/// A command of this program, for a shell. A path may look like an option.
+/// A dmpclaim command for a shell, with "--" before a path that looks like an option.
 std::string ownCommand(const char* subcommand, const std::string& path)
 {
     return std::string("dmpclaim ") + subcommand + (startsWith(path, "-") ? " -- " : " ") +
            shellWord(path);
 }
 
-/// `remedy` for a disk, and another one for a partition.
+/// `remedy` when the path is a disk. When it is a partition, the remedy is to ask about the disk.
 std::string diskRemedy(const std::string& path, const std::string& remedy)
 {
     unsigned int partnum = 0;
@@ -78,7 +78,6 @@ std::string diskRemedy(const std::string& path, const std::string& remedy)
            ownCommand("doctor", disk);
 }
 
-/// Says what it costs, too.
 std::string refreshRemedy(const std::string& path)
 {
     return "have the mapping made anew, which removes the node from the volume manager for a "
@@ -210,7 +209,7 @@ void ToolChecks::reportPath(const std::string& path, const std::string& node, co
         m_report({State::ok, path, text, ""});
 }
 
-/// The lines of a table; nothing when the command failed or printed none.
+/// The lines of a table. When the command fails or prints none, reports that and returns nothing.
 std::optional<ToolChecks::Lines> ToolChecks::answerTo(const Question& question)
 {
     CZeExecPipePosix runner(1);
@@ -271,7 +270,6 @@ void ToolChecks::reportNoTable(const Question& question, const char* fault)
               question.command});
 }
 
-/// `remedy` is for a table that lacks the row.
 void ToolChecks::reportMissingRow(const Question& question, const std::string& missing,
                                   const std::string& remedy)
 {
@@ -279,7 +277,7 @@ void ToolChecks::reportMissingRow(const Question& question, const std::string& m
         {State::warning, question.path, missing + " in the table of:", remedy, question.command});
 }
 
-/// For failures that would come again.
+/// Asks nothing more, because the next command would fail in the same way.
 void ToolChecks::giveUp(Finding finding)
 {
     m_canAsk = false;

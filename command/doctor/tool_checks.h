@@ -19,29 +19,29 @@ struct AskedCommand {
     std::vector<std::string> output;
 };
 
-/// Asks the volume manager's tools what they know, each question once, and changes nothing there.
+/// Asks the volume manager's tools about disks, without retries. Changes nothing there.
 class ToolChecks {
 public:
-    /// The trace lines of what is asked go to `log`. `stop` ends the checks by Interrupted. What
-    /// was asked and answered is added to `commands`, unless that is null.
+    /// The trace lines go to `log`. checkDisk throws Interrupted once `stop` is requested. Each
+    /// command that was run is added to `commands`, unless that is null.
     ToolChecks(const koze_pdk_4_4::CZeTraceLogHandle& log, StopRequest& stop,
                FindingReceiver report, std::vector<AskedCommand>* commands);
 
-    /// Looks whether the tools are there. Called first.
+    /// Checks that the tools can be run. Called first.
     void checkTools();
 
-    /// Asks for the node of a disk and the node's paths; not when the tools are missing or have
-    /// failed in a way that they would fail in again.
+    /// Asks for the node of a disk and the node's paths. Asks nothing when the tools cannot be run,
+    /// or have failed in a way that would repeat itself.
     void checkDisk(const std::string& path);
 
 private:
     using Lines = kovm::Lines;
 
-    /// About a device, to a tool.
+    /// A question about a device, as a command of a tool.
     struct Question {
         std::string path;
         std::string command;
-        std::string remedy; // what may help when the tool fails
+        std::string remedy; // what to do when the tool fails
     };
 
     bool checkTool(const std::string& tool, Finding::State unusable, const char* consequence);

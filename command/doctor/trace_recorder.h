@@ -9,7 +9,7 @@
 
 namespace command {
 
-/// Keeps the trace lines that it gets, and hands them on to where the user wants them.
+/// Keeps trace lines, and passes them on to the user's sink.
 class TraceRecorder {
 public:
     /// `userSink` is empty when the user wants no lines.

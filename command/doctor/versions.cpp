@@ -11,7 +11,7 @@ namespace command {
 
 namespace {
 
-/// What the system calls itself.
+/// The system's name; null when its file has none.
 ///
 ///     line = "PRETTY_NAME=" quote text quote
 Field systemName()

@@ -5,7 +5,7 @@
 
 namespace command {
 
-/// Of what answers here: dmpclaim, kernel, system (null when the system does not tell).
+/// The versions of dmpclaim, of the kernel and of the system, which is null when unknown.
 Document versions();
 
 } // namespace command

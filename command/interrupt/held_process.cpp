@@ -11,8 +11,8 @@ namespace command {
 
 namespace {
 
-/// Signal 0 is none: the kernel only looks whether there is anybody to send it to. A process that
-/// has become another user is there, too.
+/// Signal 0 only checks that the process, or the process group, exists. EPERM: it exists, and runs
+/// as another user.
 bool canReach(int descriptor, unsigned int flags)
 {
     return syscall(SYS_pidfd_send_signal, descriptor, 0, nullptr, flags) == 0 || errno == EPERM;

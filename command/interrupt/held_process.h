@@ -5,12 +5,12 @@
 
 namespace command {
 
-/// A process that is held by a descriptor (pidfd). Its number may come to mean another process when
-/// its parent has reaped it; the descriptor never does.
+/// A process that is held by a pidfd. Its number may be reused once its parent has reaped it; the
+/// pidfd never refers to another process.
 class HeldProcess {
 public:
-    /// Holds the process that has this number now. The caller looks afterwards whether that is the
-    /// wanted one.
+    /// Opens a pidfd for the process that has this number now. The caller then checks that it is
+    /// the wanted process.
     explicit HeldProcess(pid_t id);
     HeldProcess(HeldProcess&& other) noexcept;
     HeldProcess(const HeldProcess&) = delete;
@@ -29,7 +29,8 @@ public:
     /// Whether it runs or is stopped. A process that has ended keeps its number until it is reaped.
     bool isAlive() const;
 
-    /// Whether the group that it has led has members. Always false before kernel 6.9.
+    /// Whether the process group that it leads, or led, has members. Always false before kernel
+    /// 6.9.
     bool groupHasMembers() const;
 
     void send(int signal) const;

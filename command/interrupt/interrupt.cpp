@@ -15,7 +15,7 @@ namespace command {
 
 namespace {
 
-/// Wakes the thread that waits for signals, which takes those of lower numbers first.
+/// Wakes the signal thread. sigwait returns lower numbers first, so a pending interrupt wins.
 int wakeSignal()
 {
     return SIGRTMIN;
@@ -40,8 +40,8 @@ sigset_t takenSignals()
     return signals;
 }
 
-/// A standard error that takes no output is waited for only a moment. Uses write(2): another thread
-/// may hold the stream's lock.
+/// Waits at most 100 ms for a standard error that takes no output. Uses write(2): another thread
+/// may hold the lock of stderr.
 void reportTools()
 {
     constexpr std::string_view line = "dmpclaim: a tool may still run: it did not end, or could "
@@ -79,7 +79,7 @@ void Interrupt::finish()
     if (!m_thread.joinable())
         return;
     m_finished = true;
-    kill(getpid(), wakeSignal()); // a thread's own signal would overtake the process's
+    kill(getpid(), wakeSignal()); // not pthread_kill: sigwait returns a thread's signals first
     m_thread.join();
 }
 
@@ -90,9 +90,9 @@ void Interrupt::endTools() const
     try {
         areGone = command::endTools(m_stop);
     } catch (const std::bad_alloc&) {
-        areGone = false; // no memory to look for them
+        areGone = false; // no memory to find them
     }
-    m_afterTools(); // may hang on a terminal that takes no output: the tools do not wait for that
+    m_afterTools(); // after the tools, because it may hang on a terminal that takes no output
     if (!areGone)
         reportTools();
 }

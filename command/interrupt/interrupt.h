@@ -10,31 +10,36 @@
 
 namespace command {
 
-/// Ends the process at once when the user interrupts it, and leaves no tool running, which a
-/// signal from the terminal alone would: tools have process groups of their own.
+/// Ends the tools and exits the process when the user interrupts it. A signal from the terminal
+/// alone would leave the tools running: they have process groups of their own.
 ///
-/// While an object lives, SIGINT, SIGTERM, SIGHUP and SIGQUIT make the request `stop`, end the
-/// tools and end the process with status 130, 143, 129 or 131. A signal that the process was
-/// started to ignore stays ignored. Threads that are started meanwhile hold these signals back. So
-/// does this thread, and SIGPIPE, which ends the process only when the object is gone.
+/// While an object lives, a thread of its own waits for SIGINT, SIGTERM, SIGHUP and SIGQUIT. This
+/// signal thread requests `stop`, ends the tools and exits with status 130, 143, 129 or 131. A
+/// signal that was ignored when the process started stays ignored.
 ///
-/// REQUIRES: tools are started by threads that begin after the object; endTools knows them by that.
+/// The constructor blocks these signals and SIGPIPE in its thread, and threads that are started
+/// later inherit the signal mask. A SIGPIPE ends the process only once the destructor
+/// has unblocked it.
+///
+/// REQUIRES: tools are started by threads that begin after the constructor. endTools tells them
+/// from other children by that.
 class Interrupt {
 public:
-    /// `afterTools` runs after endTools has ended the tools, in the thread that takes the signals
-    /// or in the caller's. Throws what startThread throws; the signals then go through as before.
+    /// endTools calls `afterTools` when the tools are ended, in the signal thread or in the
+    /// caller's. Throws what startThread throws, with the signal mask as before.
     Interrupt(StopRequest& stop, std::function<void()> afterTools);
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
-    /// Does what `finish` does and lets the signals through again.
+    /// Calls `finish` and restores the signal mask.
     ~Interrupt();
 
-    /// Takes no more signals. Does not return when one came before.
+    /// Ends the signal thread. Does not return when a signal came before: the signal thread exits
+    /// the process.
     void finish();
 
-    /// Makes the request and ends the tools, as a signal does; says on standard error when one may
-    /// be left.
+    /// Requests `stop` and ends the tools, as a signal does. Reports on standard error when a tool
+    /// may still run.
     void endTools() const;
 
 private:

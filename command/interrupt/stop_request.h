@@ -5,7 +5,7 @@
 
 namespace command {
 
-/// Thrown through a lookup that is to end early.
+/// Thrown to end a lookup early.
 struct Interrupted {};
 
 /// Asks the lookups of all threads to end, and knows whether one of them runs a tool. Safe between
@@ -21,8 +21,8 @@ public:
             throw Interrupted();
     }
 
-    /// Called before a tool is started; throws Interrupted when it must not be. Increments before
-    /// testing, so that a concurrent request either counts this tool or prevents it.
+    /// Called before a tool is started. Throws Interrupted once the request is made. Increments
+    /// before testing, so that a concurrent request either counts this tool or prevents it.
     void beginTool()
     {
         ++m_tools;
@@ -42,7 +42,7 @@ private:
     std::atomic<int> m_tools{0};
 };
 
-/// Counts as a tool that runs, as long as it lives. Throws what beginTool throws.
+/// Counts as a running tool while it lives. The constructor throws what beginTool throws.
 class RunningTool {
 public:
     explicit RunningTool(StopRequest& stop) : m_stop(stop) { m_stop.beginTool(); }

@@ -18,11 +18,11 @@ namespace command {
 
 namespace {
 
-/// Whether /proc shows processes by the numbers that this process knows them by. It lists the
-/// numbers of a process in its own namespace and in all below it:
+/// Whether /proc belongs to the process namespace of this process, so that both use the same
+/// numbers. NSpid lists the numbers of a process in the namespace of /proc and in those below it:
 ///
 ///     NSpid: 4711          the same namespace
-///     NSpid: 4711 1        that of a host, seen by the first process of a container
+///     NSpid: 4711 1        the /proc of a host, read by the first process of a container
 bool isProcUsable()
 {
     const std::string wanted = "NSpid:\t" + std::to_string(getpid());
@@ -71,14 +71,13 @@ pid_t sessionOf(pid_t id)
     std::getline(file, text, '\0');
     const std::size_t nameEnd = text.rfind(')');
     pid_t session = 0;
-    // NOLINTNEXTLINE(cert-err34-c): the kernel's numbers fit
     if (nameEnd == std::string::npos ||
         std::sscanf(text.c_str() + nameEnd, ") %*c %*d %*d %d", &session) != 1)
         return 0;
     return session;
 }
 
-/// The number is still the process's after the look, so the look was at this process.
+/// Checks the number last: if the process still has it, the session was read from this process.
 bool isIn(pid_t session, const HeldProcess& process)
 {
     return sessionOf(process.id()) == session && process.hasNumber();
@@ -116,7 +115,8 @@ void ToolProcesses::addTools(pid_t thread)
             continue;
         HeldProcess tool(child);
         m_hasMissed |= !tool.isHeld() && errno != ESRCH;
-        // A child that was reaped before it was held may have left its number to a stranger.
+        // Listed again: a child that was reaped before the pidfd was opened may have lost its
+        // number to another process.
         if (tool.isHeld() && childrenOf(thread).count(child) > 0)
             m_sessions.emplace_back().push_back({std::move(tool)});
     }
@@ -159,8 +159,8 @@ bool ToolProcesses::holds(const Session& session, pid_t id)
     });
 }
 
-/// Whether the session's number still means the tool's session. The number of a session, or of a
-/// group, is not given to another process while it has members.
+/// Whether the session's number still means the tool's session. The kernel does not reuse the
+/// number of a session or of a process group that has members.
 bool ToolProcesses::isOurs(const Session& session)
 {
     const HeldProcess& tool = session.front().held;

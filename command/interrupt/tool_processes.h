@@ -11,33 +11,33 @@ namespace command {
 
 /// The tools that this process runs, and what they have started in their sessions.
 ///
-/// Tools are the children of all threads but the main one: the kernel keeps apart which thread
-/// started a child. The main thread starts none. Its children were there before this program was
-/// executed, or were inherited from processes that ended, which happens to the first process of a
-/// container and to a subreaper. The runner gives each tool a session of its own.
+/// Tools are the children of all threads but the main one: the kernel lists children by the thread
+/// that started them. The main thread starts no tools. Its children are from before exec, or were
+/// inherited from processes that ended, as by the first process of a container and by a subreaper.
+/// The runner gives each tool a session of its own.
 ///
-/// Numbers of processes are only used to find them. What is signalled is held by a pidfd, and was
-/// seen to be wanted while it was held.
+/// Process numbers serve to find processes only. A process is signalled through a pidfd, and was
+/// checked while the pidfd held it.
 class ToolProcesses {
 public:
     ToolProcesses() = default;
     ToolProcesses(const ToolProcesses&) = delete;
     ToolProcesses& operator=(const ToolProcesses&) = delete;
 
-    /// Lets processes run on that were stopped and got no signal yet.
+    /// Sends SIGCONT to processes that are still stopped.
     ~ToolProcesses();
 
-    /// Looks for tools, and for processes in the sessions of all tools found so far. Finds nothing
+    /// Finds tools, and the processes in the sessions of all tools found so far. Finds nothing
     /// where /proc is missing, belongs to another process namespace or does not list the children
     /// of threads (CONFIG_PROC_CHILDREN).
     void update();
 
-    /// Whether a process that was found has not ended, or one could not be held.
+    /// Whether a process that was found is alive, or no pidfd could be opened for one.
     bool areAlive() const;
 
-    // The next two stop a process first, and signal it when they are called again. In between,
-    // `update` finds what the process has started. Otherwise that could lose its last trace when
-    // the process ends, for a session's number alone may mean another session by then.
+    // The first call of the next two stops a process, the next call signals it. In between,
+    // `update` finds what the stopped process has started. Afterwards it could not: when the last
+    // known process of a session has ended, the session's number may have been reused.
 
     /// Sends SIGTERM, once to each process, and lets it run on.
     void askToEnd();

@@ -26,7 +26,7 @@ std::vector<fs::directory_entry> entriesOf(const fs::path& folder)
     return entries;
 }
 
-/// Block devices have no character node; what drivers are controlled by has.
+/// A node that controls a driver is a character device, or is named "control".
 bool isControlNode(const fs::directory_entry& node)
 {
     std::error_code error;

@@ -7,7 +7,7 @@
 
 namespace command {
 
-/// The paths of the machine's block devices, each once, numbers within names in their order.
+/// The paths of the machine's block devices, each once, sorted with numbers in numeric order.
 ///
 /// These are the names in `sysfsBlock` ("/sys/class/block", where '!' stands for '/'), and in
 /// `dev` ("/dev") the nodes of "mapper" and those that begin with "emcpower". The drivers' control

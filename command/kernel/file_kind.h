@@ -9,9 +9,9 @@ namespace command {
 
 enum class FileKind { none, regular, blockDevice, other };
 
-/// What a path leads to, links followed, as one stat told it.
+/// The file that a path leads to, as one stat(2) reports it. Links are followed.
 struct Node {
-    mode_t mode = 0; // 0 when there is nothing, or it cannot be seen
+    mode_t mode = 0; // 0 when there is no file, or stat fails
 
     FileKind kind() const;
 };

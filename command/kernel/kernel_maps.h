@@ -10,7 +10,7 @@ namespace command {
 /// A device of the kernel's device-mapper.
 struct KernelMap {
     std::string name; // of its node under /dev/mapper
-    std::string uuid; // what its maker calls it; often empty
+    std::string uuid; // set by the program that made it; often empty
 
     /// Made by the multipath daemon.
     ///
@@ -23,7 +23,7 @@ struct KernelMap {
     bool isMultipathPartition() const;
 };
 
-/// The maps in `sysfsBlock`, see blockDevices, by their names. Those that vanish meanwhile are left
+/// The maps in `sysfsBlock` (see blockDevices), sorted by name. Maps that vanish meanwhile are left
 /// out.
 std::vector<KernelMap> kernelMaps(const std::filesystem::path& sysfsBlock);
 

@@ -43,7 +43,7 @@ const Columns<PartitionAnswer>& partitionColumns();
 /// A claimed prefix.
 struct PrefixAnswer {
     std::string prefix;
-    const Driver* owner; // the first one that claims it
+    const Driver* owner; // the first driver that claims it
 };
 
 PrefixAnswer prefixAnswer(const std::vector<Module>& modules, const std::string& prefix);

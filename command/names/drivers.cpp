@@ -8,7 +8,7 @@ namespace command {
 
 namespace {
 
-/// What the library does not tell of a module's driver.
+/// What the library does not know about a module's driver.
 struct Facts {
     const char* name;
     const char* kernelName;
@@ -16,7 +16,7 @@ struct Facts {
     NameWarner warnOfName;
 };
 
-/// Not defined in general: a built-in module without facts does not compile.
+/// Not defined in general, so that a built-in module without facts does not build.
 template <class ClaimModule>
 Facts factsOf();
 

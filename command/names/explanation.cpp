@@ -6,7 +6,7 @@ namespace {
 
 using ModuleAnswers = std::vector<ModuleAnswer>;
 
-/// The modules whose claim is `claim`.
+/// The drivers of the modules whose claim is `claim`.
 std::vector<const Driver*> driversClaiming(const ModuleAnswers& modules, std::uint32_t claim)
 {
     std::vector<const Driver*> found;

@@ -19,7 +19,7 @@ public:
 
     void write(const Explanation& explanation);
 
-    /// Called once, behind the last one.
+    /// Called once, after the last explanation.
     void finish();
 
 private:

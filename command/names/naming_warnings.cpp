@@ -33,7 +33,7 @@ bool endsWith(std::string_view text, std::string_view end)
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-/// A path as its name and the digits at its end. Both live as long as the path.
+/// A path as its name and the digits at its end. Both refer to the path's text.
 struct Numbered {
     std::string_view name;
     std::string_view digits;
@@ -52,14 +52,14 @@ std::string inQuotes(std::string_view text)
     return "'" + std::string(text) + "'";
 }
 
-/// Whether tools put the number directly behind this name: the digit rule. Behind a name that ends
-/// in a digit they put a 'p' first.
+/// The digit rule: tools append the number directly to a name that ends in a letter, and put a 'p'
+/// before it after a name that ends in a digit.
 bool takesNumberDirectly(std::string_view disk)
 {
     return !isDigit(disk.back()) && disk.back() != '/';
 }
 
-void warnOfPlace(const NamedDevice& device, Warnings& warnings)
+void warnOfPrefixPosition(const NamedDevice& device, Warnings& warnings)
 {
     if (startsWith(device.path, device.prefix))
         return;
@@ -212,7 +212,7 @@ void warnOfNumberedName(const NamedDevice& device, Warnings& warnings)
 
 void warnOfClaimedName(const NamedDevice& device, NameWarner warnOfName, Warnings& warnings)
 {
-    warnOfPlace(device, warnings);
+    warnOfPrefixPosition(device, warnings);
     warnOfName(device, warnings);
 }
 

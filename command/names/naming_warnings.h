@@ -6,7 +6,7 @@
 
 namespace command {
 
-/// A path together with what the library says of it.
+/// A path, and the library's answers about it.
 struct NamedDevice {
     std::string path;
     std::string prefix; // the owner's; empty, as the rest, when nobody claims the path
@@ -33,7 +33,7 @@ void warnOfMapperName(const NamedDevice& device, std::vector<Warning>& warnings)
 ///     name = prefix letters [ digits ]          /dev/sdaa12
 void warnOfNumberedName(const NamedDevice& device, std::vector<Warning>& warnings);
 
-/// Warns of a path that a driver claims, whose names `warnOfName` is for.
+/// Warns of a path that a driver claims. `warnOfName` is that driver's warner.
 void warnOfClaimedName(const NamedDevice& device, NameWarner warnOfName,
                        std::vector<Warning>& warnings);
 

@@ -5,8 +5,8 @@
 
 namespace command {
 
-/// Why the volume manager's tools cannot be asked about a native path: a sentence about the path
-/// without its subject; null when they can be asked.
+/// Why the volume manager's tools cannot be asked about a native path, as a clause in which "it" is
+/// the path; null when they can be asked.
 ///
 /// The library puts the name, up to its first NUL, into a command line. The runner splits that line
 /// at spaces, and the tools split the list of disks to scan at commas:
@@ -16,10 +16,10 @@ namespace command {
 ///     /dev/sdc NUL d        asks about sdc
 const char* whyNotAsked(std::string_view path);
 
-/// Why an active path that the tools named is not to be used, in the same form; null when nothing
-/// speaks against it.
+/// Why an active path that the tools named must not be used, in the same form; null when it may be
+/// used.
 ///
-/// The library puts "/dev/" before whatever the tools answer: "../x" becomes /dev/../x.
+/// The library puts "/dev/" before the name in the tools' answer: "../x" becomes /dev/../x.
 const char* whyNotUsed(std::string_view activePath);
 
 } // namespace command

@@ -12,7 +12,7 @@ namespace command {
 
 enum class Kind { text, number };
 
-/// What a column shows, whatever its answers are.
+/// The part of a column that does not depend on the type of its answers.
 struct Heading {
     std::string_view name;
     Kind kind = Kind::text;

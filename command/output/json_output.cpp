@@ -11,7 +11,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// To the millisecond, which is as exact as the times of processes are.
+/// Rounded to milliseconds: the times of processes are no more exact than that.
 Json secondsJson(Seconds seconds)
 {
     return std::round(seconds.count() * 1000) / 1000;

@@ -10,14 +10,14 @@ namespace command {
 /// written.
 class OutputStream {
 public:
-    /// `stream` stays the caller's.
+    /// The caller keeps `stream`.
     explicit OutputStream(std::FILE* stream) : m_stream(stream) {}
 
     bool isTerminal() const;
 
     void write(std::string_view bytes);
 
-    /// Hands on what has been written so far.
+    /// Flushes the stream's buffer.
     void flush();
 
 private:

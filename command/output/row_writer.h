@@ -19,7 +19,7 @@ public:
     /// Writes what is held back, if the form allows that before the last row.
     virtual void flush() {}
 
-    /// Writes what is still held back. Called once, behind the last row.
+    /// Writes what is still held back. Called once, after the last row.
     virtual void finish() {}
 };
 

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t rowsPerBatch = 256;
 constexpr std::size_t longestAlignedCell = 256; // bytes
 
-/// The table library fails for want of memory only.
+/// The table library fails only when memory is exhausted.
 void require(bool success)
 {
     if (!success)
@@ -28,7 +28,8 @@ bool isTooLong(const std::string& cell)
     return cell.size() > longestAlignedCell;
 }
 
-/// Cells come printable, so the library need not encode them; no terminal's width is to cut them.
+/// Cells are printable, so the library must not encode them. Without a terminal it never cuts
+/// them to its width.
 void prepare(libscols_table* table)
 {
     require(table != nullptr);
@@ -37,15 +38,15 @@ void prepare(libscols_table* table)
     require(scols_table_set_termforce(table, SCOLS_TERMFORCE_NEVER) == 0);
 }
 
-/// The column has no heading of its own, which would keep it from taking over a width: headings
-/// are the first row.
+/// The headings are the first row: a column with a heading of its own would ignore the width that
+/// keepWidths sets.
 void addColumn(libscols_table* table, Kind kind)
 {
     const int flags = SCOLS_FL_STRICTWIDTH | (kind == Kind::number ? SCOLS_FL_RIGHT : 0);
     require(scols_table_new_column(table, "", 0, flags) != nullptr);
 }
 
-/// The widths reached so far become the least widths of the next batch.
+/// Makes the widths so far the least widths of the next batch.
 void keepWidths(libscols_table* table)
 {
     for (std::size_t i = 0; i < scols_table_get_ncols(table); ++i) {

@@ -15,8 +15,8 @@ struct Character {
     bool isPrintable;
 };
 
-/// The character that `text` begins with; a byte that begins none stands alone. Characters without
-/// a width of their own do not count as printable: they change how others look.
+/// The first character of `text`; an invalid byte counts as one. Characters without a width of
+/// their own count as unprintable, because they change how others look.
 Character firstCharacter(std::string_view text)
 {
     std::mbstate_t state{};

@@ -15,13 +15,13 @@ bool isPlain(char character)
     return plain.find(character) != std::string_view::npos;
 }
 
-/// zsh takes a '=' at the beginning of a word, and the name behind it, for the path of a program.
+/// zsh replaces a word of '=' and a program's name by the program's path.
 bool isPlainWord(std::string_view text)
 {
     return !text.empty() && text.front() != '=' && std::all_of(text.begin(), text.end(), isPlain);
 }
 
-/// A terminal prints other characters in its own way. `printable` changes a backslash that stands
+/// Printable ASCII without the backslash: `printable` escapes other characters, and a backslash
 /// before an 'x'.
 bool canBeQuoted(char character)
 {
@@ -40,7 +40,7 @@ std::string inQuotes(std::string_view text)
     return word + '\'';
 }
 
-/// Octal digits, as `printable` changes a backslash that stands before an 'x'.
+/// Octal, because `printable` escapes the backslash of a hexadecimal "\x".
 std::string inOctal(std::string_view text)
 {
     std::string word = "$'";

@@ -11,11 +11,11 @@ namespace command {
 ///     word = plain+ | "'" ascii* "'" | "$'" ( plain | "\" octal octal octal )* "'"
 ///
 /// The third form is for texts with a backslash, or with bytes that are not printable ASCII. A
-/// shell that does not know it, as dash, reads another text, but expands and runs nothing.
+/// shell without it, such as dash, reads another text, but expands and runs nothing.
 std::string shellWord(const std::string& text);
 
-/// A command line of the runner, which splits it at spaces and at nothing else, as a shell reads
-/// the same words: each word is quoted when that is needed. Spaces between words stay.
+/// Quotes each word of a runner's command line where needed, so that a shell reads the same words.
+/// The runner splits the line at runs of spaces and at nothing else. Spaces between words stay.
 std::string shellCommand(const std::string& command);
 
 } // namespace command

@@ -7,7 +7,7 @@
 namespace command {
 
 /// Breaks `text` at runs of blanks, so that lines indented by `indent` stay within 79 columns. The
-/// first line is not indented here: the caller has written so much before it. No line ends in a
+/// first line is not indented: the caller has written `indent` columns before it. No line ends in a
 /// blank. A word that is too long for any line gets one of its own.
 std::string wrapped(std::string_view text, std::size_t indent);
 

@@ -1,5 +1,5 @@
-#ifndef DMPCLAIM_H
-#define DMPCLAIM_H
+#ifndef TESTS_COMMAND_DMPCLAIM_H
+#define TESTS_COMMAND_DMPCLAIM_H
 
 #include <string>
 #include <string_view>

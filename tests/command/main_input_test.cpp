@@ -79,7 +79,7 @@ long peakFor(const std::vector<std::string>& arguments, int count)
     Setting setting;
     setting.input = input.number();
     setting.output = output.number();
-    // The address sanitizer, where there is one, otherwise keeps what is freed.
+    // Without these options the address sanitizer, if there is one, keeps freed memory.
     setting.environment = {"ASAN_OPTIONS=quarantine_size_mb=0:thread_local_quarantine_size_kb=0"};
     const Result result = run(arguments, {}, setting);
     EXPECT_EQ(result.status, 0);
@@ -87,7 +87,7 @@ long peakFor(const std::vector<std::string>& arguments, int count)
 }
 
 /// The peak varies by some 200 KiB. The smallest block that a path could leave allocated takes 32
-/// bytes: 20,000 of them are found. Explanations are large, and take longer.
+/// bytes: 20,000 of them would show. Explanations are larger, and take longer to make.
 TEST(Input, MemoryDoesNotGrowWithTheNumberOfPaths)
 {
     for (const std::vector<std::string>& arguments :

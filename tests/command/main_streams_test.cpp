@@ -64,7 +64,7 @@ TEST(Streams, AClosedOutputDoesNotMatterWhenNothingIsWritten)
     EXPECT_EQ(run({"frobnicate"}, {}, setting).status, 2);
 }
 
-/// Runs the command into a pipe that nobody reads and expects it to be ended quietly.
+/// Runs the command into a pipe without a reader and expects it to end quietly.
 void expectQuietEnd(Setting setting)
 {
     const Descriptor endless = openFile("/dev/zero", O_RDONLY);

@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Runs the command and expects nothing but `message`, which stands on standard error.
+/// Runs the command and expects nothing but `message` on standard error.
 void expectBadUsage(const std::vector<std::string>& arguments, const std::string& message)
 {
     const Result result = run(arguments);

@@ -1,5 +1,5 @@
-#ifndef NAMESPACED_TOOLS_H
-#define NAMESPACED_TOOLS_H
+#ifndef TESTS_COMMAND_NAMESPACED_TOOLS_H
+#define TESTS_COMMAND_NAMESPACED_TOOLS_H
 
 #include <string>
 #include <vector>

@@ -42,7 +42,8 @@ install_library() {
 library() { find "$1" -name 'libdmpclaim.so'; }
 runpath() { readelf -dW "$(library "$1")" | sed -n 's/.*runpath: \[\(.*\)\]/\1/p'; }
 
-# finds_framework PREFIX FOLDER: the loader does, for ldd and for a program that knows of neither.
+# finds_framework PREFIX FOLDER: for the library alone the loader finds the framework in FOLDER,
+# with ldd and in a program that loads the library.
 finds_framework() {
     local prefix=$1 folder=$2 name found
     found=$(ldd -r "$(library "$prefix")" 2>&1)
@@ -109,7 +110,7 @@ uses_framework "$machine/second_prefix" "$machine/second/lib" second
     fail "RUNPATH is $(runpath "$machine/second_prefix")"
 names_none_of "$machine/second_prefix" "$machine/first"
 
-# The loader has to be told as well, as here or by ldconfig: RUNPATH names the folder of before.
+# RUNPATH names the old folder, so the loader needs LD_LIBRARY_PATH, as here, or ldconfig.
 step "a framework that has moved since"
 mv "$machine/second" "$machine/moved"
 refused "Set DMPCLAIM_FRAMEWORK_DIR to the folder of the framework that dmpclaim links to." \

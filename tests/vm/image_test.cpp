@@ -14,7 +14,7 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-/// The busybox of the made-up packages. It knows one applet, and as an archive it prints the names.
+/// The busybox of the made-up packages. It has one applet, and its cpio prints the names it gets.
 constexpr char busybox[] = R"sh(case $1 in
 --list) echo ls ;;
 depmod) printf 'kernel/sd_mod.ko: kernel/scsi.ko\nkernel/scsi.ko:\nkernel/other.ko:\n' \
@@ -80,7 +80,7 @@ protected:
         remove_all(tree);
     }
 
-    /// A busybox that leaves a file behind when it runs.
+    /// A busybox that writes a file when it runs.
     void makePlanted(const path& package) const
     {
         makePackage(package,
@@ -88,7 +88,7 @@ protected:
     }
     path planted() const { return top() / "planted-program-ran"; }
 
-    /// Makes the image, instead of the one there is.
+    /// Makes the image anew.
     Result make(const std::vector<std::string>& environment = {}) const
     {
         remove_all(image());

@@ -1,5 +1,5 @@
-#ifndef ACTIVE_COMMAND_H
-#define ACTIVE_COMMAND_H
+#ifndef TESTS_COMMAND_ACTIVE_ACTIVE_COMMAND_H
+#define TESTS_COMMAND_ACTIVE_ACTIVE_COMMAND_H
 
 #include <string>
 #include <vector>
@@ -11,7 +11,7 @@
 class ActiveCommand : public NamespacedTools {
 protected:
     /// The command line of `dmpclaim active` with these arguments. Its signals are not ignored,
-    /// whatever started the tests.
+    /// also when the tests were started with signals ignored.
     std::vector<std::string> active(const std::vector<std::string>& arguments,
                                     const std::string& sleepMilliseconds = "0") const
     {
@@ -65,7 +65,7 @@ protected:
         return steps;
     }
 
-    /// The calls that a timeline tells of, as `calls` shows them.
+    /// The calls in a timeline, as `calls` shows them.
     static std::vector<std::string> callsIn(const Json& timeline)
     {
         std::vector<std::string> calls;

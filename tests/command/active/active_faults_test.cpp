@@ -14,7 +14,7 @@ using Steps = std::vector<std::string>;
 
 const Steps found{"getdmpnode 0", "getsubpaths 0"};
 
-/// What four failed attempts leave behind; `result` is that of each lookup.
+/// The steps of four failed attempts; `result` is that of each lookup.
 Steps fourFailures(const std::string& result, const std::string& rescan = "0")
 {
     Steps steps;
@@ -94,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(Scenarios, ActiveFaults, testing::ValuesIn(cases),
 
 TEST(ActiveScenarios, AreAllWalkedThrough)
 {
-    // Those whose tools hang are walked through by the tests of interrupts.
+    // The tests of interrupts cover the scenarios whose tools hang.
     std::set<std::string> walked{"hanging-tool", "fault-hang-after-output"};
     for (const Case& walk : cases)
         walked.insert(walk.scenario);

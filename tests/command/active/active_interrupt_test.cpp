@@ -9,7 +9,7 @@ namespace {
 using testing::IsEmpty;
 using testing::Not;
 
-/// The processes of the simulated tools, of this test's state file only.
+/// The processes of the simulated tools that use this test's state file.
 std::vector<std::string> runningTools(const std::filesystem::path& state)
 {
     std::vector<std::string> found;
@@ -25,7 +25,7 @@ std::vector<std::string> runningTools(const std::filesystem::path& state)
 
 class ActiveInterrupt : public ActiveCommand {
 protected:
-    /// Waits until so many tools have been called.
+    /// Waits until `number` tools have been called.
     void awaitCalls(const Process& process, std::size_t number) const
     {
         while (log().size() < number && !process.endsWithin(5))
@@ -33,7 +33,7 @@ protected:
         ASSERT_EQ(log().size(), number);
     }
 
-    /// Sends the signal and expects the status, soon, and nothing left running.
+    /// Sends the signal, and expects the status soon and no tool left running.
     void expectEnd(Process& process, int signal, int status) const
     {
         process.signal(signal);
@@ -102,7 +102,7 @@ TEST_F(ActiveInterrupt, AToolThatHasPrintedAllItWillIsEndedToo)
 /// A shell line that starts a child with a group of its own, prints its id and becomes the command.
 constexpr char withChild[] = "set -m; sleep 300 >/dev/null 2>&1 & echo $!; exec \"$@\"";
 
-/// Ends the process and tells whether it was there, not as a zombie.
+/// Ends the process. Returns whether it was running; a zombie was not.
 bool endSleeper(const std::string& id)
 {
     const std::string arguments = textOf("/proc/" + id + "/cmdline");

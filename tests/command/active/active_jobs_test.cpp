@@ -38,7 +38,7 @@ TEST_F(ActiveJobs, JobsPauseAtTheSameTime)
     double took = 0;
     for (const Json& path : answers)
         took += path["took"].get<double>();
-    // One after the other they would take no more than the time that passed.
+    // If they ran one after the other, `took` would be no more than the time that passed.
     EXPECT_GT(took, 3 * passed.count());
     EXPECT_EQ(sleeps().size(), 32U);
 }

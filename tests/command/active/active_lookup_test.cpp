@@ -154,7 +154,7 @@ TEST_F(ActiveLookupTest, AfterTheRequestToStopNoToolStarts)
     EXPECT_FALSE(stop.toolsRun());
 }
 
-TEST_F(ActiveLookupTest, TheRequestToStopEndsItBehindTheToolThatRuns)
+TEST_F(ActiveLookupTest, TheRequestToStopEndsItAfterTheToolThatRuns)
 {
     tools.answer({nodeQuery, 1015, {}, [this] {
                       EXPECT_TRUE(stop.toolsRun());
@@ -170,7 +170,7 @@ TEST_F(ActiveLookupTest, NoLineEndsItWhileTheToolRuns)
 {
     tools.answer({nodeQuery, 0, nodeTable, [this] {
                       stop.request();
-                      // As the runner does with its own lines.
+                      // The runner writes its own lines in the same way.
                       koze_pdk_4_4::CZeTraceLog* log = tools.runnerLog;
                       EXPECT_NO_THROW(log->trace(6, "Command took 1 ms."));
                   }});

@@ -4,7 +4,7 @@ namespace {
 
 using namespace std::string_literals;
 
-/// Names that a shell, a format or a table would trip over.
+/// Names that are special to a shell, a format or a table.
 const std::string names[] = {
     ";touch\tHACKED",
     "$(touch\tHACKED)",

@@ -88,7 +88,7 @@ TEST_F(ActiveOutput, ATraceFileThatCannotBeWrittenStopsItBeforeAnythingRuns)
     EXPECT_TRUE(log().empty());
 }
 
-/// Runs the command in a terminal of its own and returns what that shows.
+/// Runs the command in a pseudo-terminal of its own and returns what it prints there.
 class ActiveTerminal : public ActiveCommand {
 protected:
     /// `before` stands before the command in its shell line.
@@ -122,7 +122,7 @@ TEST_F(ActiveTerminal, ManyPathsHaveABar)
                 testing::HasSubstr("[....................] 0 of 2, /dev/sdc: attempt 1 of 4"));
 }
 
-TEST_F(ActiveTerminal, ARowStandsBetweenTheProgressBeforeAndBehindIt)
+TEST_F(ActiveTerminal, ARowStandsBetweenTheProgressBeforeAndAfterIt)
 {
     delayLookups(700);
     const std::string text = shown({"-r", "-n", "-o", "name,active", "/dev/sdc", "/dev/sdb"});

@@ -10,7 +10,7 @@ namespace {
 using Row = nlohmann::ordered_json;
 using testing::ElementsAre;
 
-/// Any command that were run would fail the test: the script is empty.
+/// The script is empty, so that running any command fails the test.
 class DryRun : public testing::Test {
 protected:
     std::vector<Row> rows(const std::string& path, bool refresh = false)

@@ -79,8 +79,7 @@ void take(LookupPool& pool, Outcome& outcome)
     }
 }
 
-/// Runs a pool to its end. Neither its source nor its work allocates anything, nor does the one
-/// who takes the answers.
+/// Runs a pool to its end. Its source, its work and this function allocate nothing meanwhile.
 Outcome run(unsigned int workers, long firstFailure, long lastFailure)
 {
     Outcome outcome;
@@ -106,8 +105,8 @@ Outcome run(unsigned int workers, long firstFailure, long lastFailure)
     return outcome;
 }
 
-/// The answers are all there, or those before a failure; and there is no failure without one
-/// missing.
+/// Expects all answers, or all answers before a failure. A failure must come with a missing
+/// answer.
 void expectNothingLost(const Outcome& outcome)
 {
     EXPECT_TRUE(outcome.inOrder);

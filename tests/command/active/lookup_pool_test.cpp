@@ -13,12 +13,12 @@
 
 namespace {
 
-/// So many threads can still be started; no limit without a number.
+/// How many more threads can be started; no limit when empty.
 std::optional<int> threadsLeft;
 
 } // namespace
 
-/// Takes the place of the C library's.
+/// Replaces the C library's function.
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                               void* (*start)(void*), void* argument) noexcept
 {
@@ -174,7 +174,7 @@ TEST(LookupPool, WhatTheWorkThrowsTakesThePlaceOfItsAnswer)
     EXPECT_THROW(pool.next(result, 10s), std::runtime_error);
 }
 
-TEST(LookupPool, WhatTheSourceThrowsComesBehindTheAnswersBefore)
+TEST(LookupPool, WhatTheSourceThrowsComesAfterTheAnswersBeforeIt)
 {
     int calls = 0;
     LookupPool pool(
@@ -191,7 +191,7 @@ TEST(LookupPool, WhatTheSourceThrowsComesBehindTheAnswersBefore)
     EXPECT_EQ(calls, 2);
 }
 
-TEST(LookupPool, TheSourceIsNotAskedAgainBehindItsEnd)
+TEST(LookupPool, TheSourceIsNotAskedAgainAfterItsEnd)
 {
     int calls = 0;
     LookupPool pool(
@@ -234,8 +234,8 @@ public:
     LookupPool& operator*() { return *m_pool; }
     void destroyPool() { m_pool.reset(); }
 
-    /// Waits until the source has been asked so often, and returns whether that was the last time
-    /// for now.
+    /// Waits until the source has been asked `times` times. Returns false when it is asked again
+    /// soon after.
     bool isAskedExactly(std::size_t times) const
     {
         const auto deadline = std::chrono::steady_clock::now() + 10s;
@@ -245,7 +245,7 @@ public:
         return *m_calls == times;
     }
 
-    /// Whether no worker is left: each holds on to what the source uses.
+    /// Whether no worker is left: each holds a reference to what the source uses.
     bool isLeftByWorkers() const
     {
         const auto deadline = std::chrono::steady_clock::now() + 10s;
@@ -268,7 +268,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Workers, LookupPoolWindow, testing::Values(2U, 64U));
 
-TEST_P(LookupPoolWindow, NoPathIsTakenThatIsTooFarBehindTheFirst)
+TEST_P(LookupPoolWindow, NoPathIsTakenThatIsTooFarAfterTheFirst)
 {
     EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
     pool.answerFirst();
@@ -314,7 +314,7 @@ TEST_P(LookupPoolWindow, WorkersThatWaitEndWhenOneIsInterrupted)
     EXPECT_EQ((*pool).next(result, 10s), LookupPool::Next::end);
 }
 
-TEST_P(LookupPoolWindow, WorkersThatWaitEndBehindAFailure)
+TEST_P(LookupPoolWindow, WorkersThatWaitEndAfterAFailure)
 {
     EXPECT_TRUE(pool.isAskedExactly(LookupPool::window));
     pool.failFirst(std::make_exception_ptr(std::runtime_error("no 0")));

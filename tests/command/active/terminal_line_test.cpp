@@ -75,7 +75,7 @@ TEST_F(TerminalLineTest, AClosedLineIsEmptyForGood)
     EXPECT_EQ(written(), "\rone\x1b[K\r\x1b[K");
 }
 
-TEST_F(TerminalLineTest, ATerminalThatTakesNoOutputHoldsNobodyUp)
+TEST_F(TerminalLineTest, ClosingDoesNotWaitForATerminalThatTakesNoOutput)
 {
     fcntl(terminal.descriptor(), F_SETFL, O_NONBLOCK);
     while (write(terminal.descriptor(), "x", 1) == 1)

@@ -8,7 +8,7 @@ using namespace std::chrono_literals;
 using command::Timeline;
 using Kind = command::TraceEvent::Kind;
 
-/// A timeline whose lines come at times that the test names.
+/// A timeline whose lines come at times that the test chooses.
 class TimelineTest : public testing::Test {
 protected:
     void take(std::chrono::milliseconds time, Kind kind, std::optional<int> result = {})

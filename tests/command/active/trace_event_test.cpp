@@ -48,7 +48,7 @@ const Case others[] = {
     {6, "", Kind::other},
 };
 
-TEST(TraceEvent, LinesThatTellOfToolsAndWaitsAreKnown)
+TEST(TraceEvent, LinesAboutToolsAndWaitsAreKnown)
 {
     for (const Case& line : events)
         EXPECT_EQ(traceEvent(line.level, line.text).kind, line.kind)

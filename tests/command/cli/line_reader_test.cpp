@@ -89,7 +89,7 @@ TEST(LineReader, ALineMayComeInPieces)
         ++piece;
     });
     EXPECT_EQ(lines.next(), "/dev/sda");
-    EXPECT_EQ(piece - pieces.begin(), 3); // nothing was awaited in vain
+    EXPECT_EQ(piece - pieces.begin(), 3); // no more reads than needed
     EXPECT_EQ(lines.next(), "/dev/sdb");
     EXPECT_EQ(lines.next(), std::nullopt);
 }

@@ -28,7 +28,7 @@ std::string information(const Arguments& arguments)
     return std::get<command::Information>(command::parseOptions(arguments, command::subcommands()));
 }
 
-/// What is wrong with the arguments; the subcommand whose help tells more stands in front.
+/// What is wrong with the arguments, after the subcommand whose help tells more.
 std::string complaint(const Arguments& arguments)
 {
     try {
@@ -59,7 +59,7 @@ TEST(Options, PathsAreTakenAsTheyAre)
     EXPECT_EQ(options(arguments).paths, paths);
 }
 
-TEST(Options, BehindTwoHyphensThereAreOnlyValues)
+TEST(Options, AfterTwoHyphensThereAreOnlyValues)
 {
     EXPECT_THAT(options({"show", "a", "--", "-J", "--", "--x=", "show", "[]", ""}).paths,
                 ElementsAre("a", "-J", "--", "--x=", "show", "[]", ""));
@@ -67,7 +67,7 @@ TEST(Options, BehindTwoHyphensThereAreOnlyValues)
     EXPECT_EQ(options({"append", "--", "-d", "7"}).partnum, 7U);
 }
 
-TEST(Options, GlobalOptionsStandBeforeOrBehindTheSubcommand)
+TEST(Options, GlobalOptionsStandBeforeOrAfterTheSubcommand)
 {
     for (const Arguments& arguments :
          {Arguments{"-J", "--trace=3", "-o", "NAME", "show", "x"},

@@ -1,5 +1,5 @@
-// How the work of an examination grows with the machine. Texts are compared with memcmp, whose
-// calls are counted: unlike time they are the same in each run.
+// How the work of the checks grows with the machine. Counts calls of memcmp, which compares texts:
+// unlike time, their number is the same in each run.
 #include "doctor/device_checks.h"
 
 #include <gtest/gtest.h>
@@ -44,7 +44,7 @@ long comparisonsFor(int devices)
     const std::vector<command::DeviceReading> readings = machine.readings();
     std::size_t findings = 0;
     comparisons = 0;
-    command::checkDevices(machine.places(), readings, {},
+    command::checkDevices(machine.paths(), readings, {},
                           [&](const command::Finding&) { ++findings; });
     EXPECT_EQ(findings, 4U);
     return comparisons;

@@ -26,7 +26,7 @@ protected:
     std::string remedyFor(const std::string& subject) const
     {
         std::string remedy;
-        command::checkDevices(machine.places(), machine.readings(), given,
+        command::checkDevices(machine.paths(), machine.readings(), given,
                               [&](const Finding& finding) {
                                   if (finding.subject == subject)
                                       remedy += finding.remedy;
@@ -37,7 +37,7 @@ protected:
     std::vector<std::string> all(const std::vector<DeviceReading>& readings) const
     {
         std::vector<std::string> lines;
-        command::checkDevices(machine.places(), readings, given, [&](const Finding& finding) {
+        command::checkDevices(machine.paths(), readings, given, [&](const Finding& finding) {
             lines.push_back(std::string(command::stateName(finding.state)) + ' ' + finding.subject +
                             ": " + finding.text);
             const bool mustAct = finding.state != Finding::State::ok;
@@ -46,7 +46,7 @@ protected:
         return lines;
     }
 
-    /// Those that are about single devices and not about their names alone.
+    /// The findings about single devices, without those about their names alone.
     std::vector<std::string> findings() const
     {
         std::vector<std::string> lines;
@@ -85,7 +85,7 @@ TEST_F(DeviceChecks, ADriverIsKnownByItsWholeName)
 
 TEST_F(DeviceChecks, ADriverIsNotMissedWhenTheListCannotBeRead)
 {
-    std::filesystem::remove(machine.places().drivers);
+    std::filesystem::remove(machine.paths().drivers);
     EXPECT_EQ(all()[0], "ok native: perhaps in the kernel, whose list of drivers cannot be read; "
                         "owns 0 of 0 block devices");
 }
@@ -94,9 +94,9 @@ TEST_F(DeviceChecks, NoNodeIsCalledLeftOverWhenTheKernelsDevicesCannotBeSeen)
 {
     machine.addNode("emcpowera");
     machine.addNode("mapper/mpatha");
-    std::filesystem::remove(machine.places().sysfsBlock);
+    std::filesystem::remove(machine.paths().sysfsBlock);
     EXPECT_THAT(findings(),
-                ElementsAre("error " + machine.places().sysfsBlock.string() +
+                ElementsAre("error " + machine.paths().sysfsBlock.string() +
                             ": cannot be read (No such file or directory): which devices there "
                             "are is not known, and no name was examined"));
 }
@@ -121,7 +121,7 @@ TEST_F(DeviceChecks, ANodeIsMissing)
                             "error /dev/sda: a device of the kernel, but the node is missing"));
 }
 
-TEST_F(DeviceChecks, ANodeIsLeftBehind)
+TEST_F(DeviceChecks, ANodeIsLeftOver)
 {
     machine.addNode("emcpowera");
     machine.addNode("mapper/mpatha");
@@ -155,7 +155,7 @@ TEST_F(DeviceChecks, SomethingStandsInANodesPlace)
 TEST_F(DeviceChecks, ALinkToNowhereIsNoNode)
 {
     machine.addMap("mpatha", "mpath-3600");
-    std::filesystem::create_symlink("../dm-0", machine.places().dev / "mapper/mpatha");
+    std::filesystem::create_symlink("../dm-0", machine.paths().dev / "mapper/mpatha");
     EXPECT_THAT(findings(), ElementsAre("error /dev/mapper/mpatha: a map of the kernel, but the "
                                         "node is missing"));
 }
@@ -168,7 +168,7 @@ TEST_F(DeviceChecks, GivenPathsAreBlockDevices)
     given = {"/dev/sda",    "/dev/sdc",
              "/dev/sdc",    "/dev/nvme0n1",
              "/dev/sdb",    "/dev/nvme0n2",
-             "/dev/mapper", machine.places().dev / "sda",
+             "/dev/mapper", machine.paths().dev / "sda",
              "sda",         ""};
     EXPECT_THAT(findings(),
                 ElementsAre("warning /dev/sdc: does not exist, or this user cannot see it",
@@ -198,7 +198,7 @@ TEST_F(DeviceChecks, GivenPathsAreLookedAtWithoutTheKernelsDevices)
 {
     machine.addNode("sda");
     machine.addFile("sdb");
-    std::filesystem::remove(machine.places().sysfsBlock);
+    std::filesystem::remove(machine.paths().sysfsBlock);
     given = {"/dev/sda", "/dev/sdb", "/dev/sdc"};
     EXPECT_THAT(findings(),
                 ElementsAre(HasSubstr("cannot be read"), "error /dev/sdb: is no block device",
@@ -209,8 +209,8 @@ TEST_F(DeviceChecks, ADeviceThatVanishesMeanwhileIsNotMissed)
 {
     machine.addDeviceWithNode("sda");
     const std::vector<DeviceReading> before = machine.readings();
-    std::filesystem::remove(machine.places().dev / "sda");
-    std::filesystem::remove(machine.places().sysfsBlock / "sda");
+    std::filesystem::remove(machine.paths().dev / "sda");
+    std::filesystem::remove(machine.paths().sysfsBlock / "sda");
     EXPECT_EQ(all(before).size(), all().size());
 }
 
@@ -225,7 +225,7 @@ TEST_F(DeviceChecks, AMultipathMapsNodeIsMissing)
             "error /dev/mapper/mpatha-part1: a map of the kernel, but the node is missing"));
 }
 
-TEST_F(DeviceChecks, AdviceNamesTheCommand)
+TEST_F(DeviceChecks, RemedyNamesTheCommand)
 {
     machine.addDevice("sda");
     machine.addDevice("sdb;x");

@@ -10,7 +10,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-// Lays the machine's folders over the real ones. Programs need /dev/null there, too.
+// Mounts the machine's folders over the real ones. Programs also need /dev/null there.
 constexpr char layOver[] = R"(set -e
 touch "$1/null" && mount --bind /dev/null "$1/null"
 mount --rbind "$1" /dev
@@ -23,14 +23,14 @@ class Doctor : public NamespacedTools {
 protected:
     std::vector<std::string> doctor(const std::vector<std::string>& arguments) const
     {
-        const command::SystemPaths& places = machine.places();
+        const command::SystemPaths& paths = machine.paths();
         std::vector<std::string> command{"sh",
                                          "-c",
                                          layOver,
                                          "sh",
-                                         places.dev,
-                                         places.sysfsBlock,
-                                         places.drivers,
+                                         paths.dev,
+                                         paths.sysfsBlock,
+                                         paths.drivers,
                                          "env",
                                          "--default-signal=INT,TERM,HUP,QUIT,PIPE",
                                          "LD_PRELOAD=" FAKE_NODES,
@@ -126,10 +126,10 @@ TEST_F(Doctor, TextKeepsNeitherTraceNorExplanations)
 {
     const auto peakKilobytesWith = [&](const std::string& count) {
         const std::string names = "emcpower{1.." + count + "}";
-        const std::string making = "cd \"$0\" && mkdir -p " + names + " && cd \"$1\" && touch " +
+        const std::string script = "cd \"$0\" && mkdir -p " + names + " && cd \"$1\" && touch " +
                                    names + " && chmod 1600 " + names;
         const Result made =
-            Process({"bash", "-c", making, machine.places().sysfsBlock, machine.places().dev})
+            Process({"bash", "-c", script, machine.paths().sysfsBlock, machine.paths().dev})
                 .finish();
         EXPECT_EQ(made.status, 0) << made.errors;
         const Result ended = run();
@@ -137,7 +137,7 @@ TEST_F(Doctor, TextKeepsNeitherTraceNorExplanations)
         EXPECT_EQ(ended.status, 0);
         return ended.peakKilobytes;
     };
-    // The address sanitizer, where there is one, otherwise keeps what is freed.
+    // Without these options the address sanitizer, if there is one, keeps freed memory.
     sanitizerOptions += ":quarantine_size_mb=0:thread_local_quarantine_size_kb=0";
     const long peak = peakKilobytesWith("1000");
     EXPECT_LT(peakKilobytesWith("3000"), peak + 4000);
@@ -166,7 +166,7 @@ TEST_F(Doctor, AFileInTheActivePathsPlaceIsAnError)
     EXPECT_EQ(ended.status, 32);
 }
 
-TEST_F(Doctor, JsonHoldsWhatSomebodyWhoHelpsNeeds)
+TEST_F(Doctor, JsonHoldsWhatASupportEngineerNeeds)
 {
     machine.addDeviceWithNode("sdb");
     machine.addMapWithNode("mpatha", "mpath-1");

@@ -1,5 +1,5 @@
-// Takes the place of `stat` in a process that holds it or loads it by LD_PRELOAD: a file with the
-// sticky bit passes for a block device. To make a real one takes a privilege.
+// Replaces stat(2) in a program that links this file, or loads it by LD_PRELOAD: a file with the
+// sticky bit passes for a block device. Making a real one takes a privilege.
 #include <fcntl.h>
 #include <sys/stat.h>
 

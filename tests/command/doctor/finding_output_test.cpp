@@ -16,13 +16,13 @@ Row findingRow(const Finding& finding)
     return parsed(command::findingDocument(finding));
 }
 
-TEST(FindingText, TheTextStandsBehindTheState)
+TEST(FindingText, TheTextFollowsTheState)
 {
     EXPECT_EQ(findingText({Finding::State::ok, "kodisk", "can be run", ""}),
               "ok       kodisk: can be run\n");
 }
 
-TEST(FindingText, TheAdviceFollows)
+TEST(FindingText, TheRemedyFollows)
 {
     EXPECT_EQ(findingText({Finding::State::warning, "/dev/sdc", "odd", "look"}),
               "warning  /dev/sdc: odd\n"

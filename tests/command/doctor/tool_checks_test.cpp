@@ -15,8 +15,8 @@
 
 namespace {
 
-/// What `stat` says of the tools and of what stands in /dev: tools are files, the others block
-/// devices, but for these. ScriptedTools tells what is missing.
+/// The modes that stat(2) reports for these paths. Other tools are files, and other paths in /dev
+/// are block devices. ScriptedTools says which are missing.
 std::map<std::string, mode_t>& scriptedModes()
 {
     static std::map<std::string, mode_t> modes;
@@ -69,7 +69,7 @@ class ToolChecks : public testing::Test {
 protected:
     ToolChecks() { scriptedModes().clear(); }
 
-    void examine(const std::vector<std::string>& paths)
+    void check(const std::vector<std::string>& paths)
     {
         m_checks.checkTools();
         for (const std::string& path : paths)
@@ -78,7 +78,7 @@ protected:
 
     const std::vector<command::AskedCommand>& commands() const { return m_commands; }
 
-    /// "STATE SUBJECT: TEXT" for each finding behind those about the tools.
+    /// "STATE SUBJECT: TEXT" for each finding after those about the tools.
     std::vector<std::string> findings() const
     {
         std::vector<std::string> lines;
@@ -123,7 +123,7 @@ TEST_F(ToolChecks, ToolsThatCanBeRunAreToldOf)
 TEST_F(ToolChecks, WithoutTheToolsNothingIsAsked)
 {
     tools.installed = false;
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("note KoVM: its tools are not installed: the active path "
                                         "of a native path is that path"));
     EXPECT_THAT(tools.events, Contains("stat /usr/sbin/kodmpadm"));
@@ -132,7 +132,7 @@ TEST_F(ToolChecks, WithoutTheToolsNothingIsAsked)
 TEST_F(ToolChecks, WhatIsNoFileIsNoTool)
 {
     scriptedModes() = {{"/usr/sbin/kodmpadm", S_IFDIR}, {"/usr/sbin/kodisk", S_IFBLK}};
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(),
                 ElementsAre("error /usr/sbin/kodmpadm: is no file: lookups cannot run it",
                             "warning /usr/sbin/kodisk: is no file: lookups cannot run it"));
@@ -142,7 +142,7 @@ TEST_F(ToolChecks, WhatIsNoFileIsNoTool)
 TEST_F(ToolChecks, AnAdministrationToolThatMayNotBeExecutedIsAnError)
 {
     tools.notExecutable = {"/usr/sbin/kodmpadm"};
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("error /usr/sbin/kodmpadm: may not be executed: active "
                                         "paths are not looked up"));
 }
@@ -151,7 +151,7 @@ TEST_F(ToolChecks, AMissingAdministrationToolIsAnErrorBesideTheOther)
 {
     tools.missing = {"/usr/sbin/kodmpadm"};
     tools.notExecutable = tools.missing;
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(
         findings(),
         ElementsAre("error /usr/sbin/kodmpadm: is missing: active paths are not looked up"));
@@ -161,7 +161,7 @@ TEST_F(ToolChecks, AMissingDiskToolIsAWarningAndDisksAreAskedAbout)
 {
     tools.missing = {"/usr/sbin/kodisk"};
     tools.answer(nodeQuery, 1);
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(), Contains("warning /usr/sbin/kodisk: is missing: a lookup can neither "
                                      "scan nor remove disks"));
 }
@@ -170,7 +170,7 @@ TEST_F(ToolChecks, EachQuestionIsAskedOnceAndItsTableKept)
 {
     tools.answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 0, pathTable);
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("ok /dev/sdc: node arr0_17, active path /dev/sdb"));
     ASSERT_EQ(commands().size(), 2U);
     EXPECT_EQ(commands()[0].command, nodeQuery);
@@ -183,11 +183,11 @@ TEST_F(ToolChecks, EachQuestionIsAskedOnceAndItsTableKept)
 TEST_F(ToolChecks, TheRunnerTracesAndTakesStandardOutputOnly)
 {
     const koze_pdk_4_4::CZeTraceLogHandle log = new koze_pdk_4_4::CZeTraceLog;
-    command::ToolChecks examination(
+    command::ToolChecks checks(
         log, stop, [](const Finding&) {}, nullptr);
-    examination.checkTools();
+    checks.checkTools();
     tools.answer(nodeQuery, 1);
-    examination.checkDisk("/dev/sdc");
+    checks.checkDisk("/dev/sdc");
     EXPECT_EQ(tools.runnerArgument, 1);
     EXPECT_EQ(tools.runnerLog, log.get());
     EXPECT_EQ(tools.liveRunners, 0);
@@ -198,7 +198,7 @@ TEST_F(ToolChecks, AnActivePathThatDoesNotExistIsAWarning)
     tools.missing = {"/dev/sdb"};
     tools.answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 0, pathTable);
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: node arr0_17, active path /dev/sdb, "
                                         "which does not exist here"));
     EXPECT_THAT(last().remedy, HasSubstr("dmpclaim active --refresh /dev/sdc"));
@@ -210,7 +210,7 @@ TEST_F(ToolChecks, AnActivePathThatIsNoBlockDeviceIsAnError)
     for (const char* state : {"ENABLED(A)", "DISABLED"}) {
         tools.answer(nodeQuery, 0, nodeTable);
         tools.answer(pathQuery, 0, {"NAME", "====", std::string("sdb ") + state + " PRIMARY c1"});
-        examine({"/dev/sdc"});
+        check({"/dev/sdc"});
         EXPECT_EQ(findings().back(), "error /dev/sdc: node arr0_17, active path /dev/sdb, which is "
                                      "no block device here");
         EXPECT_THAT(last().remedy, AllOf(StartsWith("Move that away"), EndsWith(" /dev/sdb")));
@@ -218,14 +218,14 @@ TEST_F(ToolChecks, AnActivePathThatIsNoBlockDeviceIsAnError)
     scriptedModes() = {{"/dev/sdc", S_IFREG}};
     tools.answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 0, {"NAME", "====", "sdc ENABLED(A) PRIMARY c1"});
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(last().remedy, AllOf(StartsWith("Move that away"), Not(HasSubstr("doctor"))));
 }
 
 TEST_F(ToolChecks, ATableWithoutANodeIsAWarning)
 {
     tools.answer(nodeQuery, 0, {"NAME", "===="});
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre(std::string("warning /dev/sdc: no node in the table of: ") +
                                         nodeQuery));
 }
@@ -235,7 +235,7 @@ TEST_F(ToolChecks, ATableWithoutAUsablePathIsAWarning)
     const std::vector<std::string> lines{"NAME", "====", "sdb DISABLED SECONDARY c1"};
     tools.answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 0, lines);
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(
         findings(),
         ElementsAre(std::string("warning /dev/sdc: no usable path in the table of: ") + pathQuery));
@@ -244,7 +244,7 @@ TEST_F(ToolChecks, ATableWithoutAUsablePathIsAWarning)
 TEST_F(ToolChecks, AFailureIsAWarningThatTellsWhatTheToolSaid)
 {
     tools.answer(nodeQuery, 1, {"", " \t\r", "ERROR sdc is not found", "more"});
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: status 1, 'ERROR sdc is not found' "
                                         "from: " +
                                         std::string(nodeQuery)));
@@ -260,7 +260,7 @@ TEST_F(ToolChecks, EachEndingHasItsWords)
         {CZeExecPipeBase::statusUnknown, "its status was lost from:"}};
     for (const auto& [status, words] : endings) {
         tools.answer(nodeQuery, status);
-        examine({"/dev/sdc"});
+        check({"/dev/sdc"});
         EXPECT_EQ(last().text, words);
         EXPECT_EQ(last().command, nodeQuery);
     }
@@ -270,7 +270,7 @@ TEST_F(ToolChecks, AFailureForANodeIsToldOfItsDisk)
 {
     tools.answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 3);
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(),
                 ElementsAre(std::string("warning /dev/sdc: status 3 from: ") + pathQuery));
 }
@@ -279,7 +279,7 @@ TEST_F(ToolChecks, EachDiskIsAskedAbout)
 {
     tools.answer(nodeQuery, 1);
     tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=sdd", 1);
-    examine({"/dev/sdc", "/dev/sdd"});
+    check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(findings(), ElementsAre(StartsWith("warning /dev/sdc: status 1"),
                                         StartsWith("warning /dev/sdd: status 1")));
 }
@@ -287,7 +287,7 @@ TEST_F(ToolChecks, EachDiskIsAskedAbout)
 TEST_F(ToolChecks, AToolThatHangsIsNotAskedAgain)
 {
     tools.answer(nodeQuery, CZeExecPipeBase::deadlinePassed);
-    examine({"/dev/sdc", "/dev/sdd"});
+    check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(findings(), ElementsAre("error /usr/sbin/kodmpadm: no answer within 30 seconds "
                                         "to: " +
                                         std::string(nodeQuery)));
@@ -300,7 +300,7 @@ TEST_F(ToolChecks, AToolThatCannotBeRunIsNotAskedAgain)
 {
     tools.answer(
         {nodeQuery, 0, {}, [] { throw koze_pdk_4_4::EZeExecPipe("no such interpreter"); }});
-    examine({"/dev/sdc", "/dev/sdd"});
+    check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(findings(), ElementsAre("error /usr/sbin/kodmpadm: no such interpreter"));
     EXPECT_THAT(last().remedy, HasSubstr("the volume manager's package"));
     EXPECT_THAT(commands(), IsEmpty());
@@ -310,7 +310,7 @@ TEST_F(ToolChecks, AToolThatCannotBeRunIsNotAskedAgain)
 TEST_F(ToolChecks, AFloodingToolIsNotAskedAgain)
 {
     tools.answer(nodeQuery, CZeExecPipeBase::boundExceeded, {"NAME"});
-    examine({"/dev/sdc", "/dev/sdd"});
+    check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(
         findings(),
         ElementsAre(std::string("error /usr/sbin/kodmpadm: too much output from: ") + nodeQuery));
@@ -321,7 +321,7 @@ TEST_F(ToolChecks, APathThatIsNotEnabledIsAWarning)
 {
     tools.answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 0, {"NAME", "====", "sdb DISABLED PRIMARY c1"});
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(), ElementsAre("warning /dev/sdc: node arr0_17, active path /dev/sdb, "
                                         "which is not enabled, as no path of the node is"));
 }
@@ -330,7 +330,7 @@ TEST_F(ToolChecks, AnAnswerThatIsNoTableIsAWarning)
 {
     tools.answer(nodeQuery, 0, {"note", "NAME", "====", "arr0_17"});
     tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0);
-    examine({"/dev/sdc", "/dev/sdc"});
+    check({"/dev/sdc", "/dev/sdc"});
     EXPECT_THAT(
         findings(),
         ElementsAre(std::string("warning /dev/sdc: a line before the header in the answer "
@@ -340,21 +340,21 @@ TEST_F(ToolChecks, AnAnswerThatIsNoTableIsAWarning)
     EXPECT_THAT(last().remedy, StartsWith("Run it by hand"));
 }
 
-TEST_F(ToolChecks, AdviceDependsOnWhatFailed)
+TEST_F(ToolChecks, TheRemedyDependsOnWhatFailed)
 {
     tools.answer(nodeQuery, 1);
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(last().remedy, EndsWith("scan it: dmpclaim active /dev/sdc"));
     tools.answer(nodeQuery, 0, {"NAME", "===="});
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(last().remedy, EndsWith("scanned: /usr/sbin/kodisk   scandisks  device=sdc"));
     tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 1);
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(last().remedy, AllOf(HasSubstr("removes the node"),
                                      EndsWith("dmpclaim active --refresh /dev/sdc")));
     for (const int status : {CZeExecPipeBase::killedBySignal + 1, CZeExecPipeBase::statusUnknown}) {
         tools.answer(nodeQuery, status);
-        examine({"/dev/sdc"});
+        check({"/dev/sdc"});
         EXPECT_THAT(last().remedy, StartsWith("Run it by hand"));
     }
 }
@@ -363,11 +363,11 @@ TEST_F(ToolChecks, AFailureMayBeThatOfTheWholeVolumeManager)
 {
     for (const int status : {1, 2, 255}) {
         tools.answer(nodeQuery, status);
-        examine({"/dev/sdc"});
+        check({"/dev/sdc"});
         EXPECT_THAT(last().remedy, AllOf(StartsWith("Check that the volume manager runs. If "),
                                          EndsWith("scan it: dmpclaim active /dev/sdc")));
         tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, status);
-        examine({"/dev/sdc"});
+        check({"/dev/sdc"});
         EXPECT_THAT(last().remedy, AllOf(StartsWith("Check that the volume manager runs. If "),
                                          EndsWith("dmpclaim active --refresh /dev/sdc")));
     }
@@ -377,37 +377,37 @@ TEST_F(ToolChecks, WhoAsksAboutAPartitionIsToldToAskAboutTheDisk)
 {
     const std::string query = "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc12";
     tools.answer(query, 1);
-    examine({"/dev/sdc12"});
+    check({"/dev/sdc12"});
     EXPECT_THAT(last().remedy, EndsWith("Ask about the disk: dmpclaim doctor /dev/sdc"));
     tools.answer(query, 0, {"NAME", "===="});
-    examine({"/dev/sdc12"});
+    check({"/dev/sdc12"});
     EXPECT_THAT(last().remedy, EndsWith("Ask about the disk: dmpclaim doctor /dev/sdc"));
 }
 
-TEST_F(ToolChecks, AdviceMayBePastedIntoAShell)
+TEST_F(ToolChecks, ARemedyMayBePastedIntoAShell)
 {
     const std::string node = "/usr/sbin/kodmpadm   getdmpnode  nodename=sd$(x)";
     tools.answer(node, 1);
-    examine({"/dev/sd$(x)"});
+    check({"/dev/sd$(x)"});
     EXPECT_THAT(last().remedy, EndsWith("dmpclaim active '/dev/sd$(x)'"));
     tools.answer(node, 0, {"NAME", "===="});
-    examine({"/dev/sd$(x)"});
+    check({"/dev/sd$(x)"});
     EXPECT_THAT(last().remedy, EndsWith("scandisks  'device=sd$(x)'"));
     tools.answer(node, 0, nodeTable).answer(pathQuery, 1);
-    examine({"/dev/sd$(x)"});
+    check({"/dev/sd$(x)"});
     EXPECT_THAT(last().remedy, EndsWith("--refresh '/dev/sd$(x)'"));
 }
 
 TEST_F(ToolChecks, ANameThatTheToolsWouldMisreadIsNotAskedAbout)
 {
-    examine({"/dev/sdc force=yes"});
+    check({"/dev/sdc force=yes"});
     EXPECT_THAT(findings(),
                 ElementsAre("error /dev/sdc force=yes: the volume manager is not asked about it: "
                             "it holds a space, which separates the arguments of the volume "
                             "manager's tools"));
     EXPECT_THAT(commands(), IsEmpty());
     tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0, pathTable);
-    examine({"/dev/sdc,sdd", "/dev/sdc"});
+    check({"/dev/sdc,sdd", "/dev/sdc"});
     EXPECT_THAT(findings().back(), StartsWith("ok /dev/sdc: "));
 }
 
@@ -415,7 +415,7 @@ TEST_F(ToolChecks, AnActivePathThatLeavesDevIsAnError)
 {
     tools.answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 0, {"NAME", "====", "../etc/shadow ENABLED(A) PRIMARY c1"});
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings(),
                 ElementsAre("error /dev/sdc: node arr0_17, active path /dev/../etc/shadow, which "
                             "is not to be used: it leaves /dev"));
@@ -424,12 +424,12 @@ TEST_F(ToolChecks, AnActivePathThatLeavesDevIsAnError)
 TEST_F(ToolChecks, TheCommandsThatAreShownMayBePastedIntoAShell)
 {
     tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=sd$(x)", 1);
-    examine({"/dev/sd$(x)"});
+    check({"/dev/sd$(x)"});
     EXPECT_THAT(findings().back(), EndsWith(" from: /usr/sbin/kodmpadm   getdmpnode  "
                                             "'nodename=sd$(x)'"));
     tools.answer(nodeQuery, 0, {"NAME", "====", "$(x)"});
     tools.answer("/usr/sbin/kodmpadm   getsubpaths  dmpnodename=$(x)", 0, {"NAME", "===="});
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(findings().back(), EndsWith(" of: /usr/sbin/kodmpadm   getsubpaths  "
                                             "'dmpnodename=$(x)'"));
 }
@@ -437,7 +437,7 @@ TEST_F(ToolChecks, TheCommandsThatAreShownMayBePastedIntoAShell)
 TEST_F(ToolChecks, APathThatLooksLikeAnOptionIsAdvisedAsAPath)
 {
     tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=--trace-file=/dev/sdc", 1);
-    examine({"--trace-file=/dev/sdc"});
+    check({"--trace-file=/dev/sdc"});
     EXPECT_THAT(last().remedy, EndsWith(": dmpclaim active -- --trace-file=/dev/sdc"));
 }
 
@@ -446,7 +446,7 @@ TEST_F(ToolChecks, ANameThatIsTooLongForAToolIsNoFaultOfTheTool)
     const std::string longest = "/dev/sd" + std::string(4088, 'x');
     tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=" + longest.substr(5), 1);
     tools.answer(nodeQuery, 1);
-    examine({"/dev/sd" + std::string(200'000, 'x'), longest + 'x', longest, "/dev/sdc"});
+    check({"/dev/sd" + std::string(200'000, 'x'), longest + 'x', longest, "/dev/sdc"});
     EXPECT_THAT(findings(),
                 ElementsAre(EndsWith("xxx: the volume manager is not asked about it: it is longer "
                                      "than a path can be"),
@@ -459,7 +459,7 @@ TEST_F(ToolChecks, ANodesNameThatIsTooLongForAToolIsNoFaultOfTheTool)
 {
     tools.answer(nodeQuery, 0, {"NAME", "====", std::string(4096, 'x')});
     tools.answer(nodeQuery, 1);
-    examine({"/dev/sdc", "/dev/sdc"});
+    check({"/dev/sdc", "/dev/sdc"});
     EXPECT_THAT(findings(),
                 ElementsAre("warning /dev/sdc: a node's name that is longer than a path can be in "
                             "the answer to: " +
@@ -480,7 +480,7 @@ TEST_F(ToolChecks, AnswersAreNotKeptUnlessTheyAreWanted)
 TEST_F(ToolChecks, NothingIsScannedOrRemoved)
 {
     tools.answer(nodeQuery, 1);
-    examine({"/dev/sdc"});
+    check({"/dev/sdc"});
     EXPECT_THAT(tools.events, Not(Contains(HasSubstr("scandisks"))));
     EXPECT_THAT(tools.events, Not(Contains(HasSubstr("sleep"))));
 }
@@ -491,7 +491,7 @@ TEST_F(ToolChecks, WhatIsInterruptedIsNoFinding)
                       EXPECT_TRUE(stop.toolsRun());
                       stop.request();
                   }});
-    EXPECT_THROW(examine({"/dev/sdc", "/dev/sdd"}), command::Interrupted);
+    EXPECT_THROW(check({"/dev/sdc", "/dev/sdd"}), command::Interrupted);
     EXPECT_THAT(findings(), IsEmpty());
     EXPECT_FALSE(stop.toolsRun());
 }

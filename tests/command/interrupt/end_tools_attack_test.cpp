@@ -1,5 +1,5 @@
-// Strangers that get the numbers of tools, the first process of a container, and a /proc that shows
-// other processes: each in namespaces of its own.
+// Other processes that reuse the numbers of tools, the first process of a container, and a /proc of
+// another namespace. Each test runs in namespaces of its own.
 #include "interrupt/end_tools.h"
 
 #include <gtest/gtest.h>
@@ -20,11 +20,11 @@
 
 namespace {
 
-/// A process that leads a session under a wanted number, and runs as long as its child in that
-/// session. A child of the main thread.
-class Stranger {
+/// A process with a chosen number that leads a session. It runs as long as its child in that
+/// session. The main thread starts it.
+class UnrelatedProcess {
 public:
-    explicit Stranger(pid_t wanted)
+    explicit UnrelatedProcess(pid_t wanted)
     {
         clone_args arguments{};
         arguments.exit_signal = SIGCHLD;
@@ -42,9 +42,9 @@ public:
         while (m_id > 0 && getsid(m_id) != m_id)
             std::this_thread::yield();
     }
-    Stranger(const Stranger&) = delete;
-    Stranger& operator=(const Stranger&) = delete;
-    ~Stranger() = default; // ends with its namespace
+    UnrelatedProcess(const UnrelatedProcess&) = delete;
+    UnrelatedProcess& operator=(const UnrelatedProcess&) = delete;
+    ~UnrelatedProcess() = default; // ends with its namespace
 
     bool isRunning() const { return waitpid(m_id, nullptr, WNOHANG) == 0; }
 
@@ -77,7 +77,7 @@ protected:
         return command::endTools(stop);
     }
 
-    /// Calls `attack` when this process is about to be held, once.
+    /// Calls `attack` once, just before the pidfd of `victim` is opened.
     void attackBeforeOpening(pid_t victim, const std::function<void()>& attack)
     {
         m_kernel.beforeOpen = [this, victim, attack](pid_t id) {
@@ -102,42 +102,42 @@ INSTANTIATE_TEST_SUITE_P(Kernel, EndToolsAttack, testing::Bool(),
                              return test.param ? "OfToday" : "Before69";
                          });
 
-/// Keeps endTools looking for half a second after others have ended.
+/// Ignores SIGTERM, so that endTools goes on for half a second after other tools have ended.
 constexpr char stubborn[] = "trap '' TERM; ready; while :; do sleep 100; done";
 
-TEST_P(EndToolsAttack, AStrangerThatGetsTheNumberOfAToolThatHasEndedIsLeftAlone)
+TEST_P(EndToolsAttack, AnUnrelatedProcessThatGetsTheNumberOfAToolThatHasEndedIsLeftAlone)
 {
     inNamespaces(Namespaces::Proc::ofItsProcesses, [&] {
         const ShellTool other(stop, stubborn);
         const ShellTool tool(stop, "ready; exec sleep 100");
         std::thread ending([&] { EXPECT_TRUE(endTools()); });
         tool.status();
-        const Stranger stranger(tool.id());
+        const UnrelatedProcess unrelated(tool.id());
         ending.join();
         EXPECT_TRUE(other.isSessionGone());
-        EXPECT_TRUE(stranger.isRunning());
+        EXPECT_TRUE(unrelated.isRunning());
     });
 }
 
-TEST_P(EndToolsAttack, AStrangerThatGetsTheNumberOfAToolBeforeItIsHeldIsLeftAlone)
+TEST_P(EndToolsAttack, AnUnrelatedProcessThatGetsTheNumberOfAToolBeforeItIsHeldIsLeftAlone)
 {
     inNamespaces(Namespaces::Proc::ofItsProcesses, [&] {
         const ShellTool other(stop, stubborn);
         const ShellTool tool(stop, "ready; exec sleep 100");
-        std::optional<Stranger> stranger;
+        std::optional<UnrelatedProcess> unrelated;
         attackBeforeOpening(tool.id(), [&] {
             kill(tool.id(), SIGKILL);
             tool.status();
-            stranger.emplace(tool.id());
+            unrelated.emplace(tool.id());
         });
         endTools();
         EXPECT_TRUE(hasAttacked());
         EXPECT_TRUE(other.isSessionGone());
-        EXPECT_TRUE(stranger->isRunning());
+        EXPECT_TRUE(unrelated->isRunning());
     });
 }
 
-TEST_P(EndToolsAttack, AStrangerThatGetsTheNumberOfAToolsChildBeforeItIsHeldIsLeftAlone)
+TEST_P(EndToolsAttack, AnUnrelatedProcessThatGetsTheNumberOfAToolsChildBeforeItIsHeldIsLeftAlone)
 {
     inNamespaces(Namespaces::Proc::ofItsProcesses, [&] {
         const TemporaryFolder folder;
@@ -145,17 +145,17 @@ TEST_P(EndToolsAttack, AStrangerThatGetsTheNumberOfAToolsChildBeforeItIsHeldIsLe
         const ShellTool tool(stop, "trap '' TERM; sleep 100 & echo $! >" + file +
                                        "; ready; wait; while :; do sleep 100; done");
         const pid_t child = std::stoi(textOf(file));
-        std::optional<Stranger> stranger;
+        std::optional<UnrelatedProcess> unrelated;
         attackBeforeOpening(child, [&] {
             kill(child, SIGKILL);
             while (kill(child, 0) == 0)
                 std::this_thread::yield();
-            stranger.emplace(child);
+            unrelated.emplace(child);
         });
         EXPECT_TRUE(endTools());
         EXPECT_TRUE(hasAttacked());
         EXPECT_TRUE(tool.isSessionGone());
-        EXPECT_TRUE(stranger->isRunning());
+        EXPECT_TRUE(unrelated->isRunning());
     });
 }
 
@@ -185,26 +185,26 @@ std::vector<pid_t> listedChildren()
     return children;
 }
 
-/// The kernel's age makes no difference here.
+/// Behaves the same on all kernels.
 class EndToolsElsewhere : public EndToolsAttack {};
 
 INSTANTIATE_TEST_SUITE_P(Kernel, EndToolsElsewhere, testing::Values(true));
 
-TEST_P(EndToolsElsewhere, AStrangerThatHasTheNumberWhichTheHostsProcShowsIsLeftAlone)
+TEST_P(EndToolsElsewhere, AnUnrelatedProcessThatHasTheNumberWhichTheHostsProcShowsIsLeftAlone)
 {
     inNamespaces(Namespaces::Proc::ofTheHost, [&] {
         const ShellTool tool(stop, "ready; while :; do sleep 0.01; done");
         const std::vector<pid_t> children = listedChildren();
         ASSERT_EQ(children.size(), 1U);
         ASSERT_NE(children.front(), tool.id());
-        const Stranger stranger(children.front());
+        const UnrelatedProcess unrelated(children.front());
         EXPECT_FALSE(endTools());
         EXPECT_FALSE(tool.isReaped());
-        EXPECT_TRUE(stranger.isRunning());
+        EXPECT_TRUE(unrelated.isRunning());
     });
 }
 
-TEST_P(EndToolsElsewhere, WithoutProcNobodyIsEnded)
+TEST_P(EndToolsElsewhere, WithoutProcNoProcessIsEnded)
 {
     inNamespaces(Namespaces::Proc::missing, [&] {
         const ShellTool tool(stop, "ready; exec sleep 100");

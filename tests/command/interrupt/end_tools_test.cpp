@@ -23,7 +23,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int killed = koze_pdk_4_4::CZeExecPipeBase::killedBySignal + SIGKILL;
 
-/// With and without signals to groups by pidfd.
+/// On kernels with and without signals to process groups by pidfd.
 class EndTools : public testing::TestWithParam<bool> {
 protected:
     void SetUp() override
@@ -158,7 +158,7 @@ TEST_P(EndToolsInGroups, WhatAToolStartsAtItsEndIsKilled)
     EXPECT_TRUE(tool.isSessionGone());
 }
 
-/// A tool that starts a sleeper when it is let go, which happens before the first `signal` is sent.
+/// The tool starts a sleeper when it may, which is before the first `signal` is sent.
 TEST_P(EndTools, WhatAToolWouldStartBeforeItsSignalIsNotMissed)
 {
     for (const int signal : {SIGTERM, SIGKILL}) {
@@ -195,7 +195,7 @@ bool comesTo(pid_t id, char state)
     return isThere;
 }
 
-/// As when memory is exhausted in between.
+/// This happens when memory is exhausted in between.
 TEST_P(EndTools, AToolThatWasOnlyStoppedRunsOn)
 {
     const ShellTool tool(stop, "ready; exec sleep 100");
@@ -278,7 +278,7 @@ TEST_P(EndTools, ProcessesThatOthersStartedAreNoTools)
     waitpid(child, nullptr, 0);
 }
 
-/// Whether a child runs, which ends with that.
+/// Ends a child. Returns whether it was running.
 bool endSleeper(pid_t id)
 {
     const bool wasRunning = waitpid(id, nullptr, WNOHANG) == 0;
@@ -297,7 +297,7 @@ TEST_P(EndTools, ADaemonThatASubreaperInheritsIsNoTool)
     EXPECT_TRUE(endSleeper(daemon));
 }
 
-TEST_P(EndTools, WhatAnEarlierToolLeftBehindIsNoTool)
+TEST_P(EndTools, WhatAnEarlierToolLeftRunningIsNoTool)
 {
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     const pid_t sleeper = inheritedSleeper("");
@@ -307,7 +307,7 @@ TEST_P(EndTools, WhatAnEarlierToolLeftBehindIsNoTool)
     EXPECT_TRUE(endSleeper(sleeper));
 }
 
-TEST_P(EndTools, ADeadProcessThatNobodyLooksAfterIsNotWaitedFor)
+TEST_P(EndTools, AZombieThatNobodyReapsIsNotWaitedFor)
 {
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     const ShellTool tool(stop, "(exit 0) & ready; exec sleep 100");
@@ -315,7 +315,7 @@ TEST_P(EndTools, ADeadProcessThatNobodyLooksAfterIsNotWaitedFor)
     EXPECT_LT(passed, std::chrono::milliseconds(1500));
 }
 
-/// These take the whole two seconds; the kernel's age makes no difference.
+/// These take the whole two seconds, on all kernels alike.
 class EndToolsInVain : public EndTools {};
 
 INSTANTIATE_TEST_SUITE_P(Kernel, EndToolsInVain, testing::Values(true));
@@ -339,7 +339,7 @@ TEST_P(EndToolsInVain, AToolThatNothingEndsIsGivenUp)
     EXPECT_FALSE(areGone);
 }
 
-TEST_P(EndToolsInVain, WithoutPidfdsNobodyIsEnded)
+TEST_P(EndToolsInVain, WithoutPidfdsNoProcessIsEnded)
 {
     kernel.hasPidfds = false;
     const ShellTool tool(stop, "ready; sleep 100");

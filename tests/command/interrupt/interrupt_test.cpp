@@ -21,7 +21,7 @@ bool threadsCanStart = true;
 
 } // namespace
 
-/// Takes the place of the C library's.
+/// Replaces the C library's function.
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                               void* (*start)(void*), void* argument) noexcept
 {
@@ -39,7 +39,7 @@ using command::StopRequest;
 
 class InterruptTest : public testing::Test {
 protected:
-    /// Whatever started the tests may ignore signals.
+    /// The tests may have been started with signals ignored.
     InterruptTest()
     {
         for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
@@ -52,7 +52,7 @@ protected:
 using InterruptDeathTest = InterruptTest;
 
 /// Sends this process a signal at the very end of an Interrupt, and exits with 0.
-void finishBehindSignal(StopRequest& stop, int signal)
+void finishAfterSignal(StopRequest& stop, int signal)
 {
     {
         const Interrupt interrupt(stop, [] {});
@@ -63,12 +63,12 @@ void finishBehindSignal(StopRequest& stop, int signal)
 
 TEST_F(InterruptDeathTest, ASignalThatCameBeforeTheEndIsNotLost)
 {
-    // Whether the signal or the end is seen first is a matter of luck.
+    // A race decides whether the signal or the end is seen first.
     for (int attempt = 0; attempt < 20; ++attempt) {
-        EXPECT_EXIT(finishBehindSignal(stop, SIGINT), testing::ExitedWithCode(130), "");
-        EXPECT_EXIT(finishBehindSignal(stop, SIGTERM), testing::ExitedWithCode(143), "");
-        EXPECT_EXIT(finishBehindSignal(stop, SIGHUP), testing::ExitedWithCode(129), "");
-        EXPECT_EXIT(finishBehindSignal(stop, SIGQUIT), testing::ExitedWithCode(131), "");
+        EXPECT_EXIT(finishAfterSignal(stop, SIGINT), testing::ExitedWithCode(130), "");
+        EXPECT_EXIT(finishAfterSignal(stop, SIGTERM), testing::ExitedWithCode(143), "");
+        EXPECT_EXIT(finishAfterSignal(stop, SIGHUP), testing::ExitedWithCode(129), "");
+        EXPECT_EXIT(finishAfterSignal(stop, SIGQUIT), testing::ExitedWithCode(131), "");
     }
 }
 

@@ -1,7 +1,7 @@
 // Replaces syscall() of the test program that includes it, so that the test chooses what the kernel
 // knows of pidfds.
-#ifndef PIDFD_KERNEL_H
-#define PIDFD_KERNEL_H
+#ifndef TESTS_COMMAND_INTERRUPT_PIDFD_KERNEL_H
+#define TESTS_COMMAND_INTERRUPT_PIDFD_KERNEL_H
 
 #include <atomic>
 #include <cerrno>
@@ -25,7 +25,7 @@ struct PidfdKernel {
 /// The kernel of the test that runs; null for the machine's own.
 inline PidfdKernel* pidfdKernel = nullptr;
 
-// Looked up before any child shares this memory.
+// Looked up at start, before a child process shares this memory.
 inline auto* const realSyscall = reinterpret_cast<long (*)(long, ...)>(dlsym(RTLD_NEXT, "syscall"));
 
 inline long denySyscall(int error)
@@ -35,7 +35,7 @@ inline long denySyscall(int error)
     return -1;
 }
 
-/// Called by children of the runner too.
+/// The runner's children call it, too.
 // NOLINTNEXTLINE(misc-definitions-in-headers): one program, one source
 extern "C" long syscall(long number, ...) noexcept
 {

@@ -1,5 +1,5 @@
-#ifndef SHELL_TOOL_H
-#define SHELL_TOOL_H
+#ifndef TESTS_COMMAND_INTERRUPT_SHELL_TOOL_H
+#define TESTS_COMMAND_INTERRUPT_SHELL_TOOL_H
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@
 #include "tests/support/process.h"
 #include "tests/support/temporary_folder.h"
 
-/// Whether no process of the session is left. Zombies, which others have to reap, do not count.
+/// Whether no process of the session is left. Zombies do not count: their parents reap them.
 inline bool isSessionGone(pid_t wanted)
 {
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
@@ -71,7 +71,7 @@ public:
     bool isReaped() const { return m_status != unknown; }
     bool isSessionGone() const { return ::isSessionGone(m_id); }
 
-    /// The runner's result, when the tool has been reaped; -1 when it has not after ten seconds.
+    /// The runner's result once it has reaped the tool; -1 when that takes more than ten seconds.
     int status() const
     {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
@@ -97,8 +97,8 @@ private:
     std::thread m_thread;
 };
 
-/// Runs a tool that leaves a sleeper behind, started by `starter`, and returns the sleeper when
-/// this process, a subreaper or the first one of its namespace, has inherited it.
+/// Runs a tool that ends and leaves a sleeper running, which `starter` has started. Returns the
+/// sleeper once this process has inherited it, as a subreaper or first process of its namespace.
 inline pid_t inheritedSleeper(const std::string& starter)
 {
     command::StopRequest stop;

@@ -63,7 +63,7 @@ TEST(DeviceAnswer, WithoutAnOwnerThereIsNoDisk)
 
 TEST(DeviceAnswer, EveryNumberIsReadBackAsItIs)
 {
-    // The last two are the values that tell whether a number was written.
+    // The last two are the sentinels of deviceAnswer.
     for (const char* number : {"0", "1", "4294967295", "1592614637", "3735936687"}) {
         CDmpClaimManager manager;
         const auto answer = command::deviceAnswer(manager, std::string("/dev/sda") + number);

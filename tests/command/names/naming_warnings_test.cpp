@@ -86,7 +86,7 @@ TEST(NamingWarnings, AHyphenAnywhere)
     EXPECT_THAT(text("/dev/mapper/vg-lv"), HasSubstr("alias without '-'"));
 }
 
-TEST(NamingWarnings, APartitionBehindALetterIsNamedDifferentlyByTheDigitRule)
+TEST(NamingWarnings, APartitionAfterALetterIsNamedDifferentlyByTheDigitRule)
 {
     EXPECT_THAT(codes("/dev/mapper/mpathbp2"), ElementsAre("p-and-digit"));
     EXPECT_THAT(text("/dev/mapper/mpathbp2"),
@@ -94,7 +94,7 @@ TEST(NamingWarnings, APartitionBehindALetterIsNamedDifferentlyByTheDigitRule)
                       HasSubstr("call that partition /dev/mapper/mpathb2.")));
 }
 
-TEST(NamingWarnings, APartitionBehindADigitIsNamedTheSameByTheDigitRule)
+TEST(NamingWarnings, APartitionAfterADigitIsNamedTheSameByTheDigitRule)
 {
     EXPECT_THAT(codes("/dev/mapper/mpath1p2"), ElementsAre("p-and-digit"));
     EXPECT_THAT(text("/dev/mapper/mpath1p2"), AllOf(HasSubstr("partition 2 of /dev/mapper/mpath1,"),
@@ -102,7 +102,7 @@ TEST(NamingWarnings, APartitionBehindADigitIsNamedTheSameByTheDigitRule)
     EXPECT_THAT(text("/dev/mapper/p1"), Not(HasSubstr("call that partition")));
 }
 
-TEST(NamingWarnings, TwoDigitsBehindAP)
+TEST(NamingWarnings, TwoDigitsAfterAP)
 {
     for (const char* path : {"/dev/mapper/mpathbp12", "/dev/mapper/mpathbp007", "/dev/mapper/p10"})
         EXPECT_THAT(codes(path), ElementsAre("two-digits-behind-p")) << path;

@@ -1,5 +1,5 @@
-#ifndef CAPTURED_OUTPUT_H
-#define CAPTURED_OUTPUT_H
+#ifndef TESTS_COMMAND_OUTPUT_CAPTURED_OUTPUT_H
+#define TESTS_COMMAND_OUTPUT_CAPTURED_OUTPUT_H
 
 #include <cstdlib>
 #include <string>

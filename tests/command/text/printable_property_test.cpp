@@ -1,4 +1,4 @@
-// No bytes, whatever they are, steer a terminal or forge a line through any form of output.
+// No sequence of bytes steers a terminal or forges a line in any form of output.
 #include "text/printable.h"
 
 #include <clocale>
@@ -23,7 +23,7 @@ using namespace command;
 
 const std::vector<Heading> headings{{"NAME"}, {"DISK"}};
 
-/// Calls `check` in locales that know all characters and no other than ASCII.
+/// Calls `check` in a locale with all characters, and in a locale with ASCII only.
 template <class Check>
 void inEachLocale(const Check& check)
 {

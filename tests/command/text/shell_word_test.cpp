@@ -63,7 +63,7 @@ TEST(ShellCommand, EachWordIsQuotedWhereItStands)
     EXPECT_EQ(shellCommand(""), "");
 }
 
-/// Bytes other than NUL, those that shells treat in some way more often than others.
+/// Bytes other than NUL. Those that are special to shells come more often.
 class RandomText {
 public:
     std::string operator()()
@@ -109,7 +109,7 @@ std::vector<Shown> shownTexts()
     return texts;
 }
 
-/// What the shell takes the words for. Each call of printf has few, as command lines are bounded.
+/// The words as the shell reads them. Each call of printf has few, as command lines are bounded.
 std::vector<std::string> wordsRead(const std::vector<std::string>& shell,
                                    const std::vector<Shown>& texts)
 {
@@ -133,7 +133,7 @@ bool isInstalled(const std::string& program)
     return Process({"sh", "-c", "command -v \"$0\"", program}).finish().status == 0;
 }
 
-/// A shell that knows every form of a word. The history is expanded, as where a word is pasted.
+/// A shell that knows every form of a word. It expands the history, as an interactive shell does.
 class EveryShell : public testing::TestWithParam<std::vector<std::string>> {};
 
 INSTANTIATE_TEST_SUITE_P(

@@ -13,7 +13,7 @@ TEST(Wrapped, ALineEndsAtColumn79)
     EXPECT_EQ(wrapped(start + " 123456789", 0), start + "\n123456789");
 }
 
-TEST(Wrapped, TheIndentCountsOnEveryLineAndIsWrittenBehindTheFirst)
+TEST(Wrapped, TheIndentCountsOnEveryLineAndIsWrittenOnAllButTheFirst)
 {
     const std::string word(40, 'x');
     const std::string broken = "\n         " + word;

@@ -1,5 +1,5 @@
 #!/bin/sh
-# What a check is made of, for the checks to source.
+# Functions for checks, which source this file.
 
 # check WHAT EXPECTED ACTUAL: the one line of a check.
 check() {
