@@ -23,8 +23,8 @@ struct KernelMap {
     bool isMultipathPartition() const;
 };
 
-/// The maps in `sysfsBlock` (see blockDevices), sorted by name. Maps that vanish meanwhile are left
-/// out.
+/// The maps in `sysfsBlock` (see blockDevices), sorted by name. Leaves out maps that vanish
+/// meanwhile.
 std::vector<KernelMap> kernelMaps(const std::filesystem::path& sysfsBlock);
 
 } // namespace command

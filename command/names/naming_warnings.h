@@ -9,7 +9,7 @@ namespace command {
 /// A path, and the library's answers about it.
 struct NamedDevice {
     std::string path;
-    std::string prefix; // the owner's; empty, as the rest, when nobody claims the path
+    std::string prefix; // the owner's; empty, like the rest, when nobody claims the path
     bool isPartition;
     std::string disk;
 };

@@ -131,7 +131,7 @@ TEST_F(DeviceChecks, ANodeIsLeftOver)
                             "warning /dev/mapper/mpatha: a node, but the kernel has no such map"));
 }
 
-TEST_F(DeviceChecks, SomethingStandsInANodesPlace)
+TEST_F(DeviceChecks, AFileIsInPlaceOfANode)
 {
     machine.addDevice("sda");
     machine.addFile("sda");

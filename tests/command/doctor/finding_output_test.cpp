@@ -37,7 +37,7 @@ TEST(FindingText, LongTextsAreWrappedButForCommandsThatAreAdvised)
                   "\n         To do: " + words + '\n');
 }
 
-TEST(FindingText, ACommandStandsOnALineOfItsOwnAsItIs)
+TEST(FindingText, ACommandIsOnALineOfItsOwnAndNotWrapped)
 {
     const std::string command = "tool   " + std::string(80, 'x') + "  y";
     EXPECT_EQ(findingText({Finding::State::error, "a", "b from:", "look", command}),

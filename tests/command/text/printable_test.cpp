@@ -47,7 +47,7 @@ TEST_F(Printable, ControlCharactersAreEscapedWhateverWidthTheLocaleGivesThem)
     EXPECT_EQ(printable("a\u00adb"), "a\\xc2\\xadb");
 }
 
-TEST_F(Printable, AnEscapeInTheTextIsTellable)
+TEST_F(Printable, AnEscapeInTheTextIsDistinguishable)
 {
     EXPECT_EQ(printable("a\\x0ab"), "a\\x5cx0ab");
     EXPECT_EQ(printable("a\\\\x"), "a\\\\x5cx");

@@ -17,7 +17,8 @@ sysfs_of() {
     readlink -f "/sys/dev/block/$(($1)):$(($2))"
 }
 
-# node_beside NODE FOLDER: the node of the device in that folder whose name is of the same driver.
+# node_beside NODE FOLDER: the node of the device in FOLDER, under a name of the driver that NODE is
+# named by.
 node_beside() {
     case $1 in
     /dev/emcpower*)
@@ -44,7 +45,7 @@ row_of_map() {
 }
 
 # row_of_disk NODE FOLDER: a SCSI disk or its partition. PowerPath's driver is not here, so only
-# the node's name tells its devices. A map owns its paths.
+# the node's name identifies its devices. A map owns its paths.
 row_of_disk() {
     case $1 in
     /dev/emcpower*) owner='powerpath 16' ;;
