@@ -6,7 +6,7 @@
 
 namespace simulator {
 
-/// What was called: the tool's name without its folder, and the arguments.
+/// A call: the tool's name without its folder, and the arguments.
 struct Command {
     std::string program;
     std::vector<std::string> arguments;
@@ -17,12 +17,12 @@ struct Command {
     }
 };
 
-/// What a call answers.
+/// The answer to a call.
 struct Answer {
     int result = 0; ///< see endingOf
     std::vector<std::string> lines;
     std::string message; ///< a line for standard error, without its end
-    std::string usage{}; ///< lines to go behind the message
+    std::string usage{}; ///< lines that follow the message
 };
 
 } // namespace simulator

@@ -10,7 +10,7 @@
 
 namespace simulator {
 
-/// What a real tool once answered.
+/// A recorded answer of a real tool.
 struct Record {
     Command command;
     int result;

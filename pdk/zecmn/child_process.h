@@ -24,7 +24,7 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    /// Ends what is still running, as `kill` does.
+    /// Kills the process group, see `kill`.
     ~ChildProcess();
 
     /// Starts the program. Returns false when the deadline passes first. Throws std::system_error

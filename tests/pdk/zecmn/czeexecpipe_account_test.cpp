@@ -52,7 +52,7 @@ protected:
             GTEST_SKIP() << "only root may become another user";
     }
 
-    /// What a program prints as that user.
+    /// The lines that `show` prints when it runs as that user.
     Lines shown(const std::string& what, const std::string& user)
     {
         Settings settings;

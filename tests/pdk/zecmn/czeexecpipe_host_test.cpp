@@ -124,7 +124,7 @@ protected:
         expectResult("leave_child 4", 4);
         EXPECT_EQ(exec("lines 1 67108864"), CZeExecPipeBase::boundExceeded);
         EXPECT_NE(refusal("/no/such/program"), "");
-        expectUnrulyOnesEnd();
+        expectEndDespiteIgnoredTerm();
     }
 
 private:

@@ -248,11 +248,11 @@ protected:
         EXPECT_EQ(exec("close_early"), 7);
         EXPECT_EQ(exec("lines 1 67108864"), CZeExecPipeBase::boundExceeded);
         EXPECT_NE(refusal("/no/such/program"), "");
-        expectUnrulyOnesEnd();
+        expectEndDespiteIgnoredTerm();
     }
 
     /// Ends a program that the kernel could not end.
-    void endWhatIsLeft()
+    void killRemainingPrograms()
     {
         m_kernel.sends = true;
         // The environment in /proc is empty until execve has set it.
@@ -658,7 +658,7 @@ TEST_F(ExecKernel, ThatCannotEndAStartedProgramDoesNotHoldTheHostUp)
     EXPECT_EQ(koze_pdk_4_4::runner::run(program, "", {300ms, 300ms, 1000, 1000}, output, output),
               CZeExecPipeBase::deadlinePassed);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
-    endWhatIsLeft();
+    killRemainingPrograms();
 }
 
 TEST_F(ExecKernel, ThatCannotEndAProgramHasASecondForIt)
@@ -677,7 +677,7 @@ TEST_F(ExecKernel, ThatCannotEndAProgramHasASecondForIt)
     const auto passed = *m_kernel.frozen - 100s;
     m_kernel.frozen.reset();
     EXPECT_EQ(passed, 1s);
-    endWhatIsLeft();
+    killRemainingPrograms();
 }
 
 TEST_F(ExecKernel, ThatCannotEndAGrandchildHoldsTheHostUpForASecond)

@@ -63,7 +63,7 @@ protected:
     }
 
     /// Expects that a program which ignores SIGTERM ends, and its child, which does the same.
-    void expectUnrulyOnesEnd()
+    void expectEndDespiteIgnoredTerm()
     {
         EXPECT_EQ(execToFirstWord("ignore_term", std::chrono::milliseconds(100)),
                   koze_pdk_4_4::CZeExecPipeBase::boundExceeded);

@@ -124,7 +124,7 @@ TEST(StringTool, EveryByteCanBeADelimiterOrNone)
     }
 }
 
-/// What `find` returns; `index` is what it is given, and what it leaves.
+/// Returns the result of `find`, which reads and writes `index`.
 unsigned long found(const std::vector<std::string>& lines, const char* text, unsigned long& index,
                     bool ignoreCase = false)
 {

@@ -121,7 +121,7 @@ TEST_F(SilentOperations, RegisteringALogAllocatesNothing)
 }
 
 /// The blocks that a manager leaks whose construction fails at allocation number `failing`.
-std::vector<void*> leftBehind(std::size_t failing)
+std::vector<void*> leakedBlocks(std::size_t failing)
 {
     const AllocationProbe probe(failing);
     EXPECT_THROW(CDmpClaimManager(), std::bad_alloc);
@@ -133,7 +133,7 @@ TEST(ClaimManagerWithoutMemory, ReleasesItsListAndLeavesTheModulesMadeAlone)
     // Module, list, module, list, module, list.
     const std::size_t modulesMade[] = {0, 1, 1, 2, 2, 3};
     for (std::size_t failing = 1; failing <= 6; ++failing) {
-        const std::vector<void*> modules = leftBehind(failing);
+        const std::vector<void*> modules = leakedBlocks(failing);
         EXPECT_THAT(modules, SizeIs(modulesMade[failing - 1])) << failing;
         for (void* block : modules) {
             const std::unique_ptr<CDmpDeviceClaimBase> module(

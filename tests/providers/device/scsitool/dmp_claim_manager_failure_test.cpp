@@ -1,5 +1,5 @@
-// What the modules and the manager do when the trace log throws or memory runs out, at any point
-// of any operation.
+// The modules and the manager when the trace log throws or memory runs out, at each point of each
+// operation.
 #include "providers/device/scsitool/dmp_claim_manager.h"
 
 #include <gmock/gmock.h>

@@ -220,9 +220,9 @@ TEST_F(ManagerWithHostModules, WhatOneThrowsReachesTheHostAndTheManagerStaysUsab
 }
 
 /// A host's module that throws when it gets a log while `refuses` is set.
-class ParticularModule : public HostModule {
+class RefusingModule : public HostModule {
 public:
-    explicit ParticularModule(Journal& journal) : HostModule(journal, "particular") {}
+    explicit RefusingModule(Journal& journal) : HostModule(journal, "particular") {}
     void registerTraceLog(const CZeTraceLogHandle& log) override
     {
         if (refuses)
@@ -235,7 +235,7 @@ public:
 
 TEST_F(ManagerWithHostModules, AModuleThatRefusesTheLogIsNotListedAndStaysTheHosts)
 {
-    ParticularModule module(m_journal);
+    RefusingModule module(m_journal);
     module.refuses = true;
     EXPECT_THROW(m_manager->registerClaimModule(&module), std::runtime_error);
     EXPECT_EQ(m_manager->claim("/dev/vda"), CLAIM_NONE);
@@ -246,7 +246,7 @@ TEST_F(ManagerWithHostModules, ALogThatOneRefusesIsHeldByTheManagerAndTheModules
 {
     RecordingLog log;
     const HostModule* before = add("before", CLAIM_NONE);
-    auto* particular = new ParticularModule(m_journal);
+    auto* particular = new RefusingModule(m_journal);
     m_manager->registerClaimModule(particular);
     const HostModule* after = add("after", CLAIM_NONE);
     particular->refuses = true;

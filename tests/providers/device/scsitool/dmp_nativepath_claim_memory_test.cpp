@@ -22,8 +22,8 @@ struct Answer {
     std::vector<std::string> lines;
 };
 
-/// What the tools answer to each whole command line. All names are too long for a string without
-/// memory of its own.
+/// The tools' answers by complete command line. All names are too long for the small-string buffer,
+/// so that each string allocates.
 using Tools = std::map<std::string, Answer>;
 
 const Tools workingTools = {
