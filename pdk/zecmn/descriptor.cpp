@@ -50,25 +50,6 @@ int openMemory()
 
 } // namespace
 
-void Descriptor::reset()
-{
-    if (m_number >= 0)
-        close(m_number);
-    m_number = -1;
-}
-
-Descriptor moveAboveStdio(Descriptor opened)
-{
-    if (opened.number() > STDERR_FILENO)
-        return opened;
-    const int moved = fcntl(opened.number(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    if (moved >= 0)
-        return Descriptor(moved);
-    if (errno == EINVAL)
-        errno = EMFILE; // RLIMIT_NOFILE allows no number above 2
-    fail("cannot open a descriptor");
-}
-
 Pipe openPipe()
 {
     int ends[2];

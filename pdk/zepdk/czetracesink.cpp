@@ -9,11 +9,10 @@
 #include <iterator>
 #include <limits>
 #include <new>
-#include <system_error>
 
-#include <fcntl.h>
 #include <unistd.h>
 
+#include "append_file.h"
 #include "hoststate.h"
 #include "printable_text.h"
 
@@ -103,22 +102,6 @@ void appendPrefix(std::string& line, int level)
     line += ' ';
 }
 
-int openForAppending(const std::string& path)
-{
-    const int opened =
-        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666);
-    if (opened < 0)
-        throw std::system_error(errno, std::generic_category(), path);
-    if (opened > STDERR_FILENO)
-        return opened;
-    const int moved = fcntl(opened, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    const int reason = errno;
-    close(opened);
-    if (moved < 0)
-        throw std::system_error(reason, std::generic_category(), path);
-    return moved;
-}
-
 } // namespace
 
 void CZeTraceDescriptorSink::write(int level, std::string_view text)
@@ -145,7 +128,7 @@ void CZeTraceDescriptorSink::write(int level, std::string_view text)
 }
 
 CZeTraceFileSink::CZeTraceFileSink(int level, const std::string& path)
-    : CZeTraceDescriptorSink(level, openForAppending(path))
+    : CZeTraceDescriptorSink(level, openForAppending(path).release())
 {}
 
 CZeTraceFileSink::~CZeTraceFileSink()

@@ -157,6 +157,22 @@ TEST_F(TraceFile, OneThatCannotBeWrittenIsAnErrorBeforeAnythingIsPrinted)
     EXPECT_EQ(result.status, 2);
 }
 
+TEST_F(TraceFile, OneThatAnotherAccountMayHaveLinkedIsRefused)
+{
+    const std::filesystem::path shared = path() + ".d";
+    std::filesystem::create_directory(shared);
+    std::filesystem::permissions(shared, std::filesystem::perms::all);
+    std::ofstream(path()) << "untouched";
+    std::filesystem::create_hard_link(path(), shared / "linked");
+    const Result result = run({"prefixes", "--trace-file", shared / "linked"});
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors.substr(0, result.errors.find('\n')),
+              "dmpclaim: cannot write trace file '" + (shared / "linked").string() +
+                  "': file with several names in a folder that others may write");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(content(), "untouched");
+}
+
 TEST(Trace, AFullDiskDisturbsNothing)
 {
     const Result result = run({"prefixes", "--trace-file", "/dev/full"});

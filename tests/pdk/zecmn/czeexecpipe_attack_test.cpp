@@ -79,7 +79,7 @@ void attackByFile(pid_t process)
 {
     ++board->attempts;
     const std::string path = "/proc/" + std::to_string(process) + "/mem";
-    const koze_pdk_4_4::runner::Descriptor memory(open(path.c_str(), O_RDWR | O_CLOEXEC));
+    const koze_pdk_4_4::Descriptor memory(open(path.c_str(), O_RDWR | O_CLOEXEC));
     if (!memory.isOpen())
         return;
     ++board->opened;

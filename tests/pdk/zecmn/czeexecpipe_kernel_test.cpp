@@ -666,7 +666,7 @@ TEST_F(ExecKernel, ThatCannotEndAProgramHasASecondForIt)
     koze_pdk_4_4::runner::Program program;
     program.arguments = {commandLine("hang")};
     program.environment = {mark()};
-    const koze_pdk_4_4::runner::Descriptor null = koze_pdk_4_4::runner::openInput("");
+    const koze_pdk_4_4::Descriptor null = koze_pdk_4_4::runner::openInput("");
     koze_pdk_4_4::runner::ChildProcess child(std::make_unique<koze_pdk_4_4::runner::ChildPlan>(
         program,
         koze_pdk_4_4::runner::StandardStreams{null.number(), null.number(), null.number()}));

@@ -15,8 +15,8 @@
 #include "runs_programs.h"
 #include "tests/support/child.h"
 
-using koze_pdk_4_4::runner::Descriptor;
-using koze_pdk_4_4::runner::moveAboveStdio;
+using koze_pdk_4_4::Descriptor;
+using koze_pdk_4_4::moveAboveStdio;
 using koze_pdk_4_4::runner::openInput;
 using koze_pdk_4_4::runner::openPipe;
 using koze_pdk_4_4::runner::Pipe;

@@ -118,13 +118,13 @@ extern "C" int sigtimedwait(const sigset_t* set, siginfo_t* info, const timespec
     return static_cast<int>(syscall(SYS_rt_sigtimedwait, set, info, &noWait, _NSIG / 8));
 }
 
-extern "C" int open(const char* file, int oflag, ...)
+extern "C" int openat(int fd, const char* file, int oflag, ...)
 {
     std::va_list arguments;
     va_start(arguments, oflag);
     openFlags = oflag;
     const auto result =
-        static_cast<int>(syscall(SYS_openat, AT_FDCWD, file, oflag, va_arg(arguments, int)));
+        static_cast<int>(syscall(SYS_openat, fd, file, oflag, va_arg(arguments, int)));
     va_end(arguments);
     return result;
 }
@@ -319,7 +319,8 @@ TEST(Open, AsksForNoTerminalOfTheHosts)
     const TemporaryFolder folder;
     openFlags = 0;
     const CZeTraceFileSink sink(6, folder.file("trace.log"));
-    EXPECT_EQ(openFlags, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY);
+    EXPECT_EQ(openFlags,
+              O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | O_NOFOLLOW);
 }
 
 TEST(Open, WithoutADescriptorAboveTheStandardThreeFailsAndKeepsNone)
@@ -338,6 +339,18 @@ TEST(Open, WithoutADescriptorAboveTheStandardThreeFailsAndKeepsNone)
         }
         return false;
     }));
+}
+
+TEST(Open, EndsNoThreadThatIsCancelled)
+{
+    const TemporaryFolder folder;
+    bool reached = false;
+    std::thread([&] {
+        pthread_cancel(pthread_self());
+        const CZeTraceFileSink sink(6, folder.file("trace.log"));
+        reached = true;
+    }).join();
+    EXPECT_TRUE(reached);
 }
 
 TEST(Close, LeavesErrnoAlone)

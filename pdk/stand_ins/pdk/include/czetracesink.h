@@ -80,9 +80,15 @@ public:
 /// Appends lines to a file.
 class CZE_EXPORT CZeTraceFileSink : public CZeTraceDescriptorSink {
 public:
-    /// Opens `path` for appending and creates it when it is missing, readable and writable as far
-    /// as the umask allows. Throws std::system_error with the path when that fails. The descriptor
-    /// is close-on-exec and above 2.
+    /// Opens `path` for appending and creates it when it is missing, with mode 0640 at most. Throws
+    /// std::system_error with the path when that fails. The descriptor is close-on-exec and
+    /// above 2.
+    ///
+    /// Another account cannot choose where the lines go. In a folder that others may write (one of
+    /// an account that is neither the caller's nor root, or writable for its group or everybody),
+    /// symbolic links, FIFOs and files of such accounts are refused, and files with several names;
+    /// so is every such link on the way there. /dev/stderr, /dev/fd/N and FIFOs of the caller's own
+    /// work. A FIFO that nobody reads is an error and not waited for; lines wait for its reader.
     CZeTraceFileSink(int level, const std::string& path);
     ~CZeTraceFileSink() override;
 };
