@@ -1,6 +1,6 @@
 #include "commands.h"
 
-#include <iterator>
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
@@ -67,12 +67,6 @@ Answer scandisks(State& state, const Arguments& arguments)
     return rescan(state, splitNames(keywordValue(arguments, "device=")));
 }
 
-using Performer = Answer (*)(State& state, const Arguments& arguments);
-
-/// The functions that carry out `subcommands`, in the same order.
-constexpr Performer performers[] = {getdmpnode, getsubpaths, rm, scandisks};
-static_assert(std::size(performers) == subcommands.size(), "each subcommand is carried out");
-
 std::string usage(const std::string& program)
 {
     std::string text;
@@ -88,15 +82,27 @@ Answer dispatch(State& state, const Command& command)
     if (command.arguments.empty())
         throw UsageError("no subcommand is given");
     const std::string& name = command.arguments[0];
-    for (std::size_t number = 0; number < subcommands.size(); ++number) {
-        if (command.program == subcommands[number].program && name == subcommands[number].name)
-            return performers[number](state,
+    for (const Subcommand& subcommand : subcommands) {
+        if (command.program == subcommand.program && name == subcommand.name)
+            return subcommand.perform(state,
                                       {command.arguments.begin() + 1, command.arguments.end()});
     }
     throw UsageError("unknown subcommand \"" + name + "\"");
 }
 
 } // namespace
+
+const std::array<Subcommand, 4> subcommands = {
+    Subcommand{"kodmpadm", "getdmpnode", "nodename=DISK", getdmpnode},
+    Subcommand{"kodmpadm", "getsubpaths", "dmpnodename=NODE", getsubpaths},
+    Subcommand{"kodisk", "rm", "NODE", rm},
+    Subcommand{"kodisk", "scandisks", "[device=DISK[,DISK...]]", scandisks}};
+
+bool isSubcommand(const std::string& name)
+{
+    return std::any_of(subcommands.begin(), subcommands.end(),
+                       [&](const Subcommand& subcommand) { return name == subcommand.name; });
+}
 
 Answer perform(State& state, const Command& command)
 {

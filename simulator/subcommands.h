@@ -3,30 +3,27 @@
 
 #include <array>
 #include <string>
+#include <vector>
+
+#include "command.h"
 
 namespace simulator {
 
+struct State;
+
+/// A subcommand of one of the tools, and what carries it out.
 struct Subcommand {
     const char* program;
     const char* name;
     const char* form; ///< of its arguments
+    Answer (*perform)(State& state, const std::vector<std::string>& arguments);
 };
 
-/// All subcommands of the tools.
-inline constexpr std::array subcommands = {
-    Subcommand{"kodmpadm", "getdmpnode", "nodename=DISK"},
-    Subcommand{"kodmpadm", "getsubpaths", "dmpnodename=NODE"}, Subcommand{"kodisk", "rm", "NODE"},
-    Subcommand{"kodisk", "scandisks", "[device=DISK[,DISK...]]"}};
+/// All that the tools can be called for.
+extern const std::array<Subcommand, 4> subcommands;
 
 /// Whether one of the tools has this subcommand.
-inline bool isSubcommand(const std::string& name)
-{
-    for (const Subcommand& subcommand : subcommands) {
-        if (name == subcommand.name)
-            return true;
-    }
-    return false;
-}
+bool isSubcommand(const std::string& name);
 
 } // namespace simulator
 

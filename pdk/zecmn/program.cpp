@@ -56,10 +56,11 @@ void set(std::vector<std::string>& environment, std::string variable)
 
 std::vector<std::string> variablesOf(const passwd& entry)
 {
-    const bool hasShell = *entry.pw_shell != '\0';
-    return {std::string("HOME=") + entry.pw_dir, std::string("USER=") + entry.pw_name,
-            std::string("LOGNAME=") + entry.pw_name,
-            std::string("SHELL=") + (hasShell ? entry.pw_shell : "/bin/sh")};
+    const auto text = [](const char* field, const char* fallback) -> std::string {
+        return field == nullptr || *field == '\0' ? fallback : field;
+    };
+    return {"HOME=" + text(entry.pw_dir, "/"), std::string("USER=") + entry.pw_name,
+            std::string("LOGNAME=") + entry.pw_name, "SHELL=" + text(entry.pw_shell, "/bin/sh")};
 }
 
 std::vector<gid_t> groupsOf(const char* name, gid_t group)

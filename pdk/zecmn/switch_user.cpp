@@ -14,14 +14,6 @@ namespace koze_pdk_4_4::runner {
 
 namespace {
 
-/// Clears the dumpable flag, so that no process of the account can trace this one or read its copy
-/// of the host's memory. The kernel clears the flag when the effective user changes; it does not
-/// where the host's effective user is the account's already.
-bool clearDumpable()
-{
-    return syscall(SYS_prctl, PR_SET_DUMPABLE, 0, 0, 0, 0) == 0;
-}
-
 /// A program in a real-time class could keep all other programs off a processor.
 bool leaveRealTime()
 {
@@ -50,11 +42,17 @@ bool leaveSessionKeyring()
            isDenied();
 }
 
+/// Until the saved user changes, the kernel lets no process of the account trace this one or read
+/// its copy of the host's memory. The first change of user sets the dumpable flag to
+/// fs.suid_dumpable, which may be 1; cleared after that, the flag stays cleared.
 bool setUserAndGroups(const Identity& identity)
 {
+    constexpr auto keep = static_cast<uid_t>(-1);
     return syscall(SYS_setgroups, identity.groups.size(), identity.groups.data()) == 0 &&
            syscall(SYS_setresgid, identity.group, identity.group, identity.group) == 0 &&
-           syscall(SYS_setresuid, identity.user, identity.user, identity.user) == 0;
+           syscall(SYS_setresuid, identity.user, identity.user, keep) == 0 &&
+           syscall(SYS_prctl, PR_SET_DUMPABLE, 0, 0, 0, 0) == 0 &&
+           syscall(SYS_setresuid, keep, keep, identity.user) == 0;
 }
 
 /// Clears the inheritable set, and with it the kernel clears the ambient one. Of root, keeps the
@@ -77,8 +75,6 @@ bool dropCapabilities(const Identity& identity)
 
 const char* switchUser(const Identity& identity)
 {
-    if (!clearDumpable())
-        return "cannot close its memory to others";
     if (!leaveRealTime())
         return "cannot leave the host's real-time class";
     if (!leaveSessionKeyring())

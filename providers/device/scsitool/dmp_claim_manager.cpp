@@ -3,9 +3,7 @@
 #include <iterator>
 #include <utility>
 
-#include "dmp_linux_device_mapper_claim.h"
-#include "dmp_nativepath_claim.h"
-#include "dmp_powerpath_claim.h"
+#include "dmp_built_in_modules.h"
 
 namespace {
 
@@ -19,6 +17,12 @@ void forEach(const std::vector<CDmpDeviceClaimBase*>& modules, Visit visit)
         visit(*modules[number]);
 }
 
+template <class... Modules>
+void addNew(std::vector<CDmpDeviceClaimBase*>& list, ModuleList<Modules...> /*modules*/)
+{
+    (list.push_back(new Modules), ...);
+}
+
 } // namespace
 
 // The list holds plain pointers: when a module cannot be made here, those made before it are not
@@ -26,9 +30,7 @@ void forEach(const std::vector<CDmpDeviceClaimBase*>& modules, Visit visit)
 CDmpClaimManager::CDmpClaimManager()
 {
     CZE_TRACE_FUNCTION();
-    m_modules.push_back(new CNativePathClaim);
-    m_modules.push_back(new CDmpPowerPathClaim);
-    m_modules.push_back(new CDmpDeviceMapperClaim);
+    addNew(m_modules, BuiltInModules());
 }
 
 CDmpClaimManager::~CDmpClaimManager()

@@ -219,7 +219,9 @@ TEST_F(ExecAccount, HasNoRealTimeClass)
         if (!holdsInChild([&] { return enter(policy, 1); }))
             GTEST_SKIP() << "real-time classes are not permitted";
         EXPECT_TRUE(holdsInChild([&] {
-            return enter(policy, 1) && shown("scheduling", "nobody") == Lines({"0"}) &&
+            return enter(policy, 1) &&
+                   shown("scheduling", "nobody") ==
+                       Lines({std::to_string(SCHED_OTHER | SCHED_RESET_ON_FORK)}) &&
                    shown("scheduling", "") == Lines({std::to_string(policy)});
         }));
     }

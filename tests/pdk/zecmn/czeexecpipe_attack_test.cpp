@@ -308,6 +308,7 @@ TEST_F(ExecAttack, FailsOnProgramsThatAreStartedAsFastAsPossible)
     same.join();
     expectNotWon();
     EXPECT_GT(board->attempts, 1000);
+    EXPECT_GT(board->opened, 0);
     recordCounts();
 }
 

@@ -509,7 +509,7 @@ TEST_F(ExecKernel, SaysWhichStepItFailedAt)
     const std::vector<std::pair<long, std::string>> steps = {
         {SYS_setsid, "cannot lead a session: Input/output error"},
         {SYS_dup3, "cannot place its streams: Input/output error"},
-        {SYS_prctl, "cannot close its memory to others: Input/output error"},
+        {SYS_prctl, "cannot become its user: Input/output error"},
         {SYS_sched_getscheduler, "cannot leave the host's real-time class: Input/output error"},
         {SYS_keyctl, "cannot leave the host's session keyring: Input/output error"},
         {SYS_setgroups, "cannot become its user: Input/output error"},

@@ -99,10 +99,10 @@ static void capabilities()
     }
 }
 
-/// The class, without its flags.
+/// The class with its flags.
 static void scheduling()
 {
-    std::printf("%d\n", sched_getscheduler(0) & ~SCHED_RESET_ON_FORK);
+    std::printf("%d\n", sched_getscheduler(0));
 }
 
 /// The text of the key of that number.

@@ -4,9 +4,7 @@
 
 #include <type_traits>
 
-#include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
-#include "providers/device/scsitool/dmp_nativepath_claim.h"
-#include "providers/device/scsitool/dmp_powerpath_claim.h"
+#include "providers/device/scsitool/dmp_built_in_modules.h"
 #include "tests/support/host_module.h"
 #include "tests/support/names_model.h"
 #include "tests/support/recording_log.h"
@@ -104,8 +102,9 @@ TYPED_TEST(DefaultActivePath, IsThePathItselfWhateverTheFlag)
 // What every module does with the log that it is given.
 template <class Module>
 using ClaimModuleLog = testing::Test;
-using BuiltInModules = testing::Types<CDmpDeviceMapperClaim, CDmpPowerPathClaim, CNativePathClaim>;
-TYPED_TEST_SUITE(ClaimModuleLog, BuiltInModules);
+template <class... Modules>
+testing::Types<Modules...> typesOf(ModuleList<Modules...> modules);
+TYPED_TEST_SUITE(ClaimModuleLog, decltype(typesOf(BuiltInModules())));
 
 TYPED_TEST(ClaimModuleLog, IsSharedUntilTheModuleEnds)
 {
