@@ -4,7 +4,6 @@
 
 #include "names/drivers.h"
 
-using command::NamedDevice;
 using command::Warning;
 using testing::AllOf;
 using testing::ElementsAre;
