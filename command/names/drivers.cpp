@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "providers/device/scsitool/dmp_built_in_modules.h"
+#include "scsitool/dmp_built_in_modules.h"
 
 namespace command {
 
