@@ -111,7 +111,7 @@ protected:
     bool isUntouched() const { return textOf(victim) == "untouched\n"; }
 
     TemporaryFolder folder;
-    std::string shared = folder.file("shared");
+    std::string shared = folder.file("common");
     std::string trace = shared + "/trace.log";
     std::string victim = folder.file("victim");
 };
@@ -178,7 +178,7 @@ TEST_F(InASharedFolder, LinksOfOthersAreRefusedOnTheWay)
 TEST_F(InASharedFolder, LinksOfOthersAreRefusedBehindLinksOfOnesOwn)
 {
     const std::string mine = folder.file("mine");
-    std::filesystem::create_symlink("shared/trace.log", mine);
+    std::filesystem::create_symlink("common/trace.log", mine);
     inEachSharedFolder([this, &mine] {
         std::filesystem::create_symlink(victim, trace);
         giveAway(trace);
@@ -250,7 +250,7 @@ TEST_F(InASharedFolder, RootIsTrustedInARootFolderOfAnotherAccount)
     chmod(trace.c_str(), 0666);
     EXPECT_TRUE(holdsInChild([this] {
         return chroot(folder.file("").c_str()) == 0 && setresuid(1, 1, 1) == 0 &&
-               refusal("/shared/trace.log").empty();
+               refusal("/common/trace.log").empty();
     }));
 }
 
@@ -480,12 +480,12 @@ TEST_F(AppendFile, StandardStreamsWorkWhereRootIsNobody)
 
 TEST_F(AppendFile, PathsLeadWhereTheKernelLeads)
 {
-    std::filesystem::create_directory_symlink("shared/", folder.file("way"));
-    std::filesystem::create_symlink("way/../shared/./deep", folder.file("relative"));
+    std::filesystem::create_directory_symlink("common/", folder.file("way"));
+    std::filesystem::create_symlink("way/../common/./deep", folder.file("relative"));
     std::filesystem::create_symlink(folder.file("relative"), folder.file("absolute"));
     EXPECT_EQ(refusal(folder.file("absolute")), "");
     EXPECT_EQ(linesOf(shared + "/deep").size(), 1U);
-    EXPECT_EQ(refusal(folder.file("//shared///deep")), "");
+    EXPECT_EQ(refusal(folder.file("//common///deep")), "");
     EXPECT_EQ(linesOf(shared + "/deep").size(), 2U);
     EXPECT_TRUE(holdsInChild([this] {
         return chdir(shared.c_str()) == 0 && refusal("deep").empty() &&
