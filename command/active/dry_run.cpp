@@ -80,10 +80,14 @@ const Columns<PlannedCommand>& plannedColumns()
 {
     using Command = const PlannedCommand&;
     static const Columns<PlannedCommand> columns{
-        {{"NAME"}, [](Command command) -> Field { return command.name; }},
-        {{"OWNER"}, [](Command command) { return ownerField(command.owner); }},
-        {{"COMMAND"}, [](Command command) { return optionalField(command.command); }},
-        {{"WHEN"}, [](Command command) -> Field { return command.when; }},
+        {{"NAME", Kind::text, "the path as it was given"},
+         [](Command command) -> Field { return command.name; }},
+        {{"OWNER", Kind::text, "the driver that owns it"},
+         [](Command command) { return ownerField(command.owner); }},
+        {{"COMMAND", Kind::text, "a command that would run"},
+         [](Command command) { return optionalField(command.command); }},
+        {{"WHEN", Kind::text, "under which condition it would run"},
+         [](Command command) -> Field { return command.when; }},
     };
     return columns;
 }

@@ -6,13 +6,20 @@ const Columns<LookupResult>& lookupColumns()
 {
     using Result = const LookupResult&;
     static const Columns<LookupResult> columns{
-        {{"NAME"}, [](Result result) -> Field { return result.name; }},
-        {{"OWNER"}, [](Result result) { return ownerField(result.owner); }},
-        {{"ACTIVE"}, [](Result result) { return optionalField(result.active); }},
-        {{"CHANGED"}, [](Result result) -> Field { return result.isChanged(); }},
-        {{"TOOK", Kind::number}, [](Result result) -> Field { return result.took; }},
-        {{"TIMELINE"}, [](Result result) -> Field { return result.timeline; }},
-        {{"WARNING"}, [](Result result) { return optionalField(result.warning); }},
+        {{"NAME", Kind::text, "the path as it was given"},
+         [](Result result) -> Field { return result.name; }},
+        {{"OWNER", Kind::text, "the driver that owns it"},
+         [](Result result) { return ownerField(result.owner); }},
+        {{"ACTIVE", Kind::text, "the path that carries the I/O now"},
+         [](Result result) { return optionalField(result.active); }},
+        {{"CHANGED", Kind::text, "whether that is another path than the one given"},
+         [](Result result) -> Field { return result.isChanged(); }},
+        {{"TOOK", Kind::number, "the seconds that the lookup took"},
+         [](Result result) -> Field { return result.took; }},
+        {{"TIMELINE", Kind::text, "each command and wait of the lookup"},
+         [](Result result) -> Field { return result.timeline; }},
+        {{"WARNING", Kind::text, "why not to use the active path, or why there is none"},
+         [](Result result) { return optionalField(result.warning); }},
     };
     return columns;
 }

@@ -19,6 +19,12 @@ struct OwnOption {
     const char* help;
 };
 
+/// A command line that help shows, and what it is for.
+struct Example {
+    const char* arguments; // behind "dmpclaim ":  show /dev/sdc2
+    const char* purpose;
+};
+
 enum class Arguments { none, paths, optionalPaths, diskAndNumber };
 
 /// A subcommand: what the command line offers, and what runs it.
@@ -31,6 +37,7 @@ struct Subcommand {
     Form form;                            // without -J, -o and -r
     Headings (*headings)(const Options&); // null when it prints no columns
     int (*run)(const Options&, OutputStream&);
+    std::vector<Example> examples = {};
 };
 
 } // namespace command

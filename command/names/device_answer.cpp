@@ -10,6 +10,9 @@ namespace {
 constexpr unsigned int sentinel = 0x5eed5eed;
 constexpr unsigned int otherSentinel = 0xdeafdeaf;
 
+constexpr char ownerHelp[] = "the driver that owns it";
+constexpr char claimHelp[] = "how strong the claim is: 0 none, 2 native, 16 a multipath driver";
+
 bool isWritten(CDmpClaimManager& manager, const std::string& path, unsigned int number)
 {
     if (number != sentinel)
@@ -40,12 +43,17 @@ const Columns<DeviceAnswer>& deviceColumns()
 {
     using Answer = const DeviceAnswer&;
     static const Columns<DeviceAnswer> columns{
-        {{"NAME"}, [](Answer answer) -> Field { return answer.name; }},
-        {{"OWNER"}, [](Answer answer) { return ownerField(answer.owner); }},
-        {{"CLAIM", Kind::number}, [](Answer answer) -> Field { return answer.claim; }},
-        {{"PARTITION"}, [](Answer answer) -> Field { return answer.isPartition; }},
-        {{"DISK"}, [](Answer answer) { return optionalField(answer.disk); }},
-        {{"PARTNUM", Kind::number}, [](Answer answer) { return optionalField(answer.partnum); }},
+        {{"NAME", Kind::text, "the path as it was given"},
+         [](Answer answer) -> Field { return answer.name; }},
+        {{"OWNER", Kind::text, ownerHelp}, [](Answer answer) { return ownerField(answer.owner); }},
+        {{"CLAIM", Kind::number, claimHelp}, [](Answer answer) -> Field { return answer.claim; }},
+        {{"PARTITION", Kind::text, "whether the path names a partition"},
+         [](Answer answer) -> Field { return answer.isPartition; }},
+        {{"DISK", Kind::text,
+          "the path of the disk that holds the partition, or of the disk itself"},
+         [](Answer answer) { return optionalField(answer.disk); }},
+        {{"PARTNUM", Kind::number, "the number of the partition, where the driver reads it back"},
+         [](Answer answer) { return optionalField(answer.partnum); }},
     };
     return columns;
 }
@@ -65,11 +73,14 @@ const Columns<PartitionAnswer>& partitionColumns()
 {
     using Answer = const PartitionAnswer&;
     static const Columns<PartitionAnswer> columns{
-        {{"PATH"}, [](Answer answer) { return optionalField(answer.path); }},
-        {{"DISK"}, [](Answer answer) -> Field { return answer.disk; }},
-        {{"PARTNUM", Kind::number}, [](Answer answer) -> Field { return answer.partnum; }},
-        {{"OWNER"}, [](Answer answer) { return ownerField(answer.owner); }},
-        {{"CLAIM", Kind::number}, [](Answer answer) -> Field { return answer.claim; }},
+        {{"PATH", Kind::text, "the path of the partition"},
+         [](Answer answer) { return optionalField(answer.path); }},
+        {{"DISK", Kind::text, "the disk as it was given"},
+         [](Answer answer) -> Field { return answer.disk; }},
+        {{"PARTNUM", Kind::number, "the number of the partition as it was given"},
+         [](Answer answer) -> Field { return answer.partnum; }},
+        {{"OWNER", Kind::text, ownerHelp}, [](Answer answer) { return ownerField(answer.owner); }},
+        {{"CLAIM", Kind::number, claimHelp}, [](Answer answer) -> Field { return answer.claim; }},
     };
     return columns;
 }
@@ -88,8 +99,9 @@ const Columns<PrefixAnswer>& prefixColumns()
 {
     using Answer = const PrefixAnswer&;
     static const Columns<PrefixAnswer> columns{
-        {{"PREFIX"}, [](Answer answer) -> Field { return answer.prefix; }},
-        {{"OWNER"}, [](Answer answer) { return ownerField(answer.owner); }},
+        {{"PREFIX", Kind::text, "what a claimed path holds"},
+         [](Answer answer) -> Field { return answer.prefix; }},
+        {{"OWNER", Kind::text, ownerHelp}, [](Answer answer) { return ownerField(answer.owner); }},
     };
     return columns;
 }

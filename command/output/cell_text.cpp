@@ -30,6 +30,15 @@ struct CellText {
     std::string operator()(Seconds value) const { return secondsText(value); }
     std::string operator()(const std::string& value) const { return value; }
     std::string operator()(const CommandLine& value) const { return shellCommand(value.text); }
+    std::string operator()(const Mark& mark) const { return mark.text; }
+
+    std::string operator()(const Texts& texts) const
+    {
+        std::string joined;
+        for (const std::string& text : texts)
+            joined += (joined.empty() ? "" : ",") + text;
+        return joined;
+    }
 
     std::string operator()(const Steps& steps) const
     {

@@ -8,7 +8,8 @@
 namespace command {
 
 /// A field as tables show it: text unaltered, "yes" and "no", "-" for none, seconds with three
-/// digits, the steps of a timeline separated by "; ". Commands are quoted for a shell.
+/// digits, several texts joined by ",", the steps of a timeline separated by "; ". Commands are
+/// quoted for a shell.
 std::string cellText(const Field& field);
 
 } // namespace command

@@ -16,6 +16,7 @@ enum class Kind { text, number };
 struct Heading {
     std::string_view name;
     Kind kind = Kind::text;
+    std::string_view help = {}; // what the column tells, as a clause:  the driver that owns it
 
     /// The column's member in JSON: the name in lower case.
     std::string key() const;

@@ -26,10 +26,22 @@ struct CommandLine {
     std::string text;
 };
 
+/// Several texts of one field, such as the links to a device. Tables join them with commas.
+using Texts = std::vector<std::string>;
+
+/// What a colour of the terminal tells.
+enum class Tone { plain, heading, good, note, warning, bad };
+
+/// A word that a terminal shows in a colour, such as a state.
+struct Mark {
+    std::string text;
+    Tone tone;
+};
+
 /// One value of an answer; std::monostate where the library gives none. Each output decides how it
 /// looks.
-using Field =
-    std::variant<std::monostate, bool, std::int64_t, Seconds, std::string, CommandLine, Steps>;
+using Field = std::variant<std::monostate, bool, std::int64_t, Seconds, std::string, CommandLine,
+                           Steps, Texts, Mark>;
 
 template <class Value>
 Field optionalField(const std::optional<Value>& value)

@@ -52,6 +52,8 @@ struct ToJson {
     Json operator()(Seconds value) const { return secondsJson(value); }
     Json operator()(const std::string& value) const { return value; }
     Json operator()(const CommandLine& value) const { return value.text; }
+    Json operator()(const Mark& mark) const { return mark.text; }
+    Json operator()(const Texts& texts) const { return texts; }
 
     Json operator()(const Steps& steps) const
     {
