@@ -9,7 +9,7 @@
 #include "active/active_lookup.h"
 #include "active/lookup_pool.h"
 #include "active/progress_text.h"
-#include "active/terminal_line.h"
+#include "cli/terminal_line.h"
 #include "cli/wanted_paths.h"
 #include "interrupt/interrupt.h"
 

@@ -1,5 +1,5 @@
-#ifndef ACTIVE_TERMINAL_LINE_H
-#define ACTIVE_TERMINAL_LINE_H
+#ifndef CLI_TERMINAL_LINE_H
+#define CLI_TERMINAL_LINE_H
 
 #include <chrono>
 #include <mutex>

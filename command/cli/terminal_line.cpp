@@ -1,4 +1,4 @@
-#include "active/terminal_line.h"
+#include "cli/terminal_line.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
