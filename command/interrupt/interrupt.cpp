@@ -1,5 +1,7 @@
 #include "interrupt/interrupt.h"
 
+#include <algorithm>
+#include <chrono>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -15,7 +17,12 @@ namespace command {
 
 namespace {
 
-/// Wakes the signal thread. sigwait returns lower numbers first, so a pending interrupt wins.
+using Clock = std::chrono::steady_clock;
+
+/// How long an interrupted command may take to write what it has. Its output may hang.
+constexpr std::chrono::seconds patience{1};
+
+/// Wakes the signal thread. A wait returns lower numbers first, so a pending interrupt wins.
 int wakeSignal()
 {
     return SIGRTMIN;
@@ -54,14 +61,14 @@ void reportTools()
 
 } // namespace
 
-Interrupt::Interrupt(StopRequest& stop, std::function<void()> afterTools)
-    : m_stop(stop), m_afterTools(std::move(afterTools)), m_taken(takenSignals())
+Interrupt::Interrupt(StopRequest& stop, std::function<void()> afterTools, TimeLimit limit)
+    : m_stop(stop), m_afterTools(std::move(afterTools)), m_taken(takenSignals()), m_limit(limit)
 {
     sigset_t blocked = m_taken;
     sigaddset(&blocked, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &blocked, &m_before);
     try {
-        m_thread = startThread([this] { awaitSignal(); });
+        m_thread = startThread([this] { awaitSignals(); });
     } catch (...) {
         pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
         throw;
@@ -78,14 +85,23 @@ void Interrupt::finish()
 {
     if (!m_thread.joinable())
         return;
-    m_finished = true;
-    kill(getpid(), wakeSignal()); // not pthread_kill: sigwait returns a thread's signals first
+    {
+        const std::lock_guard lock(m_mutex);
+        m_hasFinished = true;
+        m_finished.notify_one();
+    }
+    kill(getpid(), wakeSignal()); // not pthread_kill: a wait returns a thread's signals first
     m_thread.join();
 }
 
 void Interrupt::endTools() const
 {
-    m_stop.request();
+    endTools(StopReason::interrupt);
+}
+
+void Interrupt::endTools(StopReason reason) const
+{
+    m_stop.request(reason);
     bool areGone = false;
     try {
         areGone = command::endTools(m_stop);
@@ -97,19 +113,45 @@ void Interrupt::endTools() const
         reportTools();
 }
 
-void Interrupt::awaitSignal()
+void Interrupt::awaitSignals()
 {
-    int signal = 0;
-    while (sigwait(&m_taken, &signal) != 0 || signal == wakeSignal()) {
-        if (m_finished)
+    for (;;) {
+        const int signal = nextSignal();
+        if (signal > 0 && signal != wakeSignal())
+            end(signal);
+        if (signal == wakeSignal() && hasFinished())
             return;
+        if (m_limit && Clock::now() >= *m_limit) {
+            m_limit.reset();
+            endTools(StopReason::timeLimit);
+        }
     }
-    end(signal);
+}
+
+/// Waits for a signal. Returns -1 when the time limit passes first, or the process was stopped and
+/// continued.
+int Interrupt::nextSignal() const
+{
+    using namespace std::chrono;
+    if (!m_limit)
+        return sigwaitinfo(&m_taken, nullptr);
+    const nanoseconds left = std::max(nanoseconds(*m_limit - Clock::now()), nanoseconds(0));
+    const auto wholeSeconds = duration_cast<seconds>(left);
+    const timespec time{wholeSeconds.count(), (left - wholeSeconds).count()};
+    return sigtimedwait(&m_taken, nullptr, &time);
+}
+
+bool Interrupt::hasFinished()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_hasFinished;
 }
 
 void Interrupt::end(int signal)
 {
-    endTools();
+    endTools(StopReason::interrupt);
+    std::unique_lock lock(m_mutex);
+    m_finished.wait_for(lock, patience, [this] { return m_hasFinished; });
     _exit(128 + signal);
 }
 

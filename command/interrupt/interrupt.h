@@ -1,21 +1,25 @@
 #ifndef INTERRUPT_INTERRUPT_H
 #define INTERRUPT_INTERRUPT_H
 
-#include <atomic>
+#include <condition_variable>
 #include <csignal>
 #include <functional>
+#include <mutex>
 #include <thread>
 
 #include "interrupt/stop_request.h"
+#include "interrupt/time_limit.h"
 
 namespace command {
 
-/// Ends the tools and exits the process when the user interrupts it. A signal from the terminal
-/// alone would leave the tools running: they have process groups of their own.
+/// Ends the tools when the user interrupts the command, or when its time limit passes. A signal
+/// from the terminal alone would leave the tools running: they have process groups of their own.
 ///
-/// While an object lives, a thread of its own waits for SIGINT, SIGTERM, SIGHUP and SIGQUIT. This
-/// signal thread requests `stop`, ends the tools and exits with status 130, 143, 129 or 131. A
-/// signal that was ignored when the process started stays ignored.
+/// While an object lives, a thread of its own waits for SIGINT, SIGTERM, SIGHUP and SIGQUIT. After
+/// a signal, this signal thread requests `stop`, ends the tools, gives the caller a second to write
+/// what it has and to call `finish`, and exits with status 130, 143, 129 or 131. A signal that was
+/// ignored when the process started stays ignored. After the time limit, the signal thread requests
+/// `stop` and ends the tools; then it waits for signals as before.
 ///
 /// The constructor blocks these signals and SIGPIPE in its thread, and threads that are started
 /// later inherit the signal mask. A SIGPIPE ends the process only once the destructor
@@ -27,7 +31,7 @@ class Interrupt {
 public:
     /// endTools calls `afterTools` when the tools are ended, in the signal thread or in the
     /// caller's. Throws what startThread throws, with the signal mask as before.
-    Interrupt(StopRequest& stop, std::function<void()> afterTools);
+    Interrupt(StopRequest& stop, std::function<void()> afterTools, TimeLimit limit = {});
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
@@ -43,14 +47,20 @@ public:
     void endTools() const;
 
 private:
-    void awaitSignal();
+    void awaitSignals();
+    int nextSignal() const;
+    bool hasFinished();
+    void endTools(StopReason reason) const;
     [[noreturn]] void end(int signal);
 
     StopRequest& m_stop;
     std::function<void()> m_afterTools;
     sigset_t m_before{};
     sigset_t m_taken{};
-    std::atomic<bool> m_finished{false};
+    TimeLimit m_limit; // of the signal thread; nothing once it has passed
+    std::mutex m_mutex;
+    std::condition_variable m_finished;
+    bool m_hasFinished = false;
     std::thread m_thread;
 };
 

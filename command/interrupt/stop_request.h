@@ -8,16 +8,24 @@ namespace command {
 /// Thrown to end a lookup early.
 struct Interrupted {};
 
+/// Why lookups are to end early.
+enum class StopReason { none, interrupt, timeLimit };
+
 /// Asks the lookups of all threads to end, and knows whether one of them runs a tool. Safe between
 /// threads.
 class StopRequest {
 public:
-    void request() { m_isRequested = true; }
+    void request(StopReason reason = StopReason::interrupt) { m_reason = reason; }
+
+    /// The reason of the last request.
+    StopReason reason() const { return m_reason; }
+
+    bool isRequested() const { return m_reason != StopReason::none; }
 
     /// Throws Interrupted once the request is made.
     void check() const
     {
-        if (m_isRequested)
+        if (isRequested())
             throw Interrupted();
     }
 
@@ -26,7 +34,7 @@ public:
     void beginTool()
     {
         ++m_tools;
-        if (m_isRequested) {
+        if (isRequested()) {
             --m_tools;
             throw Interrupted();
         }
@@ -38,7 +46,7 @@ public:
     bool toolsRun() const { return m_tools > 0; }
 
 private:
-    std::atomic<bool> m_isRequested{false};
+    std::atomic<StopReason> m_reason{StopReason::none};
     std::atomic<int> m_tools{0};
 };
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -35,6 +36,7 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
 namespace {
 
 using command::Interrupt;
+using command::StopReason;
 using command::StopRequest;
 
 class InterruptTest : public testing::Test {
@@ -109,6 +111,87 @@ TEST_F(InterruptDeathTest, BeforeTheEndTheToolsHaveEnded)
         pause();
     };
     EXPECT_EXIT(interrupted(), testing::ExitedWithCode(7), "");
+}
+
+/// Whether the request is made for this reason before long.
+bool isRequested(const StopRequest& stop, command::StopReason reason)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (stop.reason() != reason && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return stop.reason() == reason;
+}
+
+TEST_F(InterruptDeathTest, ASignalLeavesTheCallerTimeToWriteWhatItHas)
+{
+    const auto interrupted = [this] {
+        Interrupt interrupt(stop, [] {});
+        kill(getpid(), SIGINT);
+        isRequested(stop, StopReason::interrupt);
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        std::fputs("the last row", stderr);
+        interrupt.finish();
+    };
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(130), "^the last row$");
+}
+
+TEST_F(InterruptDeathTest, ACallerThatHangsIsNotWaitedForLong)
+{
+    const auto interrupted = [this] {
+        const Interrupt interrupt(stop, [] {});
+        kill(getpid(), SIGTERM);
+        std::this_thread::sleep_for(std::chrono::seconds(60));
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(143), "");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+}
+
+TEST_F(InterruptTest, TheTimeLimitEndsTheToolsAndNothingElse)
+{
+    bool isLineClosed = false;
+    const auto begin = std::chrono::steady_clock::now();
+    Interrupt interrupt(
+        stop, [&] { isLineClosed = true; }, begin + std::chrono::milliseconds(300));
+    const ShellTool tool(stop, "ready; sleep 100");
+    EXPECT_EQ(tool.status(), 1000 + SIGTERM);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(300));
+    EXPECT_TRUE(tool.isSessionGone());
+    EXPECT_EQ(stop.reason(), StopReason::timeLimit);
+    interrupt.finish();
+    EXPECT_TRUE(isLineClosed);
+}
+
+TEST_F(InterruptTest, AToolThatIgnoresTheRequestToEndIsKilledAtTheTimeLimit)
+{
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(200);
+    const Interrupt interrupt(
+        stop, [] {}, limit);
+    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 0.01; done");
+    EXPECT_EQ(tool.status(), 1000 + SIGKILL);
+    EXPECT_TRUE(tool.isSessionGone());
+}
+
+TEST_F(InterruptTest, ATimeLimitThatDoesNotPassIsNoRequest)
+{
+    {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::hours(1);
+        const Interrupt interrupt(
+            stop, [] {}, limit);
+    }
+    EXPECT_FALSE(stop.isRequested());
+}
+
+TEST_F(InterruptDeathTest, ASignalAfterTheTimeLimitEndsTheCommand)
+{
+    const auto interrupted = [this] {
+        const Interrupt interrupt(
+            stop, [] {}, std::chrono::steady_clock::now());
+        isRequested(stop, StopReason::timeLimit);
+        kill(getpid(), SIGINT);
+        isRequested(stop, StopReason::interrupt);
+    };
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(130), "");
 }
 
 TEST_F(InterruptTest, TheSignalsGoThroughAgainWhenItIsGone)

@@ -5,11 +5,14 @@
 namespace {
 
 using command::Interrupted;
+using command::StopReason;
 using command::StopRequest;
 
 TEST(StopRequest, WithoutARequestEverythingGoesOn)
 {
     StopRequest stop;
+    EXPECT_FALSE(stop.isRequested());
+    EXPECT_EQ(stop.reason(), StopReason::none);
     EXPECT_NO_THROW(stop.check());
     EXPECT_NO_THROW(stop.beginTool());
 }
@@ -28,10 +31,14 @@ TEST(StopRequest, ToolsCountWhileTheyRun)
 TEST(StopRequest, AfterTheRequestNoToolStarts)
 {
     StopRequest stop;
-    stop.request();
-    EXPECT_THROW(stop.check(), Interrupted);
-    EXPECT_THROW(stop.beginTool(), Interrupted);
-    EXPECT_FALSE(stop.toolsRun());
+    for (const StopReason reason : {StopReason::interrupt, StopReason::timeLimit}) {
+        stop.request(reason);
+        EXPECT_TRUE(stop.isRequested());
+        EXPECT_EQ(stop.reason(), reason);
+        EXPECT_THROW(stop.check(), Interrupted);
+        EXPECT_THROW(stop.beginTool(), Interrupted);
+        EXPECT_FALSE(stop.toolsRun());
+    }
 }
 
 } // namespace

@@ -1,0 +1,14 @@
+#ifndef INTERRUPT_TIME_LIMIT_H
+#define INTERRUPT_TIME_LIMIT_H
+
+#include <chrono>
+#include <optional>
+
+namespace command {
+
+/// When a command has to end; nothing when it may take as long as it takes.
+using TimeLimit = std::optional<std::chrono::steady_clock::time_point>;
+
+} // namespace command
+
+#endif
