@@ -1,6 +1,7 @@
 #include "kernel/file_kind.h"
 
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 namespace command {
 
@@ -18,7 +19,7 @@ Node nodeAt(const std::string& path)
     struct stat file {};
     if (stat(path.c_str(), &file) != 0)
         return {};
-    return {file.st_mode};
+    return {file.st_mode, {major(file.st_rdev), minor(file.st_rdev)}};
 }
 
 } // namespace command

@@ -5,13 +5,16 @@
 
 #include <sys/types.h>
 
+#include "kernel/device_number.h"
+
 namespace command {
 
 enum class FileKind { none, regular, blockDevice, other };
 
 /// The file that a path leads to, as one stat(2) reports it. Links are followed.
 struct Node {
-    mode_t mode = 0; // 0 when there is no file, or stat fails
+    mode_t mode = 0;     // 0 when there is no file, or stat fails
+    DeviceNumber number; // of a device's node
 
     FileKind kind() const;
 };

@@ -1,0 +1,188 @@
+#include "kernel/block_device.h"
+
+#include <algorithm>
+#include <sstream>
+#include <string_view>
+
+#include "kernel/sysfs_file.h"
+#include "kernel/udev_links.h"
+
+namespace command {
+
+namespace {
+
+constexpr std::uint64_t sectorBytes = 512; // in sysfs, whatever the device's own sectors are
+
+/// Takes the last component off a path.
+std::string_view takeLast(std::string_view& path)
+{
+    const std::size_t slash = path.rfind('/');
+    const std::string_view last = slash == std::string_view::npos ? path : path.substr(slash + 1);
+    path = slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
+    return last;
+}
+
+/// The address of a SCSI device:  host ":" channel ":" target ":" lun          2:0:0:1
+bool isHctl(std::string_view text)
+{
+    return std::count(text.begin(), text.end(), ':') == 3 &&
+           text.find_first_not_of("0123456789:") == std::string_view::npos;
+}
+
+} // namespace
+
+BlockDevice::BlockDevice(const KernelRoots& roots, std::string kernelName)
+    : m_roots(&roots), m_kernelName(std::move(kernelName)), m_kind(kindOfKernelName(m_kernelName))
+{
+    readPlace();
+    if (m_kind == DeviceKind::map)
+        readMap();
+}
+
+/// Reads where the link in class/block leads, which tells much for one system call:
+///
+///     ../../devices/pci0000:00/.../target2:0:0/2:0:0:1/block/sda/sda1
+///     ../../devices/virtual/block/dm-0
+///     ../../devices/virtual/nvme-subsystem/nvme-subsys0/nvme0n1
+void BlockDevice::readPlace()
+{
+    const std::optional<std::string> target = linkTarget(file(""));
+    if (!target)
+        return;
+    m_isVirtual = target->find("/devices/virtual/") != std::string::npos;
+    std::string_view place = *target;
+    takeLast(place);
+    m_container = takeLast(place);
+    m_partnum = partitionNumber(m_container, m_kernelName);
+    if (m_partnum)
+        m_kind = DeviceKind::partition;
+    else if (const std::string_view device = takeLast(place); isHctl(device))
+        m_hctl = device;
+}
+
+void BlockDevice::readMap()
+{
+    m_mapName = attribute("dm/name").value_or("");
+    MapUuid uuid = parseMapUuid(attribute("dm/uuid").value_or(""));
+    m_kind = uuid.kind;
+    m_partnum = uuid.partnum;
+    if (m_kind == DeviceKind::multipath)
+        m_mapWwid = std::move(uuid.id);
+}
+
+std::string BlockDevice::path() const
+{
+    if (!m_mapName.empty())
+        return "/dev/mapper/" + m_mapName;
+    std::string name = m_kernelName;
+    std::replace(name.begin(), name.end(), '!', '/');
+    return "/dev/" + name;
+}
+
+std::optional<DeviceNumber> BlockDevice::number() const
+{
+    const std::optional<std::string> text = attribute("dev");
+    return text ? parseDeviceNumber(*text) : std::nullopt;
+}
+
+std::optional<std::uint64_t> BlockDevice::size() const
+{
+    const std::optional<std::uint64_t> sectors = readNumber(file("/size"));
+    return sectors ? std::optional(*sectors * sectorBytes) : std::nullopt;
+}
+
+std::optional<bool> BlockDevice::isReadOnly() const
+{
+    return flag("ro");
+}
+
+std::optional<std::string> BlockDevice::wwid() const
+{
+    if (!m_mapWwid.empty())
+        return m_mapWwid;
+    const std::optional<std::string> own = attribute("wwid"); // of NVMe
+    return own ? own : attribute("device/wwid");
+}
+
+std::optional<std::string> BlockDevice::state() const
+{
+    if (m_mapName.empty())
+        return attribute("device/state");
+    const std::optional<bool> isSuspended = flag("dm/suspended");
+    return isSuspended ? std::optional<std::string>(*isSuspended ? "suspended" : "running")
+                       : std::nullopt;
+}
+
+std::optional<std::string> BlockDevice::accessState() const
+{
+    return attribute("device/access_state");
+}
+
+std::optional<bool> BlockDevice::isPreferredPath() const
+{
+    return flag("device/preferred_path");
+}
+
+/// The first eleven numbers of the attribute "stat", which newer kernels go on with others:
+///
+///     reads merged sectors ms writes merged sectors ms in-flight busy-ms weighted-ms
+std::optional<IoCounters> BlockDevice::ioCounters() const
+{
+    std::istringstream text(attribute("stat").value_or(""));
+    std::uint64_t numbers[10] = {};
+    for (std::uint64_t& number : numbers)
+        text >> number;
+    if (!text)
+        return std::nullopt;
+    return IoCounters{numbers[0], numbers[2] * sectorBytes,
+                      numbers[4], numbers[6] * sectorBytes,
+                      numbers[8], numbers[9]};
+}
+
+bool BlockDevice::isInUse() const
+{
+    switch (m_kind) {
+    case DeviceKind::loop:
+    case DeviceKind::zram:
+        return size().value_or(0) > 0;
+    case DeviceKind::ram: {
+        const std::optional<IoCounters> counters = ioCounters();
+        return (counters && counters->writes > 0) || !holders().empty();
+    }
+    default:
+        return true;
+    }
+}
+
+std::vector<std::string> BlockDevice::slaves() const
+{
+    return namesIn(file("/slaves"));
+}
+
+std::vector<std::string> BlockDevice::holders() const
+{
+    return namesIn(file("/holders"));
+}
+
+std::vector<std::string> BlockDevice::links() const
+{
+    return udevLinks(file(""));
+}
+
+std::optional<std::string> BlockDevice::attribute(const std::string& name) const
+{
+    return readAttribute(file('/' + name));
+}
+
+std::optional<bool> BlockDevice::flag(const std::string& name) const
+{
+    const std::optional<std::uint64_t> number = readNumber(file('/' + name));
+    return number ? std::optional(*number != 0) : std::nullopt;
+}
+
+std::string BlockDevice::file(const std::string& name) const
+{
+    return m_roots->blockFolder() + '/' + m_kernelName + name;
+}
+
+} // namespace command
