@@ -15,7 +15,7 @@ protected:
 
     std::string beside(const std::string& suffix) const { return statePath() + suffix; }
 
-    static testing::Matcher<const Result&> IsRefused(const std::string& path)
+    static testing::Matcher<Result> IsRefused(const std::string& path)
     {
         return Fails(78, path + ": it is no regular file; remove it\n");
     }
