@@ -1,8 +1,6 @@
 #include "commands.h"
 
-#include <filesystem>
 #include <string>
-#include <system_error>
 
 #include "active/active.h"
 #include "cli/answer_writer.h"
@@ -10,7 +8,8 @@
 #include "cli/options.h"
 #include "cli/wanted_paths.h"
 #include "doctor/doctor.h"
-#include "kernel/block_devices.h"
+#include "library.h"
+#include "list.h"
 #include "names/device_answer.h"
 #include "names/explanation.h"
 #include "names/explanation_writer.h"
@@ -27,39 +26,15 @@ constexpr char bareFooter[] =
 On a terminal, unprintable bytes become \xNN. With -o they come as a table.)";
 constexpr char explainFooter[] = "-J, --trace and the exit status: see 'dmpclaim --help'.";
 
-/// The library with the user's trace log.
-struct Library {
-    explicit Library(const Options& options) : log(openTraceLog(options.trace))
-    {
-        manager.registerTraceLog(log);
-    }
-
-    koze_pdk_4_4::CZeTraceLogHandle log;
-    CDmpClaimManager manager;
-};
-
-int list(const Options& options, OutputStream& output)
-{
-    constexpr char sysfsBlock[] = "/sys/class/block";
-    Library library(options);
-    AnswerWriter<DeviceAnswer> writer(options, output, "devices", deviceColumns());
-    std::error_code error;
-    const std::filesystem::directory_iterator readable(sysfsBlock, error);
-    if (error)
-        throw std::system_error(error, std::string("cannot read ") + sysfsBlock);
-    for (const std::string& path : blockDevices(sysfsBlock, "/dev"))
-        writer.write(deviceAnswer(library.manager, path));
-    return writer.finish();
-}
-
 /// Answers what the paths name. `array` names the answers in JSON.
 int answerPaths(const Options& options, OutputStream& output, const char* array)
 {
-    Library library(options);
+    Library library(options.trace);
     AnswerWriter<DeviceAnswer> writer(options, output, array, deviceColumns());
+    const Machine machine;
     PathSource paths = wantedPaths(options, [&] { output.flush(); });
     while (const std::optional<std::string> path = paths.next())
-        writer.write(deviceAnswer(library.manager, *path));
+        writer.write(deviceAnswer(library.manager, *path, DeviceLookup(machine)));
     return writer.finish();
 }
 
@@ -75,7 +50,7 @@ int strip(const Options& options, OutputStream& output)
 
 int explain(const Options& options, OutputStream& output)
 {
-    Library library(options);
+    Library library(options.trace);
     const std::vector<Module> modules = makeModules(library.log);
     ExplanationWriter writer(options.form, output);
     Tally tally;
@@ -92,7 +67,7 @@ int explain(const Options& options, OutputStream& output)
 
 int append(const Options& options, OutputStream& output)
 {
-    Library library(options);
+    Library library(options.trace);
     AnswerWriter<PartitionAnswer> writer(options, output, "partitions", partitionColumns());
     writer.write(partitionAnswer(library.manager, options.paths.front(), options.partnum));
     return writer.finish();
@@ -100,7 +75,7 @@ int append(const Options& options, OutputStream& output)
 
 int prefixes(const Options& options, OutputStream& output)
 {
-    Library library(options);
+    Library library(options.trace);
     const std::vector<Module> modules = makeModules(library.log);
     AnswerWriter<PrefixAnswer> writer(options, output, "prefixes", prefixColumns());
     for (const std::string& prefix : library.manager.getDeviceClaimStrings())
@@ -108,14 +83,17 @@ int prefixes(const Options& options, OutputStream& output)
     return writer.finish();
 }
 
+/// What the kernel has is for those who ask for it: most answers are about names alone.
 Headings deviceHeadings(const Options& /*options*/)
 {
-    return headingsFor(deviceColumns());
+    const std::vector<Heading> names = headingsOf(nameColumns());
+    return {headingsOf(deviceColumns()), names, names};
 }
 
 Headings diskHeadings(const Options& /*options*/)
 {
-    return headingsFor(deviceColumns(), "DISK");
+    return {headingsOf(deviceColumns()), chosenColumns("DISK", {}, headingsOf(nameColumns())),
+            headingsOf(nameColumns())};
 }
 
 Headings partitionHeadings(const Options& /*options*/)
@@ -133,14 +111,7 @@ Headings prefixHeadings(const Options& /*options*/)
 const std::vector<Subcommand>& subcommands()
 {
     static const std::vector<Subcommand> all{
-        {"list",
-         "Show this machine's block devices",
-         rowsFooter,
-         Arguments::none,
-         {},
-         Form::table,
-         deviceHeadings,
-         list},
+        listSubcommand(),
         {"show",
          "Show who owns paths, and what they name",
          rowsFooter,

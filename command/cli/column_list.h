@@ -17,19 +17,21 @@ namespace command {
 std::vector<Heading> chosenColumns(std::string_view list, const std::vector<Heading>& usual,
                                    const std::vector<Heading>& all);
 
-/// All columns of the answers. Those in `usual`, a list of headings, are shown without a choice.
+/// All columns of the answers. Those in `usual`, a list of headings, are shown without a choice; in
+/// JSON all are.
 template <class Answer>
 Headings headingsFor(const Columns<Answer>& columns, const char* usual)
 {
     const std::vector<Heading> all = headingsOf(columns);
-    return {all, chosenColumns(usual, {}, all)};
+    return {all, chosenColumns(usual, {}, all), all};
 }
 
 /// The same for answers whose columns are all shown.
 template <class Answer>
 Headings headingsFor(const Columns<Answer>& columns)
 {
-    return {headingsOf(columns), headingsOf(columns)};
+    const std::vector<Heading> all = headingsOf(columns);
+    return {all, all, all};
 }
 
 } // namespace command

@@ -1,9 +1,11 @@
 #include "cli/command_line.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
 #include "cli/options.h"
+#include "text/wrapped.h"
 
 namespace command {
 
@@ -112,12 +114,25 @@ void addOwnOption(CLI::App& app, const OwnOption& option)
             ->take_last();
 }
 
+/// What each column tells, a paragraph each.
+std::string columnHelp(const std::vector<Heading>& headings)
+{
+    constexpr std::size_t indent = 12;
+    std::string text = "Columns:\n";
+    for (const Heading& heading : headings) {
+        std::string name = "  " + std::string(heading.name);
+        name.resize(std::max(indent, name.size() + 1), ' ');
+        text += name + wrapped(heading.help, indent) + '\n';
+    }
+    return text;
+}
+
 /// What follows the options in a subcommand's help.
 std::string footerOf(const Subcommand& subcommand)
 {
     if (subcommand.headings == nullptr)
         return subcommand.footer;
-    return subcommand.footer + "\n\nColumns: " + namesOf(subcommand.headings({}).all) + "\n\n" +
+    return subcommand.footer + "\n\n" + columnHelp(subcommand.headings({}).all) + '\n' +
            tableFooter;
 }
 

@@ -113,7 +113,8 @@ void readColumns(const CLI::App& app, Options& options)
         options.form = Form::raw;
     if (isGiven(app, "--json"))
         options.form = Form::json;
-    const std::vector<Heading>& usual = options.form == Form::json ? headings.all : headings.usual;
+    const std::vector<Heading>& usual =
+        options.form == Form::json ? headings.json : headings.usual;
     options.columns = list ? chosenColumns(*list, usual, headings.all) : usual;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "names/kernel_columns.h"
+
 namespace command {
 
 namespace {
@@ -24,11 +26,12 @@ bool isWritten(CDmpClaimManager& manager, const std::string& path, unsigned int 
 
 } // namespace
 
-DeviceAnswer deviceAnswer(CDmpClaimManager& manager, const std::string& path)
+DeviceAnswer deviceAnswer(CDmpClaimManager& manager, const std::string& path,
+                          const DeviceLookup& kernel)
 {
     CDmpDeviceClaimBase* owner = nullptr;
     const std::uint32_t claim = manager.getClaimModule(owner, path);
-    DeviceAnswer answer{path, driverOf(owner), claim, false, {}, {}};
+    DeviceAnswer answer{path, driverOf(owner), claim, false, {}, {}, kernel};
     if (owner == nullptr)
         return answer;
     unsigned int number = sentinel;
@@ -39,12 +42,11 @@ DeviceAnswer deviceAnswer(CDmpClaimManager& manager, const std::string& path)
     return answer;
 }
 
-const Columns<DeviceAnswer>& deviceColumns()
+const Columns<DeviceAnswer>& nameColumns()
 {
     using Answer = const DeviceAnswer&;
     static const Columns<DeviceAnswer> columns{
-        {{"NAME", Kind::text, "the path as it was given"},
-         [](Answer answer) -> Field { return answer.name; }},
+        {{"NAME", Kind::text, "the path"}, [](Answer answer) -> Field { return answer.name; }},
         {{"OWNER", Kind::text, ownerHelp}, [](Answer answer) { return ownerField(answer.owner); }},
         {{"CLAIM", Kind::number, claimHelp}, [](Answer answer) -> Field { return answer.claim; }},
         {{"PARTITION", Kind::text, "whether the path names a partition"},
@@ -55,6 +57,16 @@ const Columns<DeviceAnswer>& deviceColumns()
         {{"PARTNUM", Kind::number, "the number of the partition, where the driver reads it back"},
          [](Answer answer) { return optionalField(answer.partnum); }},
     };
+    return columns;
+}
+
+const Columns<DeviceAnswer>& deviceColumns()
+{
+    static const Columns<DeviceAnswer> columns = [] {
+        Columns<DeviceAnswer> all = nameColumns();
+        all.insert(all.end(), kernelColumns().begin(), kernelColumns().end());
+        return all;
+    }();
     return columns;
 }
 

@@ -6,13 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "kernel/device_lookup.h"
 #include "names/drivers.h"
 #include "output/columns.h"
 #include "providers/device/scsitool/dmp_claim_manager.h"
 
 namespace command {
 
-/// What the library says of a path.
+/// What the library says of a path, and where to look for what the kernel has there.
 struct DeviceAnswer {
     std::string name;
     const Driver* owner; // null when nobody claims the path
@@ -20,10 +21,21 @@ struct DeviceAnswer {
     bool isPartition;
     std::optional<std::string> disk;     // of an owned path
     std::optional<unsigned int> partnum; // of a partition whose driver reads the number back
+
+    DeviceLookup kernel = {}; // where the kernel's facts are
+    std::string given = {};   // what --resolve replaced by the name, if it did
+
+    const BlockDevice* device() const { return kernel.at(name); }
 };
 
-DeviceAnswer deviceAnswer(CDmpClaimManager& manager, const std::string& path);
+/// The machine of `kernel` must outlive the answer.
+DeviceAnswer deviceAnswer(CDmpClaimManager& manager, const std::string& path,
+                          const DeviceLookup& kernel = {});
 
+/// What the library says.
+const Columns<DeviceAnswer>& nameColumns();
+
+/// That, and what the kernel has.
 const Columns<DeviceAnswer>& deviceColumns();
 
 /// A partition of a disk.

@@ -88,7 +88,7 @@ Explanation explanation(CDmpClaimManager& manager, const std::vector<Module>& mo
 Document::Record explanationRecord(const Explanation& explanation)
 {
     Document::Record record;
-    for (const Column<DeviceAnswer>& column : deviceColumns())
+    for (const Column<DeviceAnswer>& column : nameColumns())
         record.emplace_back(column.heading.key(), column.value(explanation.device));
     record.emplace_back("rule", explanation.rule);
     record.emplace_back("modules", Document::list(explanation.modules, moduleDocument));

@@ -34,6 +34,8 @@ struct CellText {
 
     std::string operator()(const Texts& texts) const
     {
+        if (texts.empty())
+            return (*this)(std::monostate());
         std::string joined;
         for (const std::string& text : texts)
             joined += (joined.empty() ? "" : ",") + text;

@@ -37,6 +37,7 @@ using Columns = std::vector<Column<Answer>>;
 struct Headings {
     std::vector<Heading> all;
     std::vector<Heading> usual;
+    std::vector<Heading> json; // without a choice in JSON
 };
 
 template <class Answer>

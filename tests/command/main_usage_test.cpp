@@ -23,10 +23,9 @@ TEST(Usage, BadUsageTellsWhatIsWrongAndWhereHelpIs)
     expectBadUsage({"append", "/dev/sda", "-1"},
                    "dmpclaim: '-1' is not a partition number (0 to 4294967295)\n"
                    "Try 'dmpclaim append --help' for more information.\n");
-    expectBadUsage({"show", "/dev/sda", "-o", "SIZE"},
-                   "dmpclaim: unknown column 'SIZE'; there are NAME, OWNER, CLAIM, PARTITION, "
-                   "DISK, PARTNUM\n"
-                   "Try 'dmpclaim show --help' for more information.\n");
+    expectBadUsage({"prefixes", "-o", "SIZE"},
+                   "dmpclaim: unknown column 'SIZE'; there are PREFIX, OWNER\n"
+                   "Try 'dmpclaim prefixes --help' for more information.\n");
 }
 
 TEST(Usage, AMessageForgesNoLines)

@@ -160,7 +160,7 @@ TEST(Options, NulSeparatedInputCanBeForced)
     EXPECT_FALSE(options({"show", "-"}).nulSeparated);
     EXPECT_TRUE(options({"show", "-", "-0"}).nulSeparated);
     EXPECT_TRUE(options({"explain", "--null", "-"}).nulSeparated);
-    EXPECT_EQ(complaint({"list", "-0"}), "list: unknown option '-0'");
+    EXPECT_EQ(complaint({"prefixes", "-0"}), "prefixes: unknown option '-0'");
 }
 
 TEST(Options, OptionsOfTheSubcommandsOwnAreKnownWhenTheyAreGiven)
@@ -181,7 +181,7 @@ TEST(Options, WhatIsNotKnownIsNamed)
     EXPECT_EQ(complaint({"--frob", "list"}), "list: unknown option '--frob'");
     EXPECT_EQ(complaint({"show", "--frob"}), "show: unknown option '--frob'");
     EXPECT_EQ(complaint({"show", "x", "-x"}), "show: unknown option '-x'");
-    EXPECT_EQ(complaint({"list", "x"}), "list: unexpected argument 'x'");
+    EXPECT_EQ(complaint({"prefixes", "x"}), "prefixes: unexpected argument 'x'");
     EXPECT_EQ(complaint({"append", "x", "1", "2"}), "append: unexpected argument '2'");
     EXPECT_EQ(complaint({"append", "x", "1", "--", "-2"}), "append: unexpected argument '-2'");
     EXPECT_EQ(complaint({"list", "-o", "[NAME]"}).substr(0, 28), "list: unknown column '[NAME]");

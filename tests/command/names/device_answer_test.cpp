@@ -10,7 +10,7 @@ namespace {
 std::string rowOf(const std::string& path)
 {
     CDmpClaimManager manager;
-    return answerJson(command::deviceAnswer(manager, path), command::deviceColumns()).dump();
+    return answerJson(command::deviceAnswer(manager, path), command::nameColumns()).dump();
 }
 
 std::string partitionOf(const std::string& disk, unsigned int number)

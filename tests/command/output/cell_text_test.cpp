@@ -17,6 +17,7 @@ TEST(CellText, ShowsEachKindOfFieldInItsWay)
     EXPECT_EQ(cellText(Seconds(1.2346)), "1.235");
     EXPECT_EQ(cellText("a\tb"), "a\tb");
     EXPECT_EQ(cellText(command::Texts{"a", "b c"}), "a,b c");
+    EXPECT_EQ(cellText(command::Texts{}), "-");
     EXPECT_EQ(cellText(command::Mark{"offline", command::Tone::bad}), "offline");
 }
 

@@ -10,6 +10,16 @@ nodes() {
     for node in /dev/mapper/* /dev/emcpower*; do [ ! -b "$node" ] || echo "$node"; done
 }
 
+# path_of FOLDER: the path of a device by its folder in sysfs: for a map the one with its name.
+path_of() {
+    if [ -e "$1/dm/name" ]; then echo "/dev/mapper/$(cat "$1/dm/name")"; else echo "/dev/${1##*/}"; fi
+}
+
+# The path of each device.
+device_paths() {
+    for device in /sys/class/block/*; do path_of "$device"; done
+}
+
 # sysfs_of NODE: the device's folder, found by its numbers, not by the node's name.
 sysfs_of() {
     # shellcheck disable=SC2046 # two words, in base 16

@@ -1,0 +1,27 @@
+#include "kernel/machine.h"
+
+#include "kernel/sysfs_file.h"
+
+namespace command {
+
+const Inventory& Machine::inventory() const
+{
+    if (!m_inventory)
+        m_inventory.emplace(m_roots);
+    return *m_inventory;
+}
+
+const BlockDevice* Machine::resolve(const std::string& text) const
+{
+    const Node node = nodeAt(text);
+    if (node.kind() == FileKind::blockDevice)
+        return inventory().numbered(node.number);
+    if (const std::optional<DeviceNumber> number = parseDeviceNumber(text))
+        return inventory().numbered(*number);
+    const bool isName = text.find('/') == std::string::npos;
+    if (isName && fileKind(m_roots.blockFolder() + '/' + text) != FileKind::none)
+        return inventory().named(text);
+    return nullptr;
+}
+
+} // namespace command
