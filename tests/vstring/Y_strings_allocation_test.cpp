@@ -26,7 +26,7 @@ Heap heap;
 } // namespace
 
 // The linker sends every call of the heap in this program to __wrap_NAME, and calls of __real_NAME
-// to the C library. NOLINTBEGIN(bugprone-reserved-identifier)
+// to the C library.
 extern "C" {
 
 void* __real_malloc(std::size_t size);
@@ -59,8 +59,7 @@ void __wrap_free(void* block)
     }
     __real_free(block);
 }
-
-} // NOLINTEND(bugprone-reserved-identifier)
+}
 
 namespace {
 

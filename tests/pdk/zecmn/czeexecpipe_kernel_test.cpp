@@ -218,7 +218,7 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
 }
 
 /// The runner leaks the plan of a child that cannot be killed.
-extern "C" const char* __lsan_default_suppressions() // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:koze_pdk_4_4::runner::run";
 }
