@@ -11,58 +11,25 @@
 #include "library.h"
 #include "list.h"
 #include "names/device_answer.h"
-#include "names/explanation.h"
-#include "names/explanation_writer.h"
+#include "show.h"
 
 namespace command {
 
 namespace {
 
-constexpr char rowsFooter[] =
-    R"(PARTNUM is '-' for a whole disk, and for a device-mapper partition, whose number
-the library does not read back.)";
 constexpr char bareFooter[] =
     R"(Answers are printed bare, a line each: an empty line when nobody claims.
 On a terminal, unprintable bytes become \xNN. With -o they come as a table.)";
-constexpr char explainFooter[] = "-J, --trace and the exit status: see 'dmpclaim --help'.";
 
-/// Answers what the paths name. `array` names the answers in JSON.
-int answerPaths(const Options& options, OutputStream& output, const char* array)
+int strip(const Options& options, OutputStream& output)
 {
     Library library(options.trace);
-    AnswerWriter<DeviceAnswer> writer(options, output, array, deviceColumns());
+    AnswerWriter<DeviceAnswer> writer(options, output, "disks", deviceColumns());
     const Machine machine;
     PathSource paths = wantedPaths(options, [&] { output.flush(); });
     while (const std::optional<std::string> path = paths.next())
         writer.write(deviceAnswer(library.manager, *path, DeviceLookup(machine)));
     return writer.finish();
-}
-
-int show(const Options& options, OutputStream& output)
-{
-    return answerPaths(options, output, "devices");
-}
-
-int strip(const Options& options, OutputStream& output)
-{
-    return answerPaths(options, output, "disks");
-}
-
-int explain(const Options& options, OutputStream& output)
-{
-    Library library(options.trace);
-    const std::vector<Module> modules = makeModules(library.log);
-    ExplanationWriter writer(options.form, output);
-    Tally tally;
-    PathSource paths = wantedPaths(options, [&] { output.flush(); });
-    while (const std::optional<std::string> path = paths.next()) {
-        const Explanation answer = explanation(library.manager, modules, *path);
-        tally.count(answer.device.owner != nullptr);
-        writer.write(answer);
-    }
-    writer.finish();
-    output.flush();
-    return tally.exitStatus();
 }
 
 int append(const Options& options, OutputStream& output)
@@ -81,13 +48,6 @@ int prefixes(const Options& options, OutputStream& output)
     for (const std::string& prefix : library.manager.getDeviceClaimStrings())
         writer.write(prefixAnswer(modules, prefix));
     return writer.finish();
-}
-
-/// What the kernel has is for those who ask for it: most answers are about names alone.
-Headings deviceHeadings(const Options& /*options*/)
-{
-    const std::vector<Heading> names = headingsOf(nameColumns());
-    return {headingsOf(deviceColumns()), names, names};
 }
 
 Headings diskHeadings(const Options& /*options*/)
@@ -112,22 +72,8 @@ const std::vector<Subcommand>& subcommands()
 {
     static const std::vector<Subcommand> all{
         listSubcommand(),
-        {"show",
-         "Show who owns paths, and what they name",
-         rowsFooter,
-         Arguments::paths,
-         {},
-         Form::table,
-         deviceHeadings,
-         show},
-        {"explain",
-         "Tell why, and warn of ambiguous names",
-         explainFooter,
-         Arguments::paths,
-         {},
-         Form::text,
-         nullptr,
-         explain},
+        showSubcommand(),
+        explainSubcommand(),
         {"append",
          "Print the path of a partition of a disk",
          bareFooter,

@@ -1,5 +1,7 @@
 #include "names/explanation.h"
 
+#include "names/kernel_text.h"
+
 namespace command {
 
 namespace {
@@ -45,6 +47,13 @@ Warning equalClaimsWarning(const std::string& first, const std::string& second)
                                 "the prefix of one driver only."};
 }
 
+Warning otherPathWarning(const BlockDevice& target)
+{
+    return {"leads-to-claimed-device", "This leads to " + target.path() +
+                                           ", which a driver claims. Ask about that path, or use "
+                                           "--resolve."};
+}
+
 std::vector<Warning> warningsOf(const DeviceAnswer& device, const ModuleAnswers& modules)
 {
     std::vector<Warning> warnings;
@@ -67,6 +76,18 @@ Document moduleDocument(const ModuleAnswer& module)
                             {"prefixes", Document::list(module.prefixes)}};
 }
 
+Document partitionDocument(const BlockDevice* partition)
+{
+    return Document::Record{{"partnum", *partition->partnum()}, {"path", partition->path()}};
+}
+
+Inventory::Devices partitionsOf(const DeviceAnswer& answer)
+{
+    const BlockDevice* device = answer.device();
+    return device == nullptr ? Inventory::Devices()
+                             : answer.kernel.machine()->inventory().partitionsOf(*device);
+}
+
 Document warningDocument(const Warning& warning)
 {
     return Document::Record{{"code", warning.code}, {"text", warning.text}};
@@ -75,21 +96,28 @@ Document warningDocument(const Warning& warning)
 } // namespace
 
 Explanation explanation(CDmpClaimManager& manager, const std::vector<Module>& modules,
-                        const std::string& path)
+                        const std::string& path, const DeviceLookup& kernel)
 {
     ModuleAnswers answers;
     for (const Module& module : modules)
         answers.push_back(
             {module.driver, module.claims->claim(path), module.claims->getDeviceClaimStrings()});
-    const DeviceAnswer device = deviceAnswer(manager, path);
-    return {device, winningRule(device, answers), answers, warningsOf(device, answers)};
+    const DeviceAnswer device = deviceAnswer(manager, path, kernel);
+    std::vector<Warning> warnings = warningsOf(device, answers);
+    if (const BlockDevice* target = claimedTarget(manager, device))
+        warnings.push_back(otherPathWarning(*target));
+    return {device, winningRule(device, answers), answers, warnings};
 }
 
 Document::Record explanationRecord(const Explanation& explanation)
 {
     Document::Record record;
-    for (const Column<DeviceAnswer>& column : nameColumns())
-        record.emplace_back(column.heading.key(), column.value(explanation.device));
+    const DeviceAnswer& device = explanation.device;
+    const bool asksKernel = device.kernel.machine() != nullptr;
+    for (const Column<DeviceAnswer>& column : asksKernel ? deviceColumns() : nameColumns())
+        record.emplace_back(column.heading.key(), column.value(device));
+    if (asksKernel)
+        record.emplace_back("partitions", Document::list(partitionsOf(device), partitionDocument));
     record.emplace_back("rule", explanation.rule);
     record.emplace_back("modules", Document::list(explanation.modules, moduleDocument));
     record.emplace_back("warnings", Document::list(explanation.warnings, warningDocument));

@@ -28,12 +28,13 @@ struct Explanation {
     std::vector<Warning> warnings;
 };
 
-/// Asks the manager, and each of `modules` in order.
+/// Asks the manager, and each of `modules` in order. The machine of `kernel` must outlive the
+/// result.
 Explanation explanation(CDmpClaimManager& manager, const std::vector<Module>& modules,
-                        const std::string& path);
+                        const std::string& path, const DeviceLookup& kernel = {});
 
 /// The columns of the device, and rule, modules (module, claim, prefixes) and warnings (code,
-/// text).
+/// text). When a kernel is asked, also its columns and the partitions (partnum, path) that it has.
 Document::Record explanationRecord(const Explanation& explanation);
 
 } // namespace command

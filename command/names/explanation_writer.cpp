@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "names/kernel_text.h"
 #include "output/cell_text.h"
 #include "text/printable.h"
 #include "text/wrapped.h"
@@ -32,13 +33,28 @@ std::string labelled(const char* label, std::string_view text)
     return "  " + padded(label, labelWidth) + std::string(text) + '\n';
 }
 
+const char* claimMeaning(std::uint32_t claim)
+{
+    switch (claim) {
+    case CLAIM_NONE:
+        return "does not claim it";
+    case CLAIM_DEFAULT:
+        return "claims it, a 16 would win";
+    case CLAIM_SECONDARY:
+        return "claims it as a multipath driver";
+    default:
+        return "claims it";
+    }
+}
+
 std::string moduleText(const ModuleAnswer& module)
 {
+    constexpr std::size_t widestMeaning = 33;
     const std::string claim = std::to_string(module.claim);
     return "  " + padded(module.driver->name, labelWidth) +
            padded(std::string(2 - claim.size(), ' ') + claim, 4) +
-           (module.claim == CLAIM_NONE ? "does not claim it  " : "claims it          ") +
-           "(prefix " + prefixList(module.prefixes) + ")\n";
+           padded(claimMeaning(module.claim), widestMeaning) + "(prefix " +
+           prefixList(module.prefixes) + ")\n";
 }
 
 std::string answerText(const DeviceAnswer& device, const char* rule)
@@ -56,10 +72,15 @@ std::string answerText(const DeviceAnswer& device, const char* rule)
 
 std::string explanationText(const Explanation& explanation)
 {
-    std::string text = printable(explanation.device.name) + '\n';
+    const DeviceAnswer& device = explanation.device;
+    std::string text = printable(device.name) + '\n';
+    if (!device.given.empty() && device.given != device.name)
+        text += labelled("given as", printable(device.given));
+    text += answerText(device, explanation.rule);
+    for (const LabelledText& fact : kernelTexts(device))
+        text += labelled(fact.label, wrapped(printable(fact.text), labelWidth + 2));
     for (const ModuleAnswer& module : explanation.modules)
         text += moduleText(module);
-    text += answerText(explanation.device, explanation.rule);
     for (const Warning& warning : explanation.warnings)
         text += labelled("warning", wrapped(printable(warning.text), labelWidth + 2));
     return text;

@@ -16,8 +16,6 @@ using Warnings = std::vector<Warning>;
 constexpr std::string_view mapperDirectory = "/dev/mapper/";
 constexpr std::string_view udevSeparator = "-part";
 
-constexpr char lookThere[] = " Look into /dev/mapper for the names that exist.";
-
 bool isDigit(char character)
 {
     return character >= '0' && character <= '9';
@@ -105,7 +103,7 @@ void warnOfPartition(const NamedDevice& device, Warnings& warnings)
         text += " Tools that put the number directly behind a name that ends in a letter call "
                 "that partition " +
                 device.disk + digit + ".";
-    warnings.push_back({"p-and-digit", text + lookThere});
+    warnings.push_back({"p-and-digit", text});
 }
 
 void warnOfOtherPartitionNames(const NamedDevice& device, Warnings& warnings)
@@ -116,7 +114,7 @@ void warnOfOtherPartitionNames(const NamedDevice& device, Warnings& warnings)
                 device.path + "1, and ";
     text += "udev calls it " + device.path +
             "-part1. The library does not take those names for partitions.";
-    warnings.push_back({"other-partition-names", text + lookThere});
+    warnings.push_back({"other-partition-names", text});
 }
 
 void warnOfTwoDigits(const Numbered& path, Warnings& warnings)

@@ -4,23 +4,15 @@
 #include <gmock/gmock.h>
 
 #include "cli/usage_error.h"
-#include "commands.h"
-#include "tests/command/output/captured_output.h"
-#include "tests/support/made_up_machine.h"
+#include "tests/command/made_up_command.h"
 
 using namespace command;
 using testing::HasSubstr;
 
 namespace {
 
-struct Listed {
-    std::string output;
-    std::string errors;
-    int status;
-};
-
 /// A machine with a disk of each kind that a name may hide.
-class List : public testing::Test {
+class List : public MadeUpCommand {
 protected:
     List()
     {
@@ -38,27 +30,16 @@ protected:
             m_made.set(disk, "size", "2097152");
     }
 
-    Listed list(std::vector<std::string> arguments)
+    Answered list(std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), "list");
-        const Options options = std::get<Options>(parseOptions(arguments, subcommands()));
-        CapturedOutput output;
-        testing::internal::CaptureStderr();
-        try {
-            const int status = listDevices(options, output.stream(), Machine(m_made.roots()));
-            return {output.text(), testing::internal::GetCapturedStderr(), status};
-        } catch (...) {
-            testing::internal::GetCapturedStderr();
-            throw;
-        }
+        return answer(listDevices, arguments);
     }
-
-    MadeUpMachine m_made;
 };
 
 TEST_F(List, HasARowForEachDeviceWithItsOwnerByNameAndItsKindByTheKernel)
 {
-    const Listed listed = list({});
+    const Answered listed = list({});
     EXPECT_EQ(
         listed.output,
         "NAME                     KNAME KIND                      SIZE OWNER         AGREES DISK"
@@ -121,7 +102,7 @@ TEST_F(List, MayBeOfGivenDevicesOnly)
 {
     create_directories(m_made.dev("disk/by-id"));
     create_symlink("../../dm-0", m_made.dev("disk/by-id/x"));
-    const Listed listed =
+    const Answered listed =
         list({"-r", "-n", "-o", "NAME", "8:16", "/dev/disk/by-id/x", "dm-3", "/dev/loop0"});
     EXPECT_EQ(listed.output, "/dev/sdb\n/dev/mapper/mpatha\n/dev/mapper/cryptswap1\n/dev/loop0\n");
     EXPECT_EQ(listed.errors, "");
@@ -130,7 +111,7 @@ TEST_F(List, MayBeOfGivenDevicesOnly)
 
 TEST_F(List, SaysWhichGivenPathsAreNoDevices)
 {
-    const Listed some = list({"-r", "-n", "-o", "NAME", "/dev/sdx", "/dev/sda"});
+    const Answered some = list({"-r", "-n", "-o", "NAME", "/dev/sdx", "/dev/sda"});
     EXPECT_EQ(some.output, "/dev/sda\n");
     EXPECT_EQ(some.errors, "dmpclaim: '/dev/sdx' is no block device of this machine\n");
     EXPECT_EQ(some.status, 64);

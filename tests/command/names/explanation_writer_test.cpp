@@ -24,31 +24,30 @@ TEST(ExplanationWriter, APartitionWhoseNumberIsReadBack)
 {
     EXPECT_EQ(textOf({"/dev/sdb12"}),
               "/dev/sdb12\n"
-              "  native          2  claims it          (prefix /dev/sd)\n"
-              "  powerpath       0  does not claim it  (prefix /dev/emcpower)\n"
-              "  device-mapper   0  does not claim it  (prefix /dev/mapper/)\n"
               "  owner          native (only claim)\n"
               "  partition      yes\n"
               "  disk           /dev/sdb\n"
-              "  partnum        12\n");
+              "  partnum        12\n"
+              "  native          2  claims it, a 16 would win        (prefix /dev/sd)\n"
+              "  powerpath       0  does not claim it                (prefix /dev/emcpower)\n"
+              "  device-mapper   0  does not claim it                (prefix /dev/mapper/)\n");
 }
 
 TEST(ExplanationWriter, WarningsAreWrapped)
 {
     EXPECT_EQ(textOf({"/dev/mapper/mpathbp2"}),
               "/dev/mapper/mpathbp2\n"
-              "  native          0  does not claim it  (prefix /dev/sd)\n"
-              "  powerpath       0  does not claim it  (prefix /dev/emcpower)\n"
-              "  device-mapper  16  claims it          (prefix /dev/mapper/)\n"
               "  owner          device-mapper (only claim)\n"
               "  partition      yes\n"
               "  disk           /dev/mapper/mpathb\n"
               "  partnum        - (this driver does not read it back)\n"
+              "  native          0  does not claim it                (prefix /dev/sd)\n"
+              "  powerpath       0  does not claim it                (prefix /dev/emcpower)\n"
+              "  device-mapper  16  claims it as a multipath driver  (prefix /dev/mapper/)\n"
               "  warning        For the library the 'p2' at the end makes this partition 2 of\n"
               "                 /dev/mapper/mpathb, but the alias of a disk may end like that,\n"
               "                 too. Tools that put the number directly behind a name that\n"
-              "                 ends in a letter call that partition /dev/mapper/mpathb2. Look\n"
-              "                 into /dev/mapper for the names that exist.\n");
+              "                 ends in a letter call that partition /dev/mapper/mpathb2.\n");
 }
 
 TEST(ExplanationWriter, AWholeDiskHasNoNumber)
@@ -60,14 +59,14 @@ TEST(ExplanationWriter, AWholeDiskHasNoNumber)
 
 TEST(ExplanationWriter, APathThatNobodyClaims)
 {
-    EXPECT_THAT(textOf({"/dev/vda"}), testing::EndsWith("(prefix /dev/mapper/)\n"
-                                                        "  owner          - (nobody claims this "
-                                                        "path)\n"));
+    EXPECT_THAT(textOf({"/dev/vda"}),
+                testing::StartsWith("/dev/vda\n"
+                                    "  owner          - (nobody claims this path)\n"));
 }
 
 TEST(ExplanationWriter, AnEmptyLineStandsBetweenPaths)
 {
-    EXPECT_THAT(textOf({"/dev/vda", "/dev/vdb"}), HasSubstr("path)\n\n/dev/vdb\n"));
+    EXPECT_THAT(textOf({"/dev/vda", "/dev/vdb"}), HasSubstr("/dev/mapper/)\n\n/dev/vdb\n"));
 }
 
 TEST(ExplanationWriter, NamesAreMadePrintable)

@@ -1,0 +1,47 @@
+#ifndef TESTS_COMMAND_MADE_UP_COMMAND_H
+#define TESTS_COMMAND_MADE_UP_COMMAND_H
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "cli/options.h"
+#include "commands.h"
+#include "kernel/machine.h"
+#include "tests/command/output/captured_output.h"
+#include "tests/support/made_up_machine.h"
+
+/// What a subcommand printed, and its status.
+struct Answered {
+    std::string output;
+    std::string errors;
+    int status;
+};
+
+/// Runs subcommands on a made-up machine, in the test's process.
+class MadeUpCommand : public testing::Test {
+protected:
+    using Subcommand = int (*)(const command::Options&, command::OutputStream&,
+                               const command::Machine&);
+
+    /// `arguments` begin with the subcommand's name.
+    Answered answer(Subcommand run, const std::vector<std::string>& arguments) const
+    {
+        using namespace command;
+        const Options options = std::get<Options>(parseOptions(arguments, subcommands()));
+        CapturedOutput output;
+        testing::internal::CaptureStderr();
+        try {
+            const int status = run(options, output.stream(), Machine(m_made.roots()));
+            return {output.text(), testing::internal::GetCapturedStderr(), status};
+        } catch (...) {
+            testing::internal::GetCapturedStderr();
+            throw;
+        }
+    }
+
+    MadeUpMachine m_made;
+};
+
+#endif
