@@ -1,32 +1,25 @@
-// The system calls of the sinks, and how the sinks handle their results.
+// The write of a line, and how the sinks handle its results.
 #include "pdk/include/czetracesink.h"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
 #include <csignal>
-#include <cstdarg>
 #include <cstdlib>
 #include <ctime>
 #include <deque>
 #include <new>
 #include <string>
-#include <system_error>
-#include <thread>
 #include <utility>
 #include <vector>
 
-#include <fcntl.h>
 #include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include "tests/support/child.h"
-#include "tests/support/temporary_folder.h"
 
 using koze_pdk_4_4::CZeTraceDescriptorSink;
-using koze_pdk_4_4::CZeTraceFileSink;
-using koze_pdk_4_4::CZeTraceSinkHandle;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::MatchesRegex;
@@ -49,10 +42,7 @@ std::deque<Answer> answers;
 std::vector<std::string> written;
 std::vector<int> blocked; // signals, during the last write
 bool memoryIsOut = false;
-bool closeFails = false;
-bool duplicationFails = false;
 int arriving = 0;
-int openFlags = 0;
 std::vector<timespec> waits;
 
 std::vector<int> blockedSignals()
@@ -87,46 +77,12 @@ extern "C" ssize_t write(int fd, const void* buf, size_t n)
     return -1;
 }
 
-// As in the C library: close is a cancellation point, and may report an earlier write's error.
-extern "C" int close(int fd)
-{
-    pthread_testcancel();
-    const auto result = static_cast<int>(syscall(SYS_close, fd));
-    if (closeFails)
-        errno = EIO;
-    return result;
-}
-
-extern "C" int fcntl(int fd, int cmd, ...)
-{
-    if (cmd == F_DUPFD_CLOEXEC && duplicationFails) {
-        errno = EMFILE;
-        return -1;
-    }
-    std::va_list arguments;
-    va_start(arguments, cmd);
-    const auto result = static_cast<int>(syscall(SYS_fcntl, fd, cmd, va_arg(arguments, int)));
-    va_end(arguments);
-    return result;
-}
-
 // Records the timeout and does not wait.
 extern "C" int sigtimedwait(const sigset_t* set, siginfo_t* info, const timespec* timeout)
 {
     waits.push_back(*timeout);
     const timespec noWait{};
     return static_cast<int>(syscall(SYS_rt_sigtimedwait, set, info, &noWait, _NSIG / 8));
-}
-
-extern "C" int openat(int fd, const char* file, int oflag, ...)
-{
-    std::va_list arguments;
-    va_start(arguments, oflag);
-    openFlags = oflag;
-    const auto result =
-        static_cast<int>(syscall(SYS_openat, fd, file, oflag, va_arg(arguments, int)));
-    va_end(arguments);
-    return result;
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
@@ -311,70 +267,6 @@ TEST_F(Write, ASignalThatArrivesDuringAWholeLineReachesTheHost)
             return sink.dropped() == 0 && handled == 1;
         })) << signal;
     }
-}
-
-// Tests the flag, because kernels differ in when an opened terminal becomes the controlling one.
-TEST(Open, AsksForNoTerminalOfTheHosts)
-{
-    const TemporaryFolder folder;
-    openFlags = 0;
-    const CZeTraceFileSink sink(6, folder.file("trace.log"));
-    EXPECT_EQ(openFlags,
-              O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | O_NOFOLLOW);
-}
-
-TEST(Open, WithoutADescriptorAboveTheStandardThreeFailsAndKeepsNone)
-{
-    const TemporaryFolder folder;
-    const std::string path = folder.file("trace.log");
-    EXPECT_TRUE(holdsInChild([&] {
-        close(0);
-        duplicationFails = true;
-        closeFails = true;
-        try {
-            CZeTraceFileSink(6, path);
-        } catch (const std::system_error& error) {
-            return error.code() == std::errc::too_many_files_open &&
-                   syscall(SYS_fcntl, 0, F_GETFD) < 0 && std::string(error.what()).find(path) == 0;
-        }
-        return false;
-    }));
-}
-
-TEST(Open, EndsNoThreadThatIsCancelled)
-{
-    const TemporaryFolder folder;
-    bool reached = false;
-    std::thread([&] {
-        pthread_cancel(pthread_self());
-        const CZeTraceFileSink sink(6, folder.file("trace.log"));
-        reached = true;
-    }).join();
-    EXPECT_TRUE(reached);
-}
-
-TEST(Close, LeavesErrnoAlone)
-{
-    const TemporaryFolder folder;
-    CZeTraceSinkHandle sink = new CZeTraceFileSink(6, folder.file("trace.log"));
-    closeFails = true;
-    errno = EXDEV;
-    sink.release();
-    EXPECT_EQ(errno, EXDEV);
-    closeFails = false;
-}
-
-TEST(Close, EndsNoThreadThatIsCancelled)
-{
-    const TemporaryFolder folder;
-    bool reached = false;
-    std::thread([&] {
-        CZeTraceSinkHandle sink = new CZeTraceFileSink(6, folder.file("trace.log"));
-        pthread_cancel(pthread_self());
-        sink.release();
-        reached = true;
-    }).join();
-    EXPECT_TRUE(reached);
 }
 
 } // namespace
