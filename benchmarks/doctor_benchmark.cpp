@@ -2,6 +2,7 @@
 // and comparing them with the kernel's.
 #include <benchmark/benchmark.h>
 
+#include "doctor/device_checks.h"
 #include "tests/command/doctor/fake_machine.h"
 
 namespace {
@@ -32,7 +33,8 @@ void check(benchmark::State& state, const Machine& machine)
 {
     std::size_t findings = 0;
     for (auto _ : state) {
-        command::checkDevices(machine.paths(), machine.readings(), {},
+        const command::Inventory kernel(machine.roots());
+        command::checkDevices(kernel, machine.drivers(), machine.readings(), {},
                               [&](const command::Finding&) { ++findings; });
     }
     benchmark::DoNotOptimize(findings);

@@ -10,27 +10,21 @@
 #include <unordered_set>
 
 #include "doctor/map_difference.h"
+#include "doctor/node_remedies.h"
 #include "kernel/file_kind.h"
-#include "kernel/kernel_maps.h"
 #include "text/shell_word.h"
 #include "text/text.h"
-
-namespace fs = std::filesystem;
 
 namespace command {
 
 namespace {
 
-using State = Finding::State;
-
-constexpr char devFolder[] = "/dev/";
 constexpr char mapperFolder[] = "/dev/mapper/";
-constexpr char makeMapNode[] = "Have the node made: dmsetup mknodes";
 
 /// Says whether the kernel's list of drivers names this driver.
 ///
 ///     line = [ blank+ ] major " " name          253 device-mapper
-const char* presence(const fs::path& list, const std::string& name)
+const char* presence(const std::string& list, const std::string& name)
 {
     std::ifstream file(list);
     if (!file)
@@ -52,64 +46,33 @@ std::string withoutPrefix(const std::string& path, std::string_view prefix)
     return path.substr(prefix.size());
 }
 
-bool isMapper(const DeviceReading& reading)
-{
-    return startsWith(reading.path, mapperFolder);
-}
-
-/// The name in sysfs, where '!' stands for '/'.
-std::string sysfsName(const std::string& path)
-{
-    std::string name = withoutPrefix(path, devFolder);
-    std::replace(name.begin(), name.end(), '/', '!');
-    return name;
-}
-
 /// A device's name, its node, and whether the kernel has the device.
 struct CheckedDevice {
     const DeviceReading& reading;
     Node node;
     bool isKnown;
 
-    const char* noun() const { return isMapper(reading) ? "map" : "device"; }
+    const char* noun() const { return isMapperPath(reading.path) ? "map" : "device"; }
 };
-
-std::string makeNodeRemedy(const CheckedDevice& device)
-{
-    const std::string& path = device.reading.path;
-    if (isMapper(device.reading))
-        return makeMapNode;
-    return "Unless this is a container that is not to have it, make the node with the numbers in " +
-           shellWord("/sys/class/block/" + sysfsName(path) + "/dev") + ": mknod " +
-           shellWord(path) + " b MAJOR MINOR";
-}
-
-const char* removeNodeRemedy(const CheckedDevice& device)
-{
-    return isMapper(device.reading) ? "Have it removed: dmsetup mknodes"
-                                    : "Check that its driver is loaded, else remove the node.";
-}
 
 class DeviceChecks {
 public:
-    DeviceChecks(const SystemPaths& system, const std::vector<DeviceReading>& readings,
-                 const FindingReceiver& report)
-        : m_system(system), m_readings(readings), m_report(report),
-          m_maps(kernelMaps(system.sysfsBlock))
+    DeviceChecks(const Inventory& kernel, const std::vector<DeviceReading>& readings,
+                 const std::vector<std::string>& given, const FindingReceiver& report)
+        : m_kernel(kernel), m_readings(readings), m_given(given),
+          m_isGiven(given.begin(), given.end()), m_report(report)
     {
         for (const DeviceReading& reading : m_readings)
             m_readingOf.emplace(reading.path, &reading);
-        for (const KernelMap& map : m_maps)
-            m_mapNames.insert(map.name);
     }
 
-    void run(const std::vector<std::string>& given)
+    void run(const std::string& driverList)
     {
         for (const Driver& driver : drivers())
-            countDevices(driver);
+            countDevices(driver, driverList);
         if (canSeeKernel())
             checkAll();
-        for (const std::string& path : given)
+        for (const std::string& path : m_given)
             checkGiven(path);
     }
 
@@ -117,12 +80,20 @@ private:
     void checkAll()
     {
         for (const DeviceReading& reading : m_readings) {
-            if (isMapper(reading) || !reading.claimers.empty())
+            const bool isChecked = isMapperPath(reading.path) || !reading.claimers.empty();
+            if (isChecked && isAskedAbout(reading.path))
                 checkDevice({reading, nodeOf(reading.path), isKnown(reading)});
         }
-        for (const KernelMap& map : m_maps)
-            checkMap(map);
+        for (const BlockDevice& device : m_kernel.devices()) {
+            if (!device.mapName().empty() && isAskedAbout(device.path()))
+                checkMap(device);
+        }
         reportAmbiguousNames();
+    }
+
+    bool isAskedAbout(const std::string& path) const
+    {
+        return m_isGiven.empty() || m_isGiven.count(path) > 0;
     }
 
     /// Runs every check of a map, or of a device that a driver claims.
@@ -136,32 +107,36 @@ private:
 
     bool isKnown(const DeviceReading& reading) const
     {
-        const std::string& path = reading.path;
-        return isMapper(reading)
-                   ? m_mapNames.count(withoutPrefix(path, mapperFolder)) > 0
-                   : fileKind(m_system.sysfsBlock / sysfsName(path)) != FileKind::none;
+        return kernelDevice(reading.path) != nullptr;
+    }
+
+    /// The kernel's device of that name; null when there is none.
+    const BlockDevice* kernelDevice(const std::string& path) const
+    {
+        return isMapperPath(path) ? m_kernel.mapNamed(withoutPrefix(path, mapperFolder))
+                                  : m_kernel.named(sysfsName(path));
     }
 
     /// Without the kernel's devices every node would look like a leftover, so no check runs.
     bool canSeeKernel()
     {
-        std::error_code error;
-        const fs::directory_iterator first(m_system.sysfsBlock, error);
+        const std::error_code error = m_kernel.error();
         if (error)
-            m_report({State::error, m_system.sysfsBlock,
+            m_report({Code::sysfsUnreadable, m_kernel.roots().blockFolder(),
                       "cannot be read (" + error.message() +
                           "): which devices there are is not known, and no name was examined",
-                      "Run this as root; if it stays so, mount sysfs: mount -t sysfs sysfs /sys"});
+                      "Run this as root; if it stays so, mount sysfs.",
+                      "mount -t sysfs sysfs /sys"});
         return !error;
     }
 
-    void countDevices(const Driver& driver)
+    void countDevices(const Driver& driver, const std::string& driverList)
     {
         const auto claimed =
             std::count_if(m_readings.begin(), m_readings.end(),
                           [&](const DeviceReading& reading) { return reading.owner == &driver; });
-        m_report({State::ok, driver.name,
-                  std::string(presence(m_system.drivers, driver.kernelName)) + "; owns " +
+        m_report({Code::driverDevices, driver.name,
+                  std::string(presence(driverList, driver.kernelName)) + "; owns " +
                       std::to_string(claimed) + " of " + std::to_string(m_readings.size()) +
                       " block devices"});
     }
@@ -170,7 +145,7 @@ private:
     {
         const std::vector<const Driver*>& claimers = device.reading.claimers;
         if (claimers.size() > 1)
-            m_report({State::warning, device.reading.path,
+            m_report({Code::twoClaims, device.reading.path,
                       std::string(claimers[0]->name) + " and " + claimers[1]->name +
                           " claim it, and " + device.reading.owner->name + " gets it",
                       "Use a path that holds the prefix of one driver only."});
@@ -179,21 +154,40 @@ private:
     void checkNode(const CheckedDevice& device)
     {
         const std::string& path = device.reading.path;
-        const std::string known = std::string("a ") + device.noun() + " of the kernel, but ";
         const FileKind kind = device.node.kind();
         if (kind == FileKind::blockDevice && !device.isKnown)
-            reportNode({State::warning, path,
+            reportNode({Code::nodeLeftOver, path,
                         std::string("a node, but the kernel has no such ") + device.noun(),
-                        removeNodeRemedy(device)});
+                        isMapperPath(path) ? "Have it removed."
+                                           : "Check that its driver is loaded, else remove it.",
+                        removeNodeCommand(path)});
         else if (kind == FileKind::none && device.isKnown)
-            reportNode({State::error, path, known + "the node is missing", makeNodeRemedy(device)});
+            reportMissingNode(path, device.noun());
         else if (isNotBlockDevice(kind) && device.isKnown)
-            reportNode({State::error, path,
-                        known + "what stands in the node's place is no block device",
-                        "Move that away, for it may hold what was meant for the disk. " +
-                            makeNodeRemedy(device)});
+            reportReplacedNode(path, device.noun());
         else if (isNotBlockDevice(kind))
             reportNoDevice(path);
+    }
+
+    void reportMissingNode(const std::string& path, const std::string& noun)
+    {
+        reportNode({Code::nodeMissing, path,
+                    "a " + noun + " of the kernel, but the node is missing",
+                    isMapperPath(path)
+                        ? "Have the node made."
+                        : "Make the node, unless this is a container that is not to have it.",
+                    makeNodeCommand(path, kernelDevice(path))});
+    }
+
+    void reportReplacedNode(const std::string& path, const std::string& noun)
+    {
+        const std::string make = makeNodeCommand(path, kernelDevice(path));
+        reportNode(
+            {Code::nodeReplaced, path,
+             "a " + noun + " of the kernel, but what stands in the node's place is no block device",
+             "Move that away, for it may hold what was meant for the disk, and make the "
+             "node.",
+             moveAwayCommand(path) + (make.empty() ? "" : " && " + make)});
     }
 
     void checkGiven(const std::string& path)
@@ -202,7 +196,7 @@ private:
             return;
         const FileKind kind = nodeOf(path).kind();
         if (kind == FileKind::none)
-            reportNode({State::warning, path, "does not exist, or this user cannot see it",
+            reportNode({Code::deviceMissing, path, "does not exist, or this user cannot see it",
                         "Check the name. If the disk was here before, this host has lost it: check "
                         "the cables and the array."});
         else if (isNotBlockDevice(kind))
@@ -211,69 +205,71 @@ private:
 
     void reportNoDevice(const std::string& path)
     {
-        reportNode({State::error, path, "is no block device",
+        reportNode({Code::noBlockDevice, path, "is no block device",
                     "Check the name. If this stands in the place of a disk that is lost, move it "
                     "away: what is written to it reaches no disk."});
     }
 
-    Node nodeOf(const std::string& path) const
-    {
-        return nodeAt(startsWith(path, devFolder)
-                          ? m_system.dev.string() + '/' + withoutPrefix(path, devFolder)
-                          : path);
-    }
+    Node nodeOf(const std::string& path) const { return m_kernel.nodeAt(path); }
 
     void reportNode(const Finding& finding)
     {
-        m_reported.insert(finding.subject);
+        m_reported.insert(finding.device);
         m_report(finding);
     }
 
-    void checkMap(const KernelMap& map)
+    void checkMap(const BlockDevice& map)
     {
-        const std::string path = mapperFolder + map.name;
+        const std::string path = map.path();
         const auto reading = m_readingOf.find(path);
         if (reading != m_readingOf.end())
             compare(map, *reading->second);
-        else if (map.isMultipathDisk() || map.isMultipathPartition())
-            reportNode(
-                {State::error, path, "a map of the kernel, but the node is missing", makeMapNode});
+        else if (map.kind() == DeviceKind::multipath ||
+                 map.kind() == DeviceKind::multipathPartition)
+            reportMissingNode(path, "map");
     }
 
-    void compare(const KernelMap& map, const DeviceReading& reading)
+    void compare(const BlockDevice& map, const DeviceReading& reading)
     {
-        if (const std::optional<Finding> difference = mapDifference(map, reading))
+        const std::optional<Finding> difference =
+            mapDifference(map, reading, m_kernel.parentOf(map));
+        if (difference)
             m_report(*difference);
     }
 
     void reportAmbiguousNames()
     {
-        const auto isAmbiguous = [](const DeviceReading& reading) { return reading.hasWarnings; };
-        const auto count = std::count_if(m_readings.begin(), m_readings.end(), isAmbiguous);
-        if (count == 0)
-            return;
-        const auto first = std::find_if(m_readings.begin(), m_readings.end(), isAmbiguous);
-        m_report({State::note, first->path,
-                  "other tools may read or name it differently, as " + std::to_string(count) +
-                      " of " + std::to_string(m_readings.size()) + " block devices",
-                  "'dmpclaim explain' tells more about each."});
+        const DeviceReading* first = nullptr;
+        std::size_t count = 0;
+        for (const DeviceReading& reading : m_readings) {
+            if (!reading.hasWarnings || !isAskedAbout(reading.path))
+                continue;
+            first = first == nullptr ? &reading : first;
+            ++count;
+        }
+        if (first != nullptr)
+            m_report({Code::ambiguousNames, first->path,
+                      "other tools may read or name it differently, as " + std::to_string(count) +
+                          " of " + std::to_string(m_readings.size()) + " block devices",
+                      "Read more about each.", "dmpclaim explain " + shellWord(first->path)});
     }
 
-    const SystemPaths& m_system;
+    const Inventory& m_kernel;
     const std::vector<DeviceReading>& m_readings;
+    const std::vector<std::string>& m_given;
+    const std::unordered_set<std::string> m_isGiven;
     const FindingReceiver& m_report;
-    const std::vector<KernelMap> m_maps;
     std::unordered_map<std::string_view, const DeviceReading*> m_readingOf; // by path
-    std::unordered_set<std::string_view> m_mapNames;
     std::set<std::string> m_reported;
 };
 
 } // namespace
 
-void checkDevices(const SystemPaths& system, const std::vector<DeviceReading>& readings,
-                  const std::vector<std::string>& given, const FindingReceiver& report)
+void checkDevices(const Inventory& kernel, const std::string& driverList,
+                  const std::vector<DeviceReading>& readings, const std::vector<std::string>& given,
+                  const FindingReceiver& report)
 {
-    DeviceChecks(system, readings, report).run(given);
+    DeviceChecks(kernel, readings, given, report).run(driverList);
 }
 
 } // namespace command

@@ -1,27 +1,22 @@
 #ifndef DOCTOR_DEVICE_CHECKS_H
 #define DOCTOR_DEVICE_CHECKS_H
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "doctor/device_reading.h"
 #include "doctor/finding.h"
+#include "kernel/inventory.h"
 
 namespace command {
 
-/// Where a machine shows its block devices.
-struct SystemPaths {
-    std::filesystem::path sysfsBlock = "/sys/class/block";
-    std::filesystem::path dev = "/dev";
-    std::filesystem::path drivers = "/proc/devices";
-};
-
 /// Compares `readings`, one for each of the machine's block devices, with what the kernel has.
-/// Reports each path in `given` that is no block device, also when no driver owns it. Takes time in
-/// proportion to the devices.
-void checkDevices(const SystemPaths& system, const std::vector<DeviceReading>& readings,
-                  const std::vector<std::string>& given, const FindingReceiver& report);
+/// `driverList` is the kernel's file of its drivers, /proc/devices.
+/// When paths are `given`, only these are examined: each that is no block device is reported, also
+/// when no driver owns it. Takes time in proportion to the devices.
+void checkDevices(const Inventory& kernel, const std::string& driverList,
+                  const std::vector<DeviceReading>& readings, const std::vector<std::string>& given,
+                  const FindingReceiver& report);
 
 } // namespace command
 

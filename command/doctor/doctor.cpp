@@ -1,23 +1,25 @@
 #include "doctor/doctor.h"
 
-#include <optional>
+#include <ctime>
+#include <exception>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "cli/options.h"
-#include "cli/wanted_paths.h"
-#include "doctor/device_checks.h"
-#include "doctor/finding_output.h"
-#include "doctor/findings.h"
-#include "doctor/report.h"
-#include "doctor/tool_checks.h"
-#include "doctor/trace_recorder.h"
-#include "interrupt/interrupt.h"
-#include "interrupt/start_thread.h"
-#include "kernel/block_devices.h"
-#include "output/json_output.h"
+#include <unistd.h>
 
-using koze_pdk_4_4::CZeTraceLogHandle;
+#include "cli/options.h"
+#include "cli/terminal_line.h"
+#include "cli/usage_error.h"
+#include "cli/wanted_paths.h"
+#include "doctor/check_line.h"
+#include "doctor/doctor_options.h"
+#include "doctor/examination.h"
+#include "doctor/findings.h"
+#include "doctor/metrics.h"
+#include "doctor/replace_file.h"
+#include "interrupt/interrupt.h"
+#include "output/json_output.h"
 
 namespace command {
 
@@ -25,145 +27,178 @@ namespace {
 
 constexpr char footer[] =
     R"(Looks at the volume manager's tools and asks them about every native disk, or
-the PATHs; asking changes nothing. Then it holds the names in /dev against the
-kernel's devices. A tool that takes more than 30 seconds, or prints too much, is
-ended and not asked again. Commands in findings are quoted for a shell (bash,
-zsh, ksh).
+the PATHs; asking changes nothing. Then it looks for disks that have lost paths,
+and holds the names in /dev against the kernel's devices. A tool that takes more
+than 30 seconds, or prints too much, is ended and not asked again.
 
-Every finding has a state: ok, note (good to know), warning (an answer may be
-wrong) or error (it is wrong, or none is given), and says what to do, if
-anything. A disk that the volume manager does not hold is a warning: a machine
-with such disks is watched by naming the others. A PATH that does not exist is a
-warning, too, and one that is no block device an error. JSON holds besides what
-somebody who helps from afar needs: versions, modules (in the order in which
-they are asked), names, maps (of the kernel's device-mapper), commands (what the
-tools answered; for the status see 'dmpclaim active --help') and trace.
+Every finding has a code, a severity, a device and a sentence: ok, note (good to
+know), warning (an answer may be wrong, or redundancy is lost) or error (an
+answer is wrong or missing, or a disk has no path). "To do" says what to do, and
+"Type" is a command for a shell (bash, zsh, ksh) that does it, or shows more.
+With PATHs only these are examined; a partition's disk is, too.
+
+JSON holds besides what somebody who helps from afar needs: versions, modules
+(in the order in which they are asked), names, maps (of the kernel's
+device-mapper), disks with their paths, commands (what the tools answered; for
+the status see 'dmpclaim active --help'), the trace of the tools' runs, with
+--trace of everything, and whether the examination was cut short.
+
+--check tells paths that can be used (paths) from others (failed). --metrics is
+for the textfile collector of node exporter: share/doc/dmpclaim/monitoring.md.
 
 Exit status:
-   0  nothing is wrong
+   0  nothing is wrong; with --metrics: they are written
   64  there are warnings
   32  there are errors
 
-An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tool that runs, and the
-command with status 130, 143, 129 or 131.
+An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tools that run, and the
+command with status 130, 143, 129 or 131, once it has reported what it knows.
 
 -J, --trace and the statuses 1 and 2: see 'dmpclaim --help'.)";
 
-class Doctor {
+/// A shorter run needs no progress.
+constexpr std::chrono::seconds beforeProgress{1};
+
+/// Shows on a terminal how far a longer run is.
+class Progress {
 public:
-    /// `report` receives names and commands; null when they are not wanted, so that they take no
-    /// memory.
-    Doctor(const Options& options, CZeTraceLogHandle log, StopRequest& stop,
-           const std::vector<Module>& modules, FindingReceiver receiver, Report* report)
-        : m_options(options), m_receiver(std::move(receiver)), m_modules(modules), m_report(report),
-          m_tools(log, stop, m_receiver, report == nullptr ? nullptr : &report->commands)
+    /// Shows nothing where trace lines go to standard error.
+    explicit Progress(const TraceOptions& trace)
+        : m_line(trace.level && !trace.file ? -1 : STDERR_FILENO)
+    {}
+
+    void show(const std::string& text)
     {
-        m_manager.registerTraceLog(log);
+        if (std::chrono::steady_clock::now() - m_begin >= beforeProgress)
+            m_line.show(text);
     }
 
-    void runChecks()
-    {
-        const SystemPaths system;
-        readNames(system);
-        m_tools.checkTools();
-        if (m_options.paths.empty())
-            askAboutAll();
-        else
-            askAboutGiven();
-        checkDevices(system, m_readings, m_given, m_receiver);
-    }
+    TerminalLine& line() { return m_line; }
 
 private:
-    void readNames(const SystemPaths& system)
-    {
-        for (const std::string& path : blockDevices(system.sysfsBlock, system.dev)) {
-            Explanation name = explanation(m_manager, m_modules, path);
-            m_readings.push_back(deviceReading(name));
-            if (m_report != nullptr)
-                m_report->names.push_back(std::move(name));
-        }
-    }
-
-    void askAboutAll()
-    {
-        for (const DeviceReading& reading : m_readings) {
-            if (reading.owner != nullptr && reading.owner->asksTools && !reading.isPartition)
-                m_tools.checkDisk(reading.path);
-        }
-    }
-
-    void askAboutGiven()
-    {
-        PathSource paths = wantedPaths(m_options, [] {});
-        while (const std::optional<std::string> path = paths.next()) {
-            m_given.push_back(*path);
-            const Driver* owner = deviceAnswer(m_manager, *path).owner;
-            if (owner != nullptr && owner->asksTools)
-                m_tools.checkDisk(*path);
-            else
-                m_receiver({Finding::State::note, *path,
-                            "no native path: the volume manager is not asked about it"});
-        }
-    }
-
-    const Options& m_options;
-    FindingReceiver m_receiver;
-    CDmpClaimManager m_manager;
-    const std::vector<Module>& m_modules;
-    Report* m_report;
-    ToolChecks m_tools;
-    std::vector<DeviceReading> m_readings;
-    std::vector<std::string> m_given;
+    TerminalLine m_line;
+    const std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
 };
 
 int exitStatus(const FindingCounts& counts)
 {
-    if (counts.count(Finding::State::error) > 0)
+    if (countOf(counts, Severity::error) > 0)
         return 32;
-    return counts.count(Finding::State::warning) > 0 ? 64 : 0;
+    return countOf(counts, Severity::warning) > 0 ? 64 : 0;
+}
+
+/// Standard input is read here, before an interrupt has to wait for it.
+std::vector<std::string> givenPaths(const Options& options)
+{
+    std::vector<std::string> paths;
+    PathSource source = wantedPaths(options, [] {});
+    while (std::optional<std::string> path = source.next())
+        paths.push_back(std::move(*path));
+    return paths;
+}
+
+TimeLimit limitOf(const DoctorOptions& options)
+{
+    return options.timeout ? TimeLimit(std::chrono::steady_clock::now() + *options.timeout)
+                           : TimeLimit();
+}
+
+/// Writes what was found in the form that is wanted, all but the metrics. Returns the exit status.
+int writeResult(const DoctorOptions& options, const Report& report,
+                const std::vector<Module>& modules, const Findings& findings, OutputStream& output)
+{
+    int status = exitStatus(findings.counts());
+    if (options.form == DoctorForm::json) {
+        output.write(jsonText(reportDocument(report, modules, findings.kept())));
+    } else if (options.form == DoctorForm::check) {
+        const CheckResult result = checkResult(report, findings.kept());
+        output.write(result.line);
+        status = result.status;
+    } else if (options.form == DoctorForm::text && !options.isQuiet) {
+        output.write(report.end == StopReason::none ? summary(findings.counts())
+                                                    : "Not everything was examined.\n");
+    }
+    output.flush();
+    return status;
+}
+
+int writeMetrics(const DoctorOptions& options, const Report& report, const Findings& findings,
+                 OutputStream& output)
+{
+    const std::string text = metricsText(report, findings.kept(), std::time(nullptr));
+    if (options.outputFile) {
+        replaceFile(*options.outputFile, text);
+        return 0;
+    }
+    output.write(text);
+    output.flush();
+    return 0;
+}
+
+int diagnose(const Options& options, const DoctorOptions& own, OutputStream& output)
+{
+    const std::vector<Module> modules = makeModules({});
+    const auto stop = std::make_shared<StopRequest>(); // a thread whose tool hangs may outlive us
+    Progress progress(options.trace);
+    Findings findings(own.filter, own.form == DoctorForm::text ? &output : nullptr);
+    const ExaminationOrder order{givenPaths(options), own, options.trace,
+                                 [&](const std::string& text) { progress.show(text); }};
+    Interrupt interrupt(
+        *stop, [&] { progress.line().close(); }, limitOf(own));
+    const Report report = examine(order, modules, stop, [&](const Finding& finding) {
+        progress.line().erase();
+        findings.take(finding);
+    });
+    progress.line().erase();
+    if (own.form == DoctorForm::metrics) {
+        interrupt.finish(); // an interrupted run replaces no metrics
+        return writeMetrics(own, report, findings, output);
+    }
+    const int status = writeResult(own, report, modules, findings, output);
+    interrupt.finish();
+    return status;
+}
+
+/// A plugin says on its line, and by its status, that it does not know.
+int check(const Options& options, OutputStream& output)
+{
+    try {
+        return diagnose(options, doctorOptions(options), output);
+    } catch (const std::exception& error) {
+        const CheckResult result = unknownResult(error.what());
+        output.write(result.line);
+        output.flush();
+        return result.status;
+    }
 }
 
 int run(const Options& options, OutputStream& output)
 {
-    const bool isJson = options.form == Form::json;
-    const std::vector<Module> modules = makeModules({});
-    Report report{modules, {}, {}, {}, {}, {}};
-    std::optional<TraceRecorder> trace;
-    if (isJson)
-        trace.emplace(openTraceSink(options.trace));
-    const CZeTraceLogHandle log = trace ? trace->openLog() : openTraceLog(options.trace);
-    Findings findings(isJson ? nullptr : &output);
-    StopRequest stop;
-    Interrupt interrupt(stop, [] {});
-    Doctor doctor(
-        options, log, stop, modules, [&](const Finding& finding) { findings.take(finding); },
-        isJson ? &report : nullptr);
-    try {
-        runInThread([&] { doctor.runChecks(); }); // Interrupt requires this
-    } catch (const Interrupted&) {
-        // The signal thread exits the process.
-    }
-    interrupt.finish();
-    if (isJson) {
-        report.maps = kernelMaps(SystemPaths().sysfsBlock);
-        report.findings = findings.documents();
-        report.trace = trace->lines();
-        output.write(jsonText(reportDocument(report)));
-    } else {
-        output.write(summary(findings.counts()));
-    }
+    if (options.isGiven("--check"))
+        return check(options, output);
+    const DoctorOptions own = doctorOptions(options);
+    if (own.form != DoctorForm::codes)
+        return diagnose(options, own, output);
+    output.write(codeList());
     output.flush();
-    return exitStatus(findings.counts());
+    return 0;
 }
 
 } // namespace
 
 Subcommand doctorSubcommand()
 {
-    return {"doctor", "Tell what is wrong on this machine, and what to do",
-            footer,   Arguments::optionalPaths,
-            {},       Form::text,
-            nullptr,  run};
+    return {
+        "doctor",
+        "Tell what is wrong on this machine, and what to do",
+        std::string(footer) + "\n\nCodes of findings:\n" + codeHelp(),
+        Arguments::optionalPaths,
+        doctorOwnOptions(),
+        Form::text,
+        nullptr,
+        run,
+        {{"doctor --quiet --expect-paths 4", "what is wrong, and disks with fewer than 4 paths"},
+         {"doctor -J /dev/sdc >case.json", "what to send with a question about a disk"}}};
 }
 
 } // namespace command

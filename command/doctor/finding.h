@@ -4,18 +4,19 @@
 #include <functional>
 #include <string>
 
+#include "doctor/finding_codes.h"
+
 namespace command {
 
 /// One thing that a check found.
 struct Finding {
-    /// note: good to know. warning: an answer may be wrong. error: it is wrong, or none is given.
-    enum class State { ok, note, warning, error };
+    Code code;
+    std::string device;      // or a tool, a driver, a node of the volume manager
+    std::string text;        // what was found, as a sentence about the device
+    std::string advice = {}; // what to do, in words; empty when nothing need be done
+    std::string remedy = {}; // a command that does it, for a shell; empty when there is none
 
-    State state;
-    std::string subject;      // a device, a tool or a driver
-    std::string text;         // what was found
-    std::string remedy = {};  // what to do; empty when nothing need be done
-    std::string command = {}; // follows the text, as it was run; empty when there is none
+    Severity severity() const { return factsOf(code).severity; }
 };
 
 /// Takes the findings as they come.

@@ -9,17 +9,16 @@
 
 namespace command {
 
-/// "ok", "note", "warning" or "error".
-const char* stateName(Finding::State state);
-
 /// The finding for people, with its line ends.
 std::string findingText(const Finding& finding);
 
-/// state, subject, text, and the remedy as advice, which is null when there is none.
+/// code, severity, device, text, advice and remedy, which are null when there is none.
 Document findingDocument(const Finding& finding);
 
-/// How many findings there are of each state.
-using FindingCounts = std::map<Finding::State, std::size_t>;
+/// How many findings there are of each severity.
+using FindingCounts = std::map<Severity, std::size_t>;
+
+std::size_t countOf(const FindingCounts& counts, Severity severity);
 
 /// The last line for people: "Nothing is wrong." or "1 error, 2 warnings".
 std::string summary(const FindingCounts& counts);

@@ -4,9 +4,11 @@ namespace command {
 
 void Findings::take(const Finding& finding)
 {
-    ++m_counts[finding.state];
+    if (!m_filter.passes(finding.code))
+        return;
+    ++m_counts[finding.severity()];
     if (m_output == nullptr) {
-        m_documents.push_back(findingDocument(finding));
+        m_kept.push_back(finding);
         return;
     }
     m_output->write(findingText(finding));

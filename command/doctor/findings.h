@@ -1,30 +1,33 @@
 #ifndef DOCTOR_FINDINGS_H
 #define DOCTOR_FINDINGS_H
 
+#include <vector>
+
 #include "doctor/finding.h"
+#include "doctor/finding_filter.h"
 #include "doctor/finding_output.h"
-#include "output/document.h"
 #include "output/output_stream.h"
 
 namespace command {
 
-/// Counts findings. Writes each at once as text, or keeps all for JSON.
+/// Counts the findings that pass a filter. Writes each at once as text, or keeps all.
 class Findings {
 public:
-    /// `output` is null for JSON.
-    explicit Findings(OutputStream* output) : m_output(output) {}
+    /// `output` is null when the findings are kept.
+    Findings(FindingFilter filter, OutputStream* output) : m_filter(filter), m_output(output) {}
 
     void take(const Finding& finding);
 
     const FindingCounts& counts() const { return m_counts; }
 
-    /// All of them for JSON, in order.
-    const Document::List& documents() const { return m_documents; }
+    /// All of them, in order.
+    const std::vector<Finding>& kept() const { return m_kept; }
 
 private:
+    FindingFilter m_filter;
     OutputStream* m_output;
     FindingCounts m_counts;
-    Document::List m_documents;
+    std::vector<Finding> m_kept;
 };
 
 } // namespace command

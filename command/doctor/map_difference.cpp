@@ -1,19 +1,21 @@
 #include "doctor/map_difference.h"
 
+#include <string>
+
+#include "text/shell_word.h"
+
 namespace command {
 
 namespace {
 
-using State = Finding::State;
-
 /// What the kernel, or the library, takes a map for.
 enum Kind { disk, partition, other };
 
-Kind kindOf(const KernelMap& map)
+Kind kindOf(const BlockDevice& map)
 {
-    if (map.isMultipathDisk())
+    if (map.kind() == DeviceKind::multipath)
         return disk;
-    return map.isMultipathPartition() ? partition : other;
+    return map.kind() == DeviceKind::multipathPartition ? partition : other;
 }
 
 Kind kindOf(const DeviceReading& reading)
@@ -24,37 +26,50 @@ Kind kindOf(const DeviceReading& reading)
 }
 
 struct Difference {
-    State state = State::ok;
+    Code code = Code::falseClaim;
     const char* text = nullptr; // null when kernel and library agree
-    const char* remedy = nullptr;
+    const char* advice = nullptr;
 };
 
+constexpr char askAboutDisk[] = "Ask about the disk. Partitions are known by a 'p' and one digit.";
+
 constexpr Difference falseClaim{
-    State::note, "the library takes it for a multipath device, which it is not to the kernel",
+    Code::falseClaim, "the library takes it for a multipath device, which it is not to the kernel",
     "Do not hand it to hosts that expect disks. A name with a '-' would be left unclaimed."};
 
 // The first index is what the kernel takes the map for, the second what the library does.
 constexpr Difference differences[3][3] = {
     {{},
-     {State::warning, "a multipath disk, but the library takes it for a partition",
-      "Give it an alias that does not end in 'p' and a digit."},
-     {State::warning, "a multipath disk, but no driver claims its name",
+     {Code::diskAsPartition, "a multipath disk, but the library takes it for a partition",
+      "Give it an alias in multipath.conf that does not end in 'p' and a digit."},
+     {Code::diskUnclaimed, "a multipath disk, but no driver claims its name",
       "Give it an alias without '-' in multipath.conf."}},
-    {{State::warning, "a partition of a multipath disk, but the library takes it for a disk",
-      "Ask about the disk. Partitions are known by a 'p' and one digit: kpartx -a -p p"},
+    {{Code::partitionAsDisk, "a partition of a multipath disk, but the library takes it for a disk",
+      askAboutDisk},
      {},
-     {State::note, "a partition of a multipath disk, but no driver claims its name",
-      "Ask about the disk. Partitions are known by a 'p' and one digit: kpartx -a -p p"}},
+     {Code::partitionUnclaimed, "a partition of a multipath disk, but no driver claims its name",
+      askAboutDisk}},
     {falseClaim, falseClaim, {}}};
+
+/// The command that names the disk's partitions as the library knows them. Empty for partition 10
+/// and above, whose names the library does not know in any form.
+std::string renameCommand(const BlockDevice& map, const BlockDevice* disk)
+{
+    if (kindOf(map) != partition || map.partnum().value_or(0) > 9 || disk == nullptr)
+        return {};
+    return "kpartx -a -p p " + shellWord(disk->path());
+}
 
 } // namespace
 
-std::optional<Finding> mapDifference(const KernelMap& map, const DeviceReading& reading)
+std::optional<Finding> mapDifference(const BlockDevice& map, const DeviceReading& reading,
+                                     const BlockDevice* disk)
 {
     const Difference& difference = differences[kindOf(map)][kindOf(reading)];
     if (difference.text == nullptr)
         return std::nullopt;
-    return Finding{difference.state, reading.path, difference.text, difference.remedy};
+    return Finding{difference.code, reading.path, difference.text, difference.advice,
+                   renameCommand(map, disk)};
 }
 
 } // namespace command

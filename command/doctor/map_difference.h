@@ -5,13 +5,14 @@
 
 #include "doctor/device_reading.h"
 #include "doctor/finding.h"
-#include "kernel/kernel_maps.h"
+#include "kernel/block_device.h"
 
 namespace command {
 
-/// What differs between a map of the kernel and the library's reading of its node; nothing when
-/// they agree.
-std::optional<Finding> mapDifference(const KernelMap& map, const DeviceReading& reading);
+/// How the kernel's map and the library's reading of its path differ; nothing when they agree.
+/// `disk` holds the map when it is a partition; null when there is none.
+std::optional<Finding> mapDifference(const BlockDevice& map, const DeviceReading& reading,
+                                     const BlockDevice* disk);
 
 } // namespace command
 

@@ -3,6 +3,7 @@
 #include <ctime>
 #include <string>
 
+#include "doctor/finding_output.h"
 #include "doctor/versions.h"
 
 namespace command {
@@ -25,9 +26,22 @@ Document moduleDocument(const Module& module)
                             {"prefixes", Document::list(module.claims->getDeviceClaimStrings())}};
 }
 
-Document mapDocument(const KernelMap& map)
+Document mapDocument(const std::pair<std::string, std::string>& map)
 {
-    return Document::Record{{"name", map.name}, {"uuid", map.uuid}};
+    return Document::Record{{"name", map.first}, {"uuid", map.second}};
+}
+
+Document pathDocument(const DiskPath& path)
+{
+    return Document::Record{
+        {"name", path.name}, {"state", pathStateName(path.state)}, {"used", path.isUsed}};
+}
+
+Document diskDocument(const MultipathDisk& disk)
+{
+    return Document::Record{{"device", disk.device},
+                            {"driver", disk.driver},
+                            {"paths", Document::list(disk.paths, pathDocument)}};
 }
 
 Document commandDocument(const AskedCommand& command)
@@ -39,16 +53,19 @@ Document commandDocument(const AskedCommand& command)
 
 } // namespace
 
-Document reportDocument(const Report& report)
+Document reportDocument(const Report& report, const std::vector<Module>& modules,
+                        const std::vector<Finding>& findings)
 {
     return Document::Record{{"schema", 1},
                             {"recorded", now()},
+                            {"interrupted", report.end != StopReason::none},
                             {"versions", versions()},
-                            {"modules", Document::list(report.modules, moduleDocument)},
+                            {"modules", Document::list(modules, moduleDocument)},
                             {"names", Document::list(report.names, explanationRecord)},
                             {"maps", Document::list(report.maps, mapDocument)},
+                            {"disks", Document::list(report.disks, diskDocument)},
                             {"commands", Document::list(report.commands, commandDocument)},
-                            {"findings", report.findings},
+                            {"findings", Document::list(findings, findingDocument)},
                             {"trace", report.trace}};
 }
 

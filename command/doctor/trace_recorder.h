@@ -2,6 +2,7 @@
 #define DOCTOR_TRACE_RECORDER_H
 
 #include <string_view>
+#include <utility>
 
 #include "output/document.h"
 #include "pdk/include/czetracelog.h"
@@ -18,8 +19,8 @@ public:
     /// A log for lines to this recorder, which must outlive it.
     koze_pdk_4_4::CZeTraceLogHandle openLog();
 
-    /// level and text of each line, in order.
-    const Document::List& lines() const { return m_lines; }
+    /// level and text of each line since the last call, in order.
+    Document::List takeLines() { return std::exchange(m_lines, {}); }
 
 private:
     void take(int level, std::string_view text);

@@ -55,7 +55,8 @@ TEST(Terminal, NoNameSteersItThroughAnAnswer)
                                                {"append"},
                                                {"active", "--dry-run"},
                                                {"active", "--dry-run", "-J"},
-                                               {"doctor"}}) {
+                                               {"doctor"},
+                                               {"doctor", "--check"}}) {
         arguments.push_back(name);
         if (arguments.front() == "append")
             arguments.emplace_back("1");

@@ -44,7 +44,8 @@ long comparisonsFor(int devices)
     const std::vector<command::DeviceReading> readings = machine.readings();
     std::size_t findings = 0;
     comparisons = 0;
-    command::checkDevices(machine.paths(), readings, {},
+    const command::Inventory kernel(machine.roots());
+    command::checkDevices(kernel, machine.drivers(), readings, {},
                           [&](const command::Finding&) { ++findings; });
     EXPECT_EQ(findings, 4U);
     return comparisons;

@@ -2,13 +2,14 @@
 
 #include <gmock/gmock.h>
 
-#include "doctor/finding_output.h"
 #include "tests/command/doctor/fake_machine.h"
 
 namespace {
 
+using command::Code;
 using command::DeviceReading;
 using command::Finding;
+using command::Severity;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -20,29 +21,36 @@ using testing::StartsWith;
 
 class DeviceChecks : public testing::Test {
 protected:
-    /// "STATE SUBJECT: TEXT" for each finding.
+    /// "SEVERITY DEVICE: TEXT" for each finding.
     std::vector<std::string> all() const { return all(machine.readings()); }
 
-    std::string remedyFor(const std::string& subject) const
+    /// The only finding about the device, besides one about its name alone.
+    Finding findingFor(const std::string& device) const
     {
-        std::string remedy;
-        command::checkDevices(machine.paths(), machine.readings(), given,
-                              [&](const Finding& finding) {
-                                  if (finding.subject == subject)
-                                      remedy += finding.remedy;
-                              });
-        return remedy;
+        std::vector<Finding> found;
+        const command::Inventory kernel(machine.roots());
+        const auto take = [&](const Finding& finding) {
+            if (finding.device == device && finding.code != Code::ambiguousNames)
+                found.push_back(finding);
+        };
+        command::checkDevices(kernel, machine.drivers(), machine.readings(), given, take);
+        EXPECT_EQ(found.size(), 1U) << device;
+        return found.empty() ? Finding{Code::toolReady, "", ""} : found.front();
     }
+
+    std::string remedyFor(const std::string& device) const { return findingFor(device).remedy; }
 
     std::vector<std::string> all(const std::vector<DeviceReading>& readings) const
     {
         std::vector<std::string> lines;
-        command::checkDevices(machine.paths(), readings, given, [&](const Finding& finding) {
-            lines.push_back(std::string(command::stateName(finding.state)) + ' ' + finding.subject +
-                            ": " + finding.text);
-            const bool mustAct = finding.state != Finding::State::ok;
-            EXPECT_EQ(finding.remedy.empty(), !mustAct) << lines.back();
-        });
+        const command::Inventory kernel(machine.roots());
+        const auto take = [&](const Finding& finding) {
+            lines.push_back(std::string(command::severityName(finding.severity())) + ' ' +
+                            finding.device + ": " + finding.text);
+            const bool mustAct = finding.severity() != Severity::ok;
+            EXPECT_EQ(finding.advice.empty(), !mustAct) << lines.back();
+        };
+        command::checkDevices(kernel, machine.drivers(), readings, given, take);
         return lines;
     }
 
@@ -85,18 +93,18 @@ TEST_F(DeviceChecks, ADriverIsKnownByItsWholeName)
 
 TEST_F(DeviceChecks, ADriverIsNotMissedWhenTheListCannotBeRead)
 {
-    std::filesystem::remove(machine.paths().drivers);
+    std::filesystem::remove(machine.drivers());
     EXPECT_EQ(all()[0], "ok native: perhaps in the kernel, whose list of drivers cannot be read; "
                         "owns 0 of 0 block devices");
 }
 
 TEST_F(DeviceChecks, NoNodeIsCalledLeftOverWhenTheKernelsDevicesCannotBeSeen)
 {
-    machine.addNode("emcpowera");
-    machine.addNode("mapper/mpatha");
-    std::filesystem::remove(machine.paths().sysfsBlock);
+    machine.addLeftOverNode("emcpowera");
+    machine.addLeftOverNode("mapper/mpatha");
+    std::filesystem::remove_all(machine.roots().blockFolder());
     EXPECT_THAT(findings(),
-                ElementsAre("error " + machine.paths().sysfsBlock.string() +
+                ElementsAre("error " + machine.roots().blockFolder() +
                             ": cannot be read (No such file or directory): which devices there "
                             "are is not known, and no name was examined"));
 }
@@ -123,8 +131,8 @@ TEST_F(DeviceChecks, ANodeIsMissing)
 
 TEST_F(DeviceChecks, ANodeIsLeftOver)
 {
-    machine.addNode("emcpowera");
-    machine.addNode("mapper/mpatha");
+    machine.addLeftOverNode("emcpowera");
+    machine.addLeftOverNode("mapper/mpatha");
     machine.addMap("mpathb", "LVM-abc");
     EXPECT_THAT(findings(),
                 ElementsAre("warning /dev/emcpowera: a node, but the kernel has no such device",
@@ -146,16 +154,16 @@ TEST_F(DeviceChecks, AFileIsInPlaceOfANode)
                             "error /dev/mapper/mpathb: is no block device",
                             "error /dev/sda: a device of the kernel, but what stands in the "
                             "node's place is no block device"));
-    EXPECT_THAT(remedyFor("/dev/sda"),
-                AllOf(StartsWith("Move that away"), EndsWith(": mknod /dev/sda b MAJOR MINOR")));
-    EXPECT_THAT(remedyFor("/dev/mapper/mpatha"),
-                AllOf(StartsWith("Move that away"), HasSubstr(" made: dmsetup mknodes")));
+    EXPECT_THAT(findingFor("/dev/sda").advice, StartsWith("Move that away"));
+    EXPECT_EQ(remedyFor("/dev/sda"), "mv -n -- /dev/sda /root/ && mknod /dev/sda b 252 0");
+    EXPECT_EQ(remedyFor("/dev/mapper/mpatha"),
+              "mv -n -- /dev/mapper/mpatha /root/ && dmsetup mknodes -- mpatha");
 }
 
 TEST_F(DeviceChecks, ALinkToNowhereIsNoNode)
 {
     machine.addMap("mpatha", "mpath-3600");
-    std::filesystem::create_symlink("../dm-0", machine.paths().dev / "mapper/mpatha");
+    std::filesystem::create_symlink("../nowhere", machine.dev("mapper/mpatha"));
     EXPECT_THAT(findings(), ElementsAre("error /dev/mapper/mpatha: a map of the kernel, but the "
                                         "node is missing"));
 }
@@ -163,13 +171,10 @@ TEST_F(DeviceChecks, ALinkToNowhereIsNoNode)
 TEST_F(DeviceChecks, GivenPathsAreBlockDevices)
 {
     machine.addDeviceWithNode("sda");
-    machine.addNode("nvme0n1");
+    machine.addLeftOverNode("nvme0n1");
     machine.addFile("sdb");
-    given = {"/dev/sda",    "/dev/sdc",
-             "/dev/sdc",    "/dev/nvme0n1",
-             "/dev/sdb",    "/dev/nvme0n2",
-             "/dev/mapper", machine.paths().dev / "sda",
-             "sda",         ""};
+    given = {"/dev/sda",     "/dev/sdc",    "/dev/sdc",         "/dev/nvme0n1", "/dev/sdb",
+             "/dev/nvme0n2", "/dev/mapper", machine.dev("sda"), "sda",          ""};
     EXPECT_THAT(findings(),
                 ElementsAre("warning /dev/sdc: does not exist, or this user cannot see it",
                             "error /dev/sdb: is no block device",
@@ -177,8 +182,8 @@ TEST_F(DeviceChecks, GivenPathsAreBlockDevices)
                             "error /dev/mapper: is no block device",
                             "warning sda: does not exist, or this user cannot see it",
                             "warning : does not exist, or this user cannot see it"));
-    EXPECT_THAT(remedyFor("/dev/sdb"), HasSubstr("reaches no disk"));
-    EXPECT_THAT(remedyFor("/dev/sdc"), HasSubstr("lost it"));
+    EXPECT_THAT(findingFor("/dev/sdb").advice, HasSubstr("reaches no disk"));
+    EXPECT_THAT(findingFor("/dev/sdc").advice, HasSubstr("lost it"));
 }
 
 TEST_F(DeviceChecks, WhatWasSaidOfANodeIsNotSaidAgain)
@@ -196,9 +201,9 @@ TEST_F(DeviceChecks, WhatWasSaidOfANodeIsNotSaidAgain)
 
 TEST_F(DeviceChecks, GivenPathsAreLookedAtWithoutTheKernelsDevices)
 {
-    machine.addNode("sda");
+    machine.addLeftOverNode("sda");
     machine.addFile("sdb");
-    std::filesystem::remove(machine.paths().sysfsBlock);
+    std::filesystem::remove_all(machine.roots().blockFolder());
     given = {"/dev/sda", "/dev/sdb", "/dev/sdc"};
     EXPECT_THAT(findings(),
                 ElementsAre(HasSubstr("cannot be read"), "error /dev/sdb: is no block device",
@@ -209,8 +214,8 @@ TEST_F(DeviceChecks, ADeviceThatVanishesMeanwhileIsNotMissed)
 {
     machine.addDeviceWithNode("sda");
     const std::vector<DeviceReading> before = machine.readings();
-    std::filesystem::remove(machine.paths().dev / "sda");
-    std::filesystem::remove(machine.paths().sysfsBlock / "sda");
+    std::filesystem::remove(machine.dev("sda"));
+    std::filesystem::remove(machine.sysfs("class/block/sda"));
     EXPECT_EQ(all(before).size(), all().size());
 }
 
@@ -230,13 +235,13 @@ TEST_F(DeviceChecks, RemedyNamesTheCommand)
     machine.addDevice("sda");
     machine.addDevice("sdb;x");
     machine.addMap("mpatha", "mpath-3600");
-    machine.addNode("mapper/mpathb");
-    EXPECT_THAT(remedyFor("/dev/sda"),
-                EndsWith("/sys/class/block/sda/dev: mknod /dev/sda b MAJOR MINOR"));
-    EXPECT_THAT(remedyFor("/dev/sdb;x"),
-                EndsWith("'/sys/class/block/sdb;x/dev': mknod '/dev/sdb;x' b MAJOR MINOR"));
-    EXPECT_EQ(remedyFor("/dev/mapper/mpatha"), "Have the node made: dmsetup mknodes");
-    EXPECT_THAT(remedyFor("/dev/mapper/mpathb"), StartsWith("Have it removed: dmsetup mknodes"));
+    machine.addLeftOverNode("mapper/mpathb");
+    machine.addLeftOverNode("emcpowera");
+    EXPECT_EQ(remedyFor("/dev/sda"), "mknod /dev/sda b 252 0");
+    EXPECT_EQ(remedyFor("/dev/sdb;x"), "mknod '/dev/sdb;x' b 252 1");
+    EXPECT_EQ(remedyFor("/dev/mapper/mpatha"), "dmsetup mknodes -- mpatha");
+    EXPECT_EQ(remedyFor("/dev/mapper/mpathb"), "dmsetup mknodes -- mpathb");
+    EXPECT_EQ(remedyFor("/dev/emcpowera"), "rm /dev/emcpowera");
 }
 
 TEST_F(DeviceChecks, ADiskIsTakenForSomethingElse)
@@ -269,6 +274,45 @@ TEST_F(DeviceChecks, SomethingElseIsTakenForADisk)
     EXPECT_THAT(findings(),
                 ElementsAre(StartsWith("note /dev/mapper/luks: the library takes it for a "),
                             StartsWith("note /dev/mapper/luksp1: the library takes it for a ")));
+}
+
+TEST_F(DeviceChecks, APartitionIsRenamedThroughItsDisk)
+{
+    machine.addMapWithNode("disk one", "mpath-1");
+    machine.addMapWithNode("disk one1", "part1-mpath-1", {"dm-0"});
+    EXPECT_EQ(remedyFor("/dev/mapper/disk one1"), "kpartx -a -p p '/dev/mapper/disk one'");
+}
+
+TEST_F(DeviceChecks, NothingIsTypedForAPartitionThatNoNameHelps)
+{
+    machine.addMapWithNode("mpatha", "mpath-1");
+    machine.addMapWithNode("mpathap12", "part12-mpath-1", {"dm-0"});
+    const Finding finding = findingFor("/dev/mapper/mpathap12");
+    EXPECT_EQ(finding.code, Code::partitionAsDisk);
+    EXPECT_EQ(finding.remedy, "");
+    EXPECT_THAT(finding.advice, StartsWith("Ask about the disk."));
+}
+
+TEST_F(DeviceChecks, APartitionWhoseDiskIsGoneHasNothingToType)
+{
+    machine.addMapWithNode("mpathb1", "part1-mpath-2");
+    EXPECT_EQ(remedyFor("/dev/mapper/mpathb1"), "");
+}
+
+TEST_F(DeviceChecks, WhatWasNotAskedAboutIsNotComplainedAbout)
+{
+    machine.addDevice("sda");
+    machine.addDeviceWithNode("sdb");
+    machine.addLeftOverNode("emcpowera");
+    machine.addMap("mpatha", "mpath-1");
+    machine.addMapWithNode("mpathb", "mpath-2");
+    given = {"/dev/sdb"};
+    EXPECT_THAT(all(), ElementsAre(StartsWith("ok native: "), StartsWith("ok powerpath: "),
+                                   StartsWith("ok device-mapper: ")));
+    given = {"/dev/mapper/mpathb"};
+    EXPECT_THAT(all().back(), HasSubstr("other tools may read"));
+    given = {"/dev/mapper/mpatha"};
+    EXPECT_THAT(findings(), ElementsAre(StartsWith("error /dev/mapper/mpatha: ")));
 }
 
 TEST_F(DeviceChecks, TwoDriversClaimAName)

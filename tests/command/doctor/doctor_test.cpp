@@ -1,4 +1,6 @@
 // The command as a process, on a made-up machine with the simulated tools.
+#include <map>
+
 #include "fake_machine.h"
 #include "tests/command/namespaced_tools.h"
 
@@ -6,16 +8,17 @@ namespace {
 
 using testing::AllOf;
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-// Mounts the machine's folders over the real ones. Programs also need /dev/null there.
+// Mounts the machine's trees over the real ones. Programs also need /dev/null there.
 constexpr char layOver[] = R"(set -e
 touch "$1/null" && mount --bind /dev/null "$1/null"
-mount --rbind "$1" /dev
-mount --bind "$2" /sys/class/block
 mount --bind "$3" /proc/devices
+mount --rbind "$1" /dev
+mount --rbind "$2" /sys
 shift 3
 exec "$@")";
 
@@ -23,14 +26,13 @@ class Doctor : public NamespacedTools {
 protected:
     std::vector<std::string> doctor(const std::vector<std::string>& arguments) const
     {
-        const command::SystemPaths& paths = machine.paths();
         std::vector<std::string> command{"sh",
                                          "-c",
                                          layOver,
                                          "sh",
-                                         paths.dev,
-                                         paths.sysfsBlock,
-                                         paths.drivers,
+                                         machine.roots().dev,
+                                         machine.roots().sysfs,
+                                         machine.drivers(),
                                          "env",
                                          "--default-signal=INT,TERM,HUP,QUIT,PIPE",
                                          "LD_PRELOAD=" FAKE_NODES,
@@ -65,35 +67,67 @@ TEST_F(Doctor, AHealthyMachine)
         machine.addDeviceWithNode(name);
     const Result ended = run();
     EXPECT_EQ(ended.errors, "");
-    EXPECT_EQ(ended.output, "ok       /usr/sbin/kodmpadm: can be run\n"
-                            "ok       /usr/sbin/kodisk: can be run\n"
-                            "ok       /dev/sdb: node arr0_17, active path /dev/sdb\n"
-                            "ok       /dev/sdc: node arr0_17, active path /dev/sdb\n"
-                            "ok       native: in the kernel; owns 3 of 4 block devices\n"
-                            "ok       powerpath: not in the kernel; owns 0 of 4 block devices\n"
-                            "ok       device-mapper: not in the kernel; owns 0 of 4 block devices\n"
-                            "Nothing is wrong.\n");
+    EXPECT_EQ(ended.output,
+              "ok       tool-ready /usr/sbin/kodmpadm: can be run\n"
+              "ok       tool-ready /usr/sbin/kodisk: can be run\n"
+              "ok       active-path /dev/sdb: node arr0_17, active path /dev/sdb\n"
+              "ok       active-path /dev/sdc: node arr0_17, active path /dev/sdb\n"
+              "ok       paths-usable arr0_17: 2 paths, sdb carries the I/O\n"
+              "ok       driver-devices native: in the kernel; owns 3 of 4 block devices\n"
+              "ok       driver-devices powerpath: not in the kernel; owns 0 of 4 block devices\n"
+              "ok       driver-devices device-mapper: not in the kernel; owns 0 of 4 block\n"
+              "         devices\n"
+              "Nothing is wrong.\n");
     EXPECT_EQ(ended.status, 0);
     EXPECT_THAT(log(), Not(Contains(HasSubstr("scandisks"))));
 }
 
 TEST_F(Doctor, WarningsHaveAStatusOfTheirOwn)
 {
-    machine.addDeviceWithNode("sdx");
+    machine.addDeviceWithNode("sdb");
+    machine.addDeviceWithNode("sdc");
+    useScenario("failed-over");
     const Result ended = run();
     EXPECT_EQ(ended.status, 64);
-    EXPECT_THAT(ended.output, HasSubstr("\nwarning  /dev/sdx: status 1, 'kodmpadm: ERROR disk "));
+    EXPECT_THAT(ended.output, HasSubstr("\nwarning  one-path-left arr0_17: sdb failed; 1 of 2 "
+                                        "paths is left\n"));
     EXPECT_THAT(ended.output, testing::EndsWith("\n1 warning\n"));
 }
 
 TEST_F(Doctor, ErrorsHaveAStatusOfTheirOwn)
 {
-    machine.addDeviceWithNode("sdx");
+    machine.addDeviceWithNode("sdb");
+    machine.addDeviceWithNode("sdc");
     machine.addDevice("emcpowera");
+    useScenario("failed-over");
     const Result ended = run();
     EXPECT_EQ(ended.status, 32);
     EXPECT_THAT(ended.output, testing::EndsWith("\n1 error, 1 warning\n"));
     EXPECT_EQ(run({"-J"}).status, 32);
+}
+
+TEST_F(Doctor, ALocalDiskBesideTheVolumeManagersIsANote)
+{
+    machine.addDeviceWithNode("sda");
+    machine.addDeviceWithNode("sdb");
+    const Result ended = run();
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.output, HasSubstr("\nnote     disk-not-held /dev/sda: the volume manager "));
+    EXPECT_EQ(run({"/dev/sda"}).status, 0); // sdb bears witness that the tools work
+    EXPECT_EQ(log().size(), 3U + 3U);
+}
+
+TEST_F(Doctor, AToolThatKnowsNoDiskIsAnError)
+{
+    machine.addDeviceWithNode("sdb");
+    machine.addDeviceWithNode("sdc");
+    useScenario("failing-tool");
+    const Result ended = run();
+    EXPECT_EQ(ended.status, 32);
+    EXPECT_THAT(ended.output, HasSubstr("\nerror    tool-failed /usr/sbin/kodmpadm getdmpnode: "
+                                        "status 3, 'ERROR the volume\n"));
+    EXPECT_THAT(ended.output, HasSubstr("it kept 2 disks from being examined"));
+    EXPECT_EQ(run({"/dev/sdb"}).status, 32);
 }
 
 TEST_F(Doctor, AsksAboutTheGivenPathsOnly)
@@ -103,11 +137,36 @@ TEST_F(Doctor, AsksAboutTheGivenPathsOnly)
     machine.addMapWithNode("mpatha", "mpath-1");
     const Result ended = run({"/dev/mapper/mpatha", "-"}, "/dev/sdc\n");
     EXPECT_THAT(splitLines(ended.output),
-                AllOf(Contains("ok       /dev/sdc: node arr0_17, active path /dev/sdb"),
+                AllOf(Contains("ok       active-path /dev/sdc: node arr0_17, active path /dev/sdb"),
                       Not(Contains(HasSubstr("/dev/sdb: "))),
-                      Contains("note     /dev/mapper/mpatha: no native path: the volume manager "
-                               "is not asked")));
+                      Contains(StartsWith("note     not-asked /dev/mapper/mpatha: no native "))));
+    EXPECT_EQ(log().size(), 2U);
+}
+
+TEST_F(Doctor, APartitionIsAskedAboutThroughItsDisk)
+{
+    for (const char* name : {"sdb", "sdb1", "sdb2"})
+        machine.addDeviceWithNode(name);
+    const Result ended = run({"/dev/sdb1", "/dev/sdb2", "/dev/sdb"});
+    EXPECT_THAT(splitLines(ended.output),
+                Contains("ok       active-path /dev/sdb: node arr0_17, active path /dev/sdb"));
     EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(log().size(), 2U);
+}
+
+TEST_F(Doctor, WithoutANativePathTheToolsAreNotLookedAt)
+{
+    machine.addMapWithNode("mpatha", "mpath-1", {});
+    std::filesystem::remove(machine.dev("mapper/mpatha"));
+    useScenario("failing-tool");
+    const Result ended = run({"--quiet", "/dev/mapper/mpatha"});
+    EXPECT_THAT(splitLines(ended.output),
+                ElementsAre("error    no-path /dev/mapper/mpatha: it has no path",
+                            StartsWith("         To do: "), StartsWith("         Type: "),
+                            StartsWith("error    node-missing /dev/mapper/mpatha: "),
+                            "         missing", StartsWith("         To do: "),
+                            "         Type: dmsetup mknodes -- mpatha"));
+    EXPECT_TRUE(log().empty());
 }
 
 TEST_F(Doctor, ANameThatIsTooLongForAToolDoesNotKeepItFromTheOthers)
@@ -115,7 +174,7 @@ TEST_F(Doctor, ANameThatIsTooLongForAToolDoesNotKeepItFromTheOthers)
     machine.addDeviceWithNode("sdb");
     const Result ended = run({"-"}, "/dev/sd" + std::string(200'000, 'x') + "\n/dev/sdb\n");
     EXPECT_THAT(splitLines(ended.output),
-                Contains("ok       /dev/sdb: node arr0_17, active path /dev/sdb"));
+                Contains("ok       active-path /dev/sdb: node arr0_17, active path /dev/sdb"));
     EXPECT_THAT(ended.output, HasSubstr("longer than a path can"));
     EXPECT_EQ(ended.status, 32);
 }
@@ -129,7 +188,7 @@ TEST_F(Doctor, TextKeepsNeitherTraceNorExplanations)
         const std::string script = "cd \"$0\" && mkdir -p " + names + " && cd \"$1\" && touch " +
                                    names + " && chmod 1600 " + names;
         const Result made =
-            Process({"bash", "-c", script, machine.paths().sysfsBlock, machine.paths().dev})
+            Process({"bash", "-c", script, machine.roots().blockFolder(), machine.roots().dev})
                 .finish();
         EXPECT_EQ(made.status, 0) << made.errors;
         const Result ended = run();
@@ -147,9 +206,11 @@ TEST_F(Doctor, AGivenDiskThatIsGoneIsAWarning)
 {
     machine.addDeviceWithNode("sdb");
     const Result ended = run({"/dev/sdc"});
-    EXPECT_THAT(splitLines(ended.output),
-                AllOf(Contains("ok       /dev/sdc: node arr0_17, active path /dev/sdb"),
-                      Contains("warning  /dev/sdc: does not exist, or this user cannot see it")));
+    EXPECT_THAT(
+        splitLines(ended.output),
+        AllOf(Contains("ok       active-path /dev/sdc: node arr0_17, active path /dev/sdb"),
+              Contains(
+                  "warning  device-missing /dev/sdc: does not exist, or this user cannot see it")));
     EXPECT_EQ(ended.status, 64);
     EXPECT_EQ(run({"/dev/nvme0n1"}).status, 64);
     EXPECT_EQ(run({"-"}, "/dev/sdc\n").status, 64);
@@ -161,8 +222,8 @@ TEST_F(Doctor, AFileInTheActivePathsPlaceIsAnError)
     machine.addDeviceWithNode("sdc");
     machine.addFile("sdb");
     const Result ended = run();
-    EXPECT_THAT(ended.output, HasSubstr("\nerror    /dev/sdc: node arr0_17, active path /dev/sdb, "
-                                        "which is no block"));
+    EXPECT_THAT(ended.output,
+                HasSubstr("\nerror    active-path-no-device /dev/sdc: node arr0_17, "));
     EXPECT_EQ(ended.status, 32);
 }
 
@@ -184,10 +245,20 @@ TEST_F(Doctor, JsonHoldsWhatASupportEngineerNeeds)
               Json({{{"module", "native"}, {"prefixes", {"/dev/sd"}}},
                     {{"module", "powerpath"}, {"prefixes", {"/dev/emcpower"}}},
                     {{"module", "device-mapper"}, {"prefixes", {"/dev/mapper/"}}}}));
-    EXPECT_EQ(found["findings"][2], Json({{"state", "ok"},
-                                          {"subject", "/dev/sdb"},
+    EXPECT_EQ(found["interrupted"], false);
+    EXPECT_EQ(found["findings"][2], Json({{"code", "active-path"},
+                                          {"severity", "ok"},
+                                          {"device", "/dev/sdb"},
                                           {"text", "node arr0_17, active path /dev/sdb"},
-                                          {"advice", nullptr}}));
+                                          {"advice", nullptr},
+                                          {"remedy", nullptr}}));
+    ASSERT_EQ(found["disks"].size(), 2U);
+    EXPECT_EQ(found["disks"][0],
+              Json({{"device", "arr0_17"},
+                    {"driver", "kodmp"},
+                    {"paths",
+                     {{{"name", "sdb"}, {"state", "active"}, {"used", true}},
+                      {{"name", "sdc"}, {"state", "standby"}, {"used", false}}}}}));
     EXPECT_THAT(found["recorded"].get<std::string>(),
                 testing::MatchesRegex("20[0-9-]+T[0-9]{2}:[0-9]{2}:[0-9]{2}[+-][0-9]{4}"));
     EXPECT_EQ(found["maps"], Json({{{"name", "mpatha"}, {"uuid", "mpath-1"}}}));
@@ -199,16 +270,24 @@ TEST_F(Doctor, JsonHoldsWhatASupportEngineerNeeds)
     EXPECT_EQ(found["commands"][0]["output"], Json(splitLines(healthyNode)));
 }
 
-TEST_F(Doctor, JsonHoldsTheTraceOfNamesAndTools)
+TEST_F(Doctor, JsonHoldsTheTraceOfTheToolsRuns)
 {
     machine.addDeviceWithNode("sdb");
-    const Json found = report();
-    std::vector<std::string> lines;
-    for (const Json& line : found["trace"])
-        lines.push_back(line["level"].dump() + ' ' + line["text"].get<std::string>());
-    EXPECT_THAT(lines, Contains(StartsWith("6 Entering Function getClaimModule")));
-    EXPECT_THAT(lines, Contains(StartsWith("6 Entering Function isCommandAvailable")));
-    EXPECT_THAT(lines, Contains(StartsWith("6 Command [/usr/sbin/kodmpadm   getdmpnode ")));
+    const auto traceOf = [this](const std::vector<std::string>& arguments) {
+        std::vector<std::string> lines;
+        const Json document = Json::parse(run(arguments).output);
+        for (const Json& line : document["trace"])
+            lines.push_back(line["level"].dump() + ' ' + line["text"].get<std::string>());
+        return lines;
+    };
+    const std::vector<std::string> tools = traceOf({"-J"});
+    EXPECT_THAT(tools, Contains(StartsWith("6 Entering Function isCommandAvailable")));
+    EXPECT_THAT(tools, Contains(StartsWith("6 Command [/usr/sbin/kodmpadm   getdmpnode ")));
+    EXPECT_THAT(tools, Not(Contains(HasSubstr("getClaimModule"))));
+    const std::vector<std::string> all =
+        traceOf({"-J", "--trace-file", (folder() / "trace").string()});
+    EXPECT_THAT(all, Contains(StartsWith("6 Entering Function getClaimModule")));
+    EXPECT_THAT(all, Contains(StartsWith("6 Command [/usr/sbin/kodmpadm   getdmpnode ")));
 }
 
 TEST_F(Doctor, TraceLinesGoWhereTheUserWantsThem)
@@ -231,25 +310,28 @@ TEST_F(Doctor, TheReportCanBeReplayed)
     const Json replayed = report();
     EXPECT_EQ(replayed["findings"], recorded["findings"]);
     EXPECT_EQ(replayed["commands"], recorded["commands"]);
-    EXPECT_THAT(recorded["findings"].dump(), HasSubstr("nodename=sdx"));
+    EXPECT_THAT(recorded["findings"].dump(), HasSubstr("device=sdx"));
 }
 
 TEST_F(Doctor, AnAnswerThatChangesIsReplayedAsItWas)
 {
     machine.addDeviceWithNode("sdb");
     useScenario("fault-signal");
-    const std::vector<std::string> twice{"/dev/sdb", "/dev/sdb"};
-    const Json recorded = report(twice);
+    const std::vector<std::string> both{"/dev/sdb", "/dev/sdc"};
+    machine.addDeviceWithNode("sdc");
+    const Json recorded = report(both);
     write(Json{{"replay", recorded["commands"]}});
-    EXPECT_EQ(report(twice)["findings"], recorded["findings"]);
+    EXPECT_EQ(report(both)["findings"], recorded["findings"]);
     EXPECT_THAT(recorded["findings"].dump(), HasSubstr("signal 11 ended it"));
 }
 
-TEST_F(Doctor, ADiskWithoutAnEnabledPathIsAWarning)
+TEST_F(Doctor, ADiskWithoutAnEnabledPathIsAnError)
 {
     machine.addDeviceWithNode("sdc");
     useScenario("only-primary-left");
-    EXPECT_EQ(run().status, 64);
+    const Result ended = run();
+    EXPECT_EQ(ended.status, 32);
+    EXPECT_THAT(ended.output, HasSubstr("\nerror    no-path arr0_17: no path is left: "));
 }
 
 TEST_F(Doctor, AReportsFileCanBeReplayed)
@@ -261,7 +343,7 @@ TEST_F(Doctor, AReportsFileCanBeReplayed)
     EXPECT_EQ(report()["findings"], Json::parse(recorded.output)["findings"]);
 }
 
-TEST_F(Doctor, AnInterruptEndsTheToolThatHangs)
+TEST_F(Doctor, AnInterruptEndsTheToolThatHangsAndTheReportSaysSo)
 {
     useScenario("hanging-tool");
     machine.addDeviceWithNode("sdb");
@@ -273,9 +355,106 @@ TEST_F(Doctor, AnInterruptEndsTheToolThatHangs)
     const Result ended = process.finish();
     EXPECT_EQ(ended.status, 143);
     EXPECT_EQ(ended.errors, "");
-    EXPECT_EQ(ended.output, "ok       /usr/sbin/kodmpadm: can be run\n"
-                            "ok       /usr/sbin/kodisk: can be run\n");
+    EXPECT_EQ(ended.output, "ok       tool-ready /usr/sbin/kodmpadm: can be run\n"
+                            "ok       tool-ready /usr/sbin/kodisk: can be run\n"
+                            "error    interrupted dmpclaim doctor: a signal came; 1 of 1 disks "
+                            "were not\n"
+                            "         examined: /dev/sdb\n"
+                            "Not everything was examined.\n");
     EXPECT_EQ(log().size(), 1U);
+}
+
+/// The tools of `healthy`, of which the second question for a node hangs.
+Json hangingAtTheSecondDisk(Json state)
+{
+    state["faults"] = Json::array({{{"subcommand", "getdmpnode"}, {"call", 2}, {"hang", true}}});
+    return state;
+}
+
+TEST_F(Doctor, AnInterruptedReportIsCompleteAsFarAsItGot)
+{
+    write(hangingAtTheSecondDisk(scenario("healthy")));
+    machine.addDeviceWithNode("sdb");
+    machine.addDeviceWithNode("sdc");
+    Process process(doctor({"-J"}));
+    while (log().size() < 3 && !process.endsWithin(5))
+        continue;
+    process.signal(SIGINT);
+    const Result ended = process.finish();
+    EXPECT_EQ(ended.status, 130);
+    const Json found = Json::parse(ended.output);
+    EXPECT_EQ(found["interrupted"], true);
+    EXPECT_EQ(found["commands"].size(), 2U);
+    EXPECT_EQ(found["findings"][2]["code"], "active-path");
+    EXPECT_EQ(found["findings"][3]["code"], "interrupted");
+}
+
+TEST_F(Doctor, TheTimeLimitEndsTheToolAndTheRestIsExamined)
+{
+    write(hangingAtTheSecondDisk(scenario("healthy")));
+    machine.addDeviceWithNode("sdb");
+    machine.addDeviceWithNode("sdc");
+    const Result ended = run({"--timeout", "1"});
+    EXPECT_EQ(ended.status, 32);
+    EXPECT_THAT(splitLines(ended.output),
+                AllOf(Contains(StartsWith("ok       active-path /dev/sdb: ")),
+                      Contains(StartsWith("error    time-limit dmpclaim doctor: the time limit of "
+                                          "1 s passed; 1 of 2")),
+                      Contains(StartsWith("ok       paths-usable arr0_17: ")),
+                      Contains("Not everything was examined.")));
+    write(hangingAtTheSecondDisk(scenario("healthy")));
+    const Result check = run({"--check", "--timeout", "1"});
+    EXPECT_EQ(check.status, 3);
+    EXPECT_THAT(check.output, StartsWith("DMPCLAIM UNKNOWN - the time limit of 1 s passed; 1 of 2 "
+                                         "disks were not examined: /dev/sdc | disks=1;;;;"));
+}
+
+TEST_F(Doctor, EachScenarioHasItsCodes)
+{
+    machine.addDeviceWithNode("sdb");
+    machine.addDeviceWithNode("sdc");
+    const std::vector<std::string> limit{"time-limit"};
+    const std::map<std::string, std::vector<std::string>> codes{
+        {"healthy", {}},
+        {"any-order", {"active-path-missing", "active-path-missing", "path-lost"}},
+        {"failed-over", {"one-path-left"}},
+        {"failing-tool", {"tool-failed"}},
+        {"fault-blank-lines", {}},
+        {"fault-crlf", {}},
+        {"fault-cut-short", {"tool-failed"}},
+        {"fault-delay", {}},
+        {"fault-exit-status", {"tool-failed"}},
+        {"fault-flood", {"tool-floods"}},
+        {"fault-hang-after-output", limit},
+        {"fault-late-signal", {"tool-failed"}},
+        {"fault-many-spaces", {}},
+        {"fault-no-header", {"tool-unreadable"}},
+        {"fault-no-rule", {"no-disk-held"}},
+        {"fault-noise", {}},
+        {"fault-note", {"tool-unreadable"}},
+        {"fault-signal", {"tool-failed"}},
+        {"fault-tabs", {}},
+        {"hanging-tool", limit},
+        {"no-active-path", {"path-lost"}},
+        {"no-path-left", {"no-path"}},
+        {"only-primary-left", {"no-path"}},
+        {"replay", {"tool-failed", "tool-failed"}},
+        {"stale-paths", {}},
+        {"stale-repaired-by-refreshing", {"tool-failed"}},
+        {"stale-repaired-by-waiting", {"tool-failed"}},
+        {"unknown-disk", {}}};
+    for (const auto& file : std::filesystem::directory_iterator(scenarios())) {
+        const std::string name = file.path().stem();
+        ASSERT_EQ(codes.count(name), 1U) << name;
+        useScenario(name);
+        std::filesystem::remove(logPath());
+        std::vector<std::string> found;
+        const Result ended = run({"-J", "-q", "--timeout", codes.at(name) == limit ? "1" : "60"});
+        const Json document = Json::parse(ended.output);
+        for (const Json& finding : document["findings"])
+            found.push_back(finding["code"]);
+        EXPECT_EQ(found, codes.at(name)) << name;
+    }
 }
 
 TEST_F(Doctor, EveryInterruptHasItsStatus)

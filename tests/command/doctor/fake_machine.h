@@ -6,26 +6,20 @@
 #include <string>
 #include <vector>
 
-#include "doctor/device_checks.h"
+#include "doctor/device_reading.h"
 #include "kernel/block_devices.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/made_up_machine.h"
 
-/// Folders that look like those of a machine, at first without block devices. Nodes pass for block
-/// devices in programs where fake_nodes.cpp replaces stat(2).
-class FakeMachine {
+/// A made-up machine with a list of drivers, whose devices may lack their nodes.
+class FakeMachine : public MadeUpMachine {
 public:
-    FakeMachine()
-    {
-        std::filesystem::create_directories(m_paths.sysfsBlock);
-        std::filesystem::create_directories(m_paths.dev / "mapper");
-        std::ofstream(m_paths.drivers) << "Character devices:\n  1 mem\n\nBlock devices:\n";
-    }
+    FakeMachine() { std::ofstream(drivers()) << "Character devices:\n  1 mem\n\nBlock devices:\n"; }
 
-    const command::SystemPaths& paths() const { return m_paths; }
+    std::string drivers() const { return sysfs("drivers-of-the-kernel").string(); }
 
-    void addDriver(const std::string& line)
+    void addDriver(const std::string& line) const
     {
-        std::ofstream(m_paths.drivers, std::ios::app) << line << '\n';
+        std::ofstream(drivers(), std::ios::app) << line << '\n';
     }
 
     /// How the library reads the paths of its block devices.
@@ -34,7 +28,7 @@ public:
         CDmpClaimManager manager;
         const auto modules = command::makeModules({});
         std::vector<command::DeviceReading> all;
-        for (const std::string& path : command::blockDevices(m_paths.sysfsBlock, m_paths.dev))
+        for (const std::string& path : command::blockDevices(roots().blockFolder(), roots().dev))
             all.push_back(command::deviceReading(command::explanation(manager, modules, path)));
         return all;
     }
@@ -42,46 +36,41 @@ public:
     /// A device of the kernel without a node.
     void addDevice(const std::string& name)
     {
-        std::filesystem::create_directories(m_paths.sysfsBlock / name);
+        addDeviceWithNode(name);
+        std::filesystem::remove(dev(name));
     }
 
-    void addNode(const std::string& name)
-    {
-        using std::filesystem::perms;
-        addFile(name);
-        permissions(m_paths.dev / name, perms::owner_read | perms::owner_write | perms::sticky_bit);
-    }
+    void addDeviceWithNode(const std::string& name) { addVirtual(name, nextNumber()); }
+
+    /// A node that the kernel does not know.
+    void addLeftOverNode(const std::string& name) { addNode(name, nextNumber()); }
 
     /// A file among the nodes that is none.
-    void addFile(const std::string& name) { std::ofstream(m_paths.dev / name).put('\n'); }
-
-    void addDeviceWithNode(const std::string& name)
+    void addFile(const std::string& name) const
     {
-        addDevice(name);
-        addNode(name);
+        std::filesystem::remove(dev(name));
+        std::ofstream(dev(name)).put('\n');
     }
 
-    /// A map of the device-mapper without a node.
+    void addMapWithNode(const std::string& name, const std::string& uuid,
+                        const std::vector<std::string>& members = {})
+    {
+        const std::string kernelName = "dm-" + std::to_string(m_maps++);
+        MadeUpMachine::addMap(kernelName, nextNumber(), name, uuid, members);
+    }
+
+    /// A map of the device-mapper without a node in /dev/mapper.
     void addMap(const std::string& name, const std::string& uuid)
     {
-        const std::filesystem::path folder =
-            m_paths.sysfsBlock / ("dm-" + std::to_string(m_maps++)) / "dm";
-        std::filesystem::create_directories(folder);
-        std::ofstream(folder / "name") << name << '\n';
-        std::ofstream(folder / "uuid") << uuid << '\n';
-    }
-
-    void addMapWithNode(const std::string& name, const std::string& uuid)
-    {
-        addMap(name, uuid);
-        addNode("mapper/" + name);
+        addMapWithNode(name, uuid);
+        std::filesystem::remove(dev("mapper/" + name));
     }
 
 private:
-    TemporaryFolder m_folder;
-    command::SystemPaths m_paths{m_folder.file("block"), m_folder.file("dev"),
-                                 m_folder.file("devices")};
+    std::string nextNumber() { return "252:" + std::to_string(m_devices++); }
+
     int m_maps = 0;
+    int m_devices = 0;
 };
 
 #endif

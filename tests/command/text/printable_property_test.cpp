@@ -102,7 +102,7 @@ RC_GTEST_PROP(HostileText, IsHarmlessInAFinding, ())
     const std::string text = *hostileText();
     inEachLocale([&] {
         const std::string lines =
-            findingText({Finding::State::error, text, text, text, text + "command"});
+            findingText({command::Code::noPath, text, text, text, text + "command"});
         const auto count = static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
         RC_ASSERT(isHarmlessLines(lines, count));
     });

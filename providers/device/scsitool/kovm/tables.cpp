@@ -8,15 +8,6 @@ using koze_pdk_4_4::CZeStringTool;
 
 namespace kovm {
 
-namespace {
-
-bool contains(const std::string& text, const char* part)
-{
-    return text.find(part) != std::string::npos;
-}
-
-} // namespace
-
 std::string joined(const Lines& lines)
 {
     std::size_t size = 0;
@@ -79,12 +70,12 @@ Row bestPath(const Lines& lines)
     Row firstPrimary;
     RowReader reader(lines);
     for (Row row; reader.next(row);) {
-        if (contains(row.state, "ENABLED(A)"))
+        if (row.isActive())
             return row;
         if (row.isEnabled()) {
             if (firstEnabled.name.empty())
                 firstEnabled = row;
-        } else if (contains(row.type, "PRIMARY") && firstPrimary.name.empty()) {
+        } else if (firstPrimary.name.empty() && row.type.find("PRIMARY") != std::string::npos) {
             firstPrimary = row;
         }
     }

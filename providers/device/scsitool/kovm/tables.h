@@ -45,6 +45,9 @@ struct Row {
 
     /// Whether the path or node can be used.
     bool isEnabled() const { return state.find("ENABLED") != std::string::npos; }
+
+    /// Whether the path carries the I/O.
+    bool isActive() const { return state.find("ENABLED(A)") != std::string::npos; }
 };
 
 /// Reads the rows of a table in order. REQUIRES: the table has no fault.

@@ -1,0 +1,163 @@
+#include "doctor/disk_inquiry.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <utility>
+
+#include "doctor/trace_recorder.h"
+#include "interrupt/start_thread.h"
+
+using koze_pdk_4_4::CZeTraceLogHandle;
+
+namespace command {
+
+namespace {
+
+constexpr std::chrono::milliseconds tick{200};
+
+/// How long workers may take to return after a request to stop. Ending the tools of an interrupt
+/// takes up to two seconds.
+constexpr std::chrono::milliseconds grace{2500};
+
+/// What the workers share with the caller. Each holds a shared_ptr, because a worker may be
+/// detached and outlive the call.
+class Questions {
+public:
+    Questions(const std::vector<std::string>& disks, const InquiryOptions& options,
+              std::shared_ptr<StopRequest> stop)
+        : m_stop(std::move(stop)), m_forReport(options.forReport), m_trace(options.trace)
+    {
+        for (const std::string& disk : disks)
+            m_answers.push_back({disk});
+    }
+
+    void begin()
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_working;
+    }
+
+    void work()
+    {
+        try {
+            TraceRecorder recorder(openTraceSink(m_trace)); // a sink serves one thread
+            const CZeTraceLogHandle log = m_forReport ? recorder.openLog() : openTraceLog(m_trace);
+            while (const std::optional<std::size_t> next = take())
+                answer(*next, log, recorder);
+        } catch (const Interrupted&) {
+            // The disk stays notAsked.
+        } catch (...) {
+            const std::lock_guard lock(m_mutex);
+            m_failure = std::current_exception();
+        }
+        const std::lock_guard lock(m_mutex);
+        --m_working;
+        m_changed.notify_all();
+    }
+
+    /// Waits until the workers have ended, at most for `patience`. Returns whether they have.
+    bool awaitEnd(std::chrono::milliseconds patience)
+    {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, patience, [this] { return m_working == 0; });
+    }
+
+    std::size_t done() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_done;
+    }
+
+    /// The answers so far. Later ones are dropped.
+    std::vector<DiskAnswer> end()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_hasEnded = true;
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+        return std::move(m_answers);
+    }
+
+private:
+    std::optional<std::size_t> take()
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_hasEnded || m_next == m_answers.size())
+            return std::nullopt;
+        return m_next++;
+    }
+
+    void answer(std::size_t number, const CZeTraceLogHandle& log, TraceRecorder& recorder)
+    {
+        std::string disk;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_hasEnded)
+                return;
+            disk = m_answers[number].path;
+        }
+        DiskAnswer answer = askAboutDisk(disk, log, *m_stop, m_forReport);
+        answer.trace = recorder.takeLines();
+        const std::lock_guard lock(m_mutex);
+        if (m_hasEnded)
+            return;
+        if (answer.mustBeLast())
+            m_next = m_answers.size();
+        m_answers[number] = std::move(answer);
+        ++m_done;
+    }
+
+    const std::shared_ptr<StopRequest> m_stop;
+    const bool m_forReport;
+    const TraceOptions m_trace;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<DiskAnswer> m_answers;
+    std::size_t m_next = 0;
+    std::size_t m_done = 0;
+    unsigned int m_working = 0;
+    bool m_hasEnded = false;
+    std::exception_ptr m_failure;
+};
+
+using Threads = std::vector<std::thread>;
+
+Threads startWorkers(const std::shared_ptr<Questions>& questions, std::size_t count)
+{
+    Threads threads;
+    while (threads.size() < count) {
+        questions->begin();
+        threads.push_back(startThread([questions] { questions->work(); }));
+    }
+    return threads;
+}
+
+/// Returns once the workers have ended, or were told to end.
+void awaitAnswers(Questions& questions, const InquiryOptions& options, const StopRequest& stop)
+{
+    while (!stop.isRequested() && !questions.awaitEnd(tick))
+        options.progress(questions.done());
+}
+
+} // namespace
+
+std::vector<DiskAnswer> askAboutDisks(const std::vector<std::string>& disks,
+                                      const InquiryOptions& options,
+                                      const std::shared_ptr<StopRequest>& stop)
+{
+    const auto questions = std::make_shared<Questions>(disks, options, stop);
+    Threads threads = startWorkers(questions, std::min<std::size_t>(options.jobs, disks.size()));
+    awaitAnswers(*questions, options, *stop);
+    const bool haveEnded = questions->awaitEnd(grace);
+    for (std::thread& thread : threads)
+        haveEnded ? thread.join() : thread.detach();
+    return questions->end();
+}
+
+} // namespace command

@@ -1,0 +1,17 @@
+#ifndef DOCTOR_KERNEL_DISKS_H
+#define DOCTOR_KERNEL_DISKS_H
+
+#include <vector>
+
+#include "doctor/multipath_disk.h"
+#include "kernel/inventory.h"
+
+namespace command {
+
+/// The disks that the kernel itself multipaths, with their paths: maps of the device-mapper and
+/// NVMe disks. What only root may ask is not known, such as which path of a map carries the I/O.
+std::vector<MultipathDisk> kernelDisks(const Inventory& inventory);
+
+} // namespace command
+
+#endif

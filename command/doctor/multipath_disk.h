@@ -1,0 +1,43 @@
+#ifndef DOCTOR_MULTIPATH_DISK_H
+#define DOCTOR_MULTIPATH_DISK_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace command {
+
+/// The state of a path, as far as it is known without asking the disk. An unknown state counts as
+/// one that can be used.
+enum class PathState { active, standby, unknown, offline, failed };
+
+inline constexpr PathState allPathStates[] = {PathState::active, PathState::standby,
+                                              PathState::unknown, PathState::offline,
+                                              PathState::failed};
+
+/// "active", "standby", "unknown", "offline" or "failed".
+const char* pathStateName(PathState state);
+
+struct DiskPath {
+    std::string name; // of the kernel, or of the volume manager
+    PathState state;
+    bool isUsed = false; // carries the I/O now
+
+    bool canBeUsed() const { return state < PathState::offline; }
+};
+
+/// A disk with all its paths.
+struct MultipathDisk {
+    std::string device; // its path, or the name of the volume manager's node
+    const char* driver; // "device-mapper", "nvme" or "kodmp"
+    std::vector<DiskPath> paths;
+
+    std::size_t usablePaths() const;
+};
+
+/// Each path that cannot be used and its state: "sdb failed, sdd offline".
+std::string lostPaths(const MultipathDisk& disk);
+
+} // namespace command
+
+#endif

@@ -1,0 +1,74 @@
+#include "doctor/redundancy.h"
+
+#include <algorithm>
+#include <string>
+
+#include "kovm/command_lines.h"
+#include "text/shell_word.h"
+
+namespace command {
+
+namespace {
+
+std::string counted(std::size_t count)
+{
+    return std::to_string(count) + (count == 1 ? " path" : " paths");
+}
+
+/// A command that shows the paths of the disk.
+std::string showPaths(const MultipathDisk& disk)
+{
+    const std::string driver = disk.driver;
+    if (driver == "kodmp")
+        return shellCommand(kovm::pathQuery(disk.device));
+    return (driver == "nvme" ? "nvme list-subsys " : "multipath -ll ") + shellWord(disk.device);
+}
+
+constexpr char checkCables[] = "Check the cables, the switches and the array.";
+
+std::string leftOf(const MultipathDisk& disk)
+{
+    return std::to_string(disk.usablePaths()) + " of " + counted(disk.paths.size());
+}
+
+/// "2 paths, sdb carries the I/O"
+std::string usableText(const MultipathDisk& disk)
+{
+    std::string text = counted(disk.paths.size());
+    const auto used = std::find_if(disk.paths.begin(), disk.paths.end(),
+                                   [](const DiskPath& path) { return path.isUsed; });
+    return used == disk.paths.end() ? text : text + ", " + used->name + " carries the I/O";
+}
+
+Finding stateOf(const MultipathDisk& disk)
+{
+    const std::size_t usable = disk.usablePaths();
+    const std::string lost = lostPaths(disk);
+    if (usable == disk.paths.size() && usable > 0)
+        return {Code::pathsUsable, disk.device, usableText(disk)};
+    if (usable == 0)
+        return {Code::noPath, disk.device,
+                lost.empty() ? "it has no path" : "no path is left: " + lost, checkCables,
+                showPaths(disk)};
+    if (usable == 1)
+        return {Code::onePathLeft, disk.device, lost + "; " + leftOf(disk) + " is left",
+                checkCables, showPaths(disk)};
+    return {Code::pathLost, disk.device, lost + "; " + leftOf(disk) + " are left", checkCables,
+            showPaths(disk)};
+}
+
+} // namespace
+
+void checkRedundancy(const MultipathDisk& disk, std::size_t expectedPaths,
+                     const FindingReceiver& report)
+{
+    report(stateOf(disk));
+    if (disk.paths.size() < expectedPaths)
+        report({Code::fewerPaths, disk.device,
+                "has " + counted(disk.paths.size()) + ", but " + std::to_string(expectedPaths) +
+                    " are expected: " +
+                    (expectedPaths - disk.paths.size() == 1 ? "one is gone" : "some are gone"),
+                checkCables, showPaths(disk)});
+}
+
+} // namespace command
