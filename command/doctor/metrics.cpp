@@ -77,6 +77,9 @@ void addTotals(const Report& report, Metrics& metrics)
 
 void addDisks(const Report& report, Metrics& metrics)
 {
+    metrics.begin("disk_paths", "Paths of a disk.");
+    for (const MultipathDisk& disk : report.disks)
+        metrics.add({{"device", disk.device}, {"driver", disk.driver}}, disk.paths.size());
     metrics.begin("disk_usable_paths", "Paths of a disk that can be used.");
     for (const MultipathDisk& disk : report.disks)
         metrics.add({{"device", disk.device}, {"driver", disk.driver}}, disk.usablePaths());

@@ -56,7 +56,8 @@ TEST(Metrics, TellThePathsOfEachDisk)
 {
     const std::string text = metricsOf(twoDisks());
     for (const char* line :
-         {"\ndmpclaim_disk_usable_paths{device=\"/dev/mapper/mpatha\",driver=\"device-mapper\"} "
+         {"\ndmpclaim_disk_paths{device=\"/dev/mapper/mpatha\",driver=\"device-mapper\"} 2\n",
+          "\ndmpclaim_disk_usable_paths{device=\"/dev/mapper/mpatha\",driver=\"device-mapper\"} "
           "1\n",
           "\ndmpclaim_disk_lost_paths{device=\"/dev/mapper/mpatha\",driver=\"device-mapper\"} 1\n",
           "\ndmpclaim_disk_lost_paths{device=\"arr0_17\",driver=\"kodmp\"} 0\n",
