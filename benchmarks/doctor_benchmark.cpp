@@ -4,6 +4,7 @@
 
 #include "doctor/device_checks.h"
 #include "tests/command/doctor/fake_machine.h"
+#include "tests/support/disk_letters.h"
 
 namespace {
 
@@ -13,19 +14,10 @@ public:
     explicit Machine(int disks)
     {
         for (int number = 0; number < disks; ++number) {
-            addDeviceWithNode("sd" + letters(number));
+            addDeviceWithNode("sd" + diskLetters(number));
             if (number % 4 == 0)
-                addMapWithNode("mpath" + letters(number), "mpath-" + std::to_string(number));
+                addMapWithNode("mpath" + diskLetters(number), "mpath-" + std::to_string(number));
         }
-    }
-
-private:
-    static std::string letters(int number)
-    {
-        std::string text;
-        for (int left = number; left >= 0; left = left / 26 - 1)
-            text.insert(text.begin(), static_cast<char>('a' + left % 26));
-        return text;
     }
 };
 

@@ -6,11 +6,11 @@
 #include "cli/answer_writer.h"
 #include "cli/column_list.h"
 #include "cli/options.h"
-#include "cli/wanted_paths.h"
 #include "doctor/doctor.h"
 #include "library.h"
 #include "list.h"
 #include "names/device_answer.h"
+#include "partitions.h"
 #include "show.h"
 
 namespace command {
@@ -21,25 +21,6 @@ constexpr char bareFooter[] =
     R"(Answers are printed bare, a line each: an empty line when nobody claims.
 On a terminal, unprintable bytes become \xNN. With -o they come as a table.)";
 
-int strip(const Options& options, OutputStream& output)
-{
-    Library library(options.trace);
-    AnswerWriter<DeviceAnswer> writer(options, output, "disks", deviceColumns());
-    const Machine machine;
-    PathSource paths = wantedPaths(options, [&] { output.flush(); });
-    while (const std::optional<std::string> path = paths.next())
-        writer.write(deviceAnswer(library.manager, *path, DeviceLookup(machine)));
-    return writer.finish();
-}
-
-int append(const Options& options, OutputStream& output)
-{
-    Library library(options.trace);
-    AnswerWriter<PartitionAnswer> writer(options, output, "partitions", partitionColumns());
-    writer.write(partitionAnswer(library.manager, options.paths.front(), options.partnum));
-    return writer.finish();
-}
-
 int prefixes(const Options& options, OutputStream& output)
 {
     Library library(options.trace);
@@ -48,17 +29,6 @@ int prefixes(const Options& options, OutputStream& output)
     for (const std::string& prefix : library.manager.getDeviceClaimStrings())
         writer.write(prefixAnswer(modules, prefix));
     return writer.finish();
-}
-
-Headings diskHeadings(const Options& /*options*/)
-{
-    return {headingsOf(deviceColumns()), chosenColumns("DISK", {}, headingsOf(nameColumns())),
-            headingsOf(nameColumns())};
-}
-
-Headings partitionHeadings(const Options& /*options*/)
-{
-    return headingsFor(partitionColumns(), "PATH");
 }
 
 Headings prefixHeadings(const Options& /*options*/)
@@ -74,22 +44,8 @@ const std::vector<Subcommand>& subcommands()
         listSubcommand(),
         showSubcommand(),
         explainSubcommand(),
-        {"append",
-         "Print the path of a partition of a disk",
-         bareFooter,
-         Arguments::diskAndNumber,
-         {},
-         Form::bare,
-         partitionHeadings,
-         append},
-        {"strip",
-         "Print the paths of the disks that hold partitions",
-         bareFooter,
-         Arguments::paths,
-         {},
-         Form::bare,
-         diskHeadings,
-         strip},
+        appendSubcommand(),
+        stripSubcommand(),
         activeSubcommand(),
         doctorSubcommand(),
         {"prefixes",

@@ -121,7 +121,7 @@ public:
         Tally tally;
         PathSource paths = wantedPaths(m_options, [&] { m_writer.flush(); });
         while (const std::optional<std::string> path = paths.next()) {
-            const BlockDevice* device = deviceAt(*path);
+            const BlockDevice* device = m_machine.find(*path);
             tally.count(device != nullptr);
             if (device == nullptr)
                 complain("'" + *path + "' is no block device of this machine");
@@ -133,12 +133,6 @@ public:
     }
 
 private:
-    const BlockDevice* deviceAt(const std::string& path) const
-    {
-        const BlockDevice* device = m_machine.resolve(path);
-        return device == nullptr ? m_machine.inventory().at(path) : device;
-    }
-
     void write(const BlockDevice& device)
     {
         if (!m_filter.wantsKind(device))

@@ -15,9 +15,9 @@ namespace command {
 namespace {
 
 constexpr char showFooter[] =
-    R"(The first six columns are told from the name alone; the others, which -o chooses,
-are what the kernel has there. PARTNUM is '-' for a whole disk, and for a
-device-mapper partition, whose number the library does not read back.)";
+    R"(The first six columns are told from the name alone; the others, which -o
+chooses, are what the kernel has there. PARTNUM is '-' for a whole disk, and for
+a device-mapper partition, whose number the library does not read back.)";
 constexpr char explainFooter[] = "-J, --trace and the exit status: see 'dmpclaim --help'.";
 constexpr OwnOption resolveOption{"--resolve", nullptr,
                                   "Ask about the device's own path: PATH may be a link, a\n"

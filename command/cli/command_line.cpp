@@ -74,6 +74,11 @@ void addGlobalOptions(CLI::App& app)
         ->take_last();
 }
 
+void addNull(CLI::App& app)
+{
+    addFlag(app, "-0,--null", "Paths on standard input are NUL-separated");
+}
+
 CLI::Option* addPaths(CLI::App& app)
 {
     CLI::Option* paths = app.add_option("PATH")
@@ -81,7 +86,7 @@ CLI::Option* addPaths(CLI::App& app)
                              ->description(pathHelp)
                              ->expected(1, CLI::detail::expected_max_vector_size)
                              ->allow_extra_args();
-    addFlag(app, "-0,--null", "Paths on standard input are NUL-separated");
+    addNull(app);
     return paths;
 }
 
@@ -97,8 +102,12 @@ void addArguments(CLI::App& app, Arguments arguments)
         addPaths(app);
         break;
     case Arguments::diskAndNumber:
-        app.add_option("DISK")->description("Path of a whole disk")->required();
+        app.add_option("DISK")
+            ->description("Path of a whole disk; '-' reads such paths from standard\n"
+                          "input, as PATH does elsewhere")
+            ->required();
         app.add_option("N")->description("Partition number, 0 to 4294967295")->required();
+        addNull(app);
         break;
     }
 }

@@ -113,8 +113,7 @@ void readColumns(const CLI::App& app, Options& options)
         options.form = Form::raw;
     if (isGiven(app, "--json"))
         options.form = Form::json;
-    const std::vector<Heading>& usual =
-        options.form == Form::json ? headings.json : headings.usual;
+    const std::vector<Heading>& usual = options.form == Form::json ? headings.json : headings.usual;
     options.columns = list ? chosenColumns(*list, usual, headings.all) : usual;
 }
 
@@ -143,6 +142,7 @@ void readArguments(const CLI::App& app, Options& options)
     case Arguments::diskAndNumber:
         options.paths = valuesOf(app.get_option("DISK"));
         options.partnum = parsePartitionNumber(*lastValue(app, "N"));
+        options.nulSeparated = isGiven(app, "--null");
         break;
     }
     for (const OwnOption& option : options.subcommand->options) {

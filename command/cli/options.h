@@ -17,7 +17,7 @@ namespace command {
 /// What the user asks for.
 struct Options {
     const Subcommand* subcommand = nullptr;
-    std::vector<std::string> paths; // of append: the disk; of doctor: none for all disks
+    std::vector<std::string> paths; // of append: the disk or "-"; of doctor: none for all disks
     unsigned int partnum = 0;       // of append
     bool nulSeparated = false;
     std::map<std::string, std::string> own; // the subcommand's own options that are given

@@ -24,4 +24,10 @@ const BlockDevice* Machine::resolve(const std::string& text) const
     return nullptr;
 }
 
+const BlockDevice* Machine::find(const std::string& text) const
+{
+    const BlockDevice* device = resolve(text);
+    return device == nullptr ? inventory().at(text) : device;
+}
+
 } // namespace command

@@ -26,6 +26,9 @@ public:
     ///     text = path | kernel-name | number          /dev/disk/by-id/x, dm-0, 254:0
     const BlockDevice* resolve(const std::string& text) const;
 
+    /// The same, but a device that has no node is also found by the path that its node would have.
+    const BlockDevice* find(const std::string& text) const;
+
 private:
     KernelRoots m_roots;
     mutable std::optional<Inventory> m_inventory;

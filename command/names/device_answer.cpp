@@ -77,7 +77,7 @@ PartitionAnswer partitionAnswer(CDmpClaimManager& manager, const std::string& di
     const std::uint32_t claim = manager.getClaimModule(owner, disk);
     PartitionAnswer answer{{}, disk, partnum, driverOf(owner), claim};
     if (owner != nullptr)
-        answer.path = manager.appendPartitionSuffix(disk, partnum);
+        answer.name = manager.appendPartitionSuffix(disk, partnum);
     return answer;
 }
 
@@ -85,8 +85,8 @@ const Columns<PartitionAnswer>& partitionColumns()
 {
     using Answer = const PartitionAnswer&;
     static const Columns<PartitionAnswer> columns{
-        {{"PATH", Kind::text, "the path of the partition"},
-         [](Answer answer) { return optionalField(answer.path); }},
+        {{"NAME", Kind::text, "the path of the partition"},
+         [](Answer answer) { return optionalField(answer.name); }},
         {{"DISK", Kind::text, "the disk as it was given"},
          [](Answer answer) -> Field { return answer.disk; }},
         {{"PARTNUM", Kind::number, "the number of the partition as it was given"},

@@ -40,7 +40,7 @@ const Columns<DeviceAnswer>& deviceColumns();
 
 /// A partition of a disk.
 struct PartitionAnswer {
-    std::optional<std::string> path; // nothing when nobody claims the disk
+    std::optional<std::string> name; // of the partition; nothing when nobody claims the disk
     std::string disk;
     unsigned int partnum;
     const Driver* owner;

@@ -21,6 +21,14 @@ TEST(Input, ADashReadsLines)
               "/dev/sdx\n/dev/sda\n/dev/sdy\n");
 }
 
+TEST(Input, DisksOfPartitionsMayComeFromIt)
+{
+    EXPECT_EQ(run({"append", "-", "2"}, "/dev/sda\n/dev/mapper/x\n").output,
+              "/dev/sda2\n/dev/mapper/xp2\n");
+    EXPECT_EQ(run({"append", "-0", "-", "2"}, "/dev/sd\na\0/dev/sdb"s).output,
+              "/dev/sd\na2\n/dev/sdb2\n");
+}
+
 TEST(Input, ALastLineWithoutItsEndCounts)
 {
     EXPECT_EQ(disksOf({"-"}, "/dev/sda1\n/dev/sdb2"), "/dev/sda\n/dev/sdb\n");

@@ -16,13 +16,20 @@ constexpr char oneOfEach[] =
     "/dev/mapper/mpathbp2 device-mapper    16 yes       /dev/mapper/mpathb       -\n"
     "/dev/vda1            -                 0 no        -                        -\n";
 
-/// Runs the command and expects it to print `output`, no message, and to end with `status`.
+/// Runs the command and expects it to print `output`, and to end with `status`.
+Result expectAnswer(const std::vector<std::string>& arguments, const std::string& output,
+                    int status)
+{
+    Result result = run(arguments);
+    EXPECT_EQ(result.output, output);
+    EXPECT_EQ(result.status, status);
+    return result;
+}
+
+/// The same, and no message.
 void expect(const std::vector<std::string>& arguments, const std::string& output, int status)
 {
-    const Result result = run(arguments);
-    EXPECT_EQ(result.output, output);
-    EXPECT_EQ(result.errors, "");
-    EXPECT_EQ(result.status, status);
+    EXPECT_EQ(expectAnswer(arguments, output, status).errors, "");
 }
 
 TEST(Show, PrintsARowForEachPath)
@@ -70,41 +77,42 @@ TEST(List, PrintsEveryColumnAsJson)
 
 TEST(Append, PrintsThePathOfThePartition)
 {
-    expect({"append", "/dev/mapper/mpathb", "2"}, "/dev/mapper/mpathbp2\n", 0);
-    expect({"append", "/dev/emcpowerc", "12"}, "/dev/emcpowerc12\n", 0);
-    expect({"append", "/dev/sda", "4294967295"}, "/dev/sda-1\n", 0);
-    expect({"append", "/dev/vda", "2"}, "\n", 32);
+    expectAnswer({"append", "/dev/mapper/mpathb", "2"}, "/dev/mapper/mpathbp2\n", 0);
+    expectAnswer({"append", "/dev/emcpowerc", "12"}, "/dev/emcpowerc12\n", 0);
+    expectAnswer({"append", "/dev/sda", "4294967295"}, "/dev/sda-1\n", 0);
+    expectAnswer({"append", "/dev/vda", "2"}, "\n", 32);
 }
 
 TEST(Append, PrintsATableOfChosenColumns)
 {
-    expect({"append", "/dev/sda", "2", "-o", "+DISK,partnum"},
-           "PATH      DISK     PARTNUM\n"
-           "/dev/sda2 /dev/sda       2\n",
-           0);
+    expectAnswer({"append", "/dev/sda", "2", "-o", "+DISK,partnum"},
+                 "NAME      DISK     PARTNUM\n"
+                 "/dev/sda2 /dev/sda       2\n",
+                 0);
 }
 
 TEST(Append, PrintsJson)
 {
     EXPECT_EQ(runJson({"append", "/dev/mapper/mpathb", "2"}).dump(),
-              R"({"schema":1,"partitions":[{"path":"/dev/mapper/mpathbp2",)"
+              R"({"schema":1,"partitions":[{"name":"/dev/mapper/mpathbp2",)"
               R"("disk":"/dev/mapper/mpathb","partnum":2,"owner":"device-mapper","claim":16}]})");
 }
 
 TEST(Strip, PrintsThePathsOfTheDisks)
 {
-    expect({"strip", "/dev/mapper/mpathbp2", "/dev/sda"}, "/dev/mapper/mpathb\n/dev/sda\n", 0);
-    expect({"strip", "/dev/sda1", "/dev/vda1", "/dev/emcpowerc7"}, "/dev/sda\n\n/dev/emcpowerc\n",
-           64);
+    expectAnswer({"strip", "/dev/mapper/mpathbp2", "/dev/sda"}, "/dev/mapper/mpathb\n/dev/sda\n",
+                 0);
+    expectAnswer({"strip", "/dev/sda1", "/dev/vda1", "/dev/emcpowerc7"},
+                 "/dev/sda\n\n/dev/emcpowerc\n", 64);
 }
 
 TEST(Strip, PrintsATableOfChosenColumns)
 {
-    expect({"strip", "/dev/sda12", "/dev/vda1", "-o", "+PARTNUM"},
-           "DISK     PARTNUM\n"
-           "/dev/sda      12\n"
-           "-              -\n",
-           64);
+    expectAnswer({"strip", "/dev/sda12", "/dev/vda1", "-o", "+PARTNUM"},
+                 "DISK     PARTNUM\n"
+                 "/dev/sda      12\n"
+                 "-              -\n",
+                 64);
 }
 
 TEST(Strip, PrintsJson)

@@ -93,8 +93,8 @@ TEST(Options, TheOthersAnswerBareUnlessColumnsAreChosen)
     EXPECT_EQ(options({"strip", "x"}).form, Form::bare);
     EXPECT_EQ(options({"prefixes"}).form, Form::bare);
     EXPECT_EQ(options({"append", "x", "1"}).form, Form::bare);
-    EXPECT_EQ(options({"append", "x", "1", "-o", "PATH"}).form, Form::table);
-    EXPECT_EQ(options({"append", "x", "1", "-o", "PATH", "-r"}).form, Form::raw);
+    EXPECT_EQ(options({"append", "x", "1", "-o", "NAME"}).form, Form::table);
+    EXPECT_EQ(options({"append", "x", "1", "-o", "NAME", "-r"}).form, Form::raw);
     EXPECT_EQ(options({"explain", "x"}).form, Form::text);
     EXPECT_EQ(options({"explain", "x", "-J"}).form, Form::json);
 }
@@ -114,7 +114,7 @@ TEST(Options, ColumnsDependOnTheSubcommand)
               "NAME, OWNER, CLAIM, PARTITION, DISK, PARTNUM");
     EXPECT_EQ(namesOf(options({"strip", "x", "-o", "+NAME"}).columns), "DISK, NAME");
     EXPECT_EQ(namesOf(options({"append", "x", "1", "-J"}).columns),
-              "PATH, DISK, PARTNUM, OWNER, CLAIM");
+              "NAME, DISK, PARTNUM, OWNER, CLAIM");
     EXPECT_EQ(namesOf(options({"prefixes", "-o", "+OWNER"}).columns), "PREFIX, OWNER");
     EXPECT_EQ(namesOf(options({"list", "-o", "name", "-o", "disk"}).columns), "DISK");
 }
@@ -124,7 +124,7 @@ TEST(Options, PartitionNumbersAreDecimalAndFit)
     EXPECT_EQ(options({"append", "x", "0"}).partnum, 0U);
     EXPECT_EQ(options({"append", "x", "4294967295"}).partnum, 4294967295U);
     for (const std::string number : {"-1", "4294967296", "1x", "x1", "", "+1", " 1", "1 ", "0x1",
-                                     "1.0", "-0", "99999999999999999999"})
+                                     "1.0", "99999999999999999999"})
         EXPECT_EQ(complaint({"append", "x", number}),
                   "append: '" + number + "' is not a partition number (0 to 4294967295)");
 }

@@ -74,14 +74,14 @@ TEST(DeviceAnswer, EveryNumberIsReadBackAsItIs)
 TEST(PartitionAnswer, NamesThePartition)
 {
     EXPECT_EQ(partitionOf("/dev/mapper/mpathb", 12),
-              R"({"path":"/dev/mapper/mpathbp12","disk":"/dev/mapper/mpathb","partnum":12,)"
+              R"({"name":"/dev/mapper/mpathbp12","disk":"/dev/mapper/mpathb","partnum":12,)"
               R"("owner":"device-mapper","claim":16})");
 }
 
 TEST(PartitionAnswer, WithoutAnOwnerThereIsNoPath)
 {
     EXPECT_EQ(partitionOf("/dev/vda", 1),
-              R"({"path":null,"disk":"/dev/vda","partnum":1,"owner":null,"claim":0})");
+              R"({"name":null,"disk":"/dev/vda","partnum":1,"owner":null,"claim":0})");
 }
 
 TEST(PrefixAnswer, NamesTheDriverThatClaimsThePrefix)

@@ -21,6 +21,24 @@ ask() {
     check "dmpclaim $*" "status $wanted" "status $status $(cat /tmp/complaint)"
 }
 
+# ask_warned STATUS ARGS...: the same for questions whose answer comes with a warning.
+ask_warned() {
+    wanted=$1
+    shift
+    answer=$(dmpclaim "$@" 2>/tmp/complaint)
+    status=$?
+    [ "$status" = "$wanted" ] && [ -s /tmp/complaint ] && return
+    check "dmpclaim $* warns" "status $wanted and a warning" "status $status $(cat /tmp/complaint)"
+}
+
+# check_existing DISK NUMBER NODE: --existing finds the node, and the way back.
+check_existing() {
+    answer=$(dmpclaim append --existing "$1" "$2" 2>/tmp/complaint)
+    check "append --existing $1 $2 gives $3" "0 $3" "$? $answer"
+    answer=$(dmpclaim strip --existing -n -r -o DISK,PARTNUM "$3" 2>/tmp/complaint)
+    check "strip --existing $3 gives $1 and $2" "0 $1 $2" "$? $answer"
+}
+
 # check_append DISK NUMBER NODE: the partition's name is that of the node which exists.
 check_append() {
     ask 0 append "$1" "$2"
