@@ -1,5 +1,7 @@
 #include "active/active.h"
 
+#include <chrono>
+#include <optional>
 #include <string>
 
 #include "active/dry_run.h"
@@ -8,8 +10,10 @@
 #include "cli/column_list.h"
 #include "cli/complaint.h"
 #include "cli/options.h"
+#include "cli/tally.h"
 #include "cli/usage_error.h"
 #include "cli/wanted_paths.h"
+#include "kovm/retry_policy.h"
 #include "names/tool_name.h"
 #include "providers/device/scsitool/dmp_claim_manager.h"
 
@@ -17,15 +21,27 @@ namespace command {
 
 namespace {
 
-constexpr char footer[] =
-    R"(A native path is looked up with the volume manager's tools under /usr/sbin; the
-paths of other drivers are active themselves. An unchanged path may be the
-active one, or nobody knew better: the tools are missing, or failed to the end.
-The timeline (with -J, or -o +TIMELINE) tells: each command, how many seconds it
+constexpr char footerBegin[] =
+    R"(A native path is looked up with the volume manager's tools under /usr/sbin, a
+partition through its disk; the paths of other drivers are active themselves. A
+lookup that fails gives the path itself. RESULT tells which it was, REASON why:
+
+)";
+
+constexpr char footerEnd[] =
+    R"(
+The timeline (with -J, or -o +TIMELINE) has each command, how many seconds it
 took and its result, and each wait. A result is the exit status, 0 for success;
 1000+N: signal N ended the tool; 1100: it took more than 600 seconds; 1101: it
 printed too much; 1102: its status was lost; null: it could not be run. Commands
 are quoted for a shell (bash, zsh, ksh) but in JSON, which has them as they ran.
+
+Exit status:
+   0  every path is confirmed or not asked about
+  64  some paths are, some are not
+  32  no path is
+   1  there are warnings, or input or output failed
+   2  the command line is wrong; nothing was done
 
 A native path that holds a space or a comma is refused: the tools would take it
 for several arguments or disks. From standard input such a path, or one with a
@@ -35,13 +51,34 @@ Warnings also go to standard error, and the exit status is 1.
 
 Without --refresh a disk that is not found is scanned and looked up again after
 5 seconds, up to 4 times. While this goes on, a terminal on standard error shows
-it, unless trace lines go there.
+it, unless trace lines go there. A --timeout counts for all paths together. An
+attempt for which it leaves no time is not waited for; with --refresh it may
+pass when the node is removed and not yet found again.
 
-An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tools that run, and the
-command with status 130, 143, 129 or 131.)";
+An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tools that run, prints
+the rows of the paths that are answered, and ends the command with status 130,
+143, 129 or 131.)";
+
+std::string footer()
+{
+    constexpr std::size_t width = 15;
+    std::string codes;
+    for (const OutcomeCode& code : outcomeCodes()) {
+        std::string word = code.mark.text;
+        word.resize(width, ' ');
+        codes += "  " + word + code.meaning + '\n';
+    }
+    return footerBegin + codes + footerEnd;
+}
 
 /// Each job is a thread that runs one tool at a time; a small machine can run 64 of them.
 constexpr unsigned int mostJobs = 64;
+
+/// As many as the library makes by itself.
+constexpr unsigned int mostTries = kovm::waitingPolicy.attempts;
+
+constexpr std::chrono::milliseconds shortestTimeout{1};
+constexpr std::chrono::seconds longestTimeout{1'000'000}; // in milliseconds it fits poll(2)
 
 unsigned int parseJobs(const std::optional<std::string>& text)
 {
@@ -65,7 +102,45 @@ void rejectMisreadArguments(const Options& options)
     }
 }
 
-int showCommands(const Options& options, OutputStream& output)
+/// Nothing when the library's number is to be kept.
+std::optional<int> parseTries(const Options& options)
+{
+    const std::optional<std::string> text = options.value("--tries");
+    if (options.isGiven("--once")) {
+        if (text)
+            throw UsageError("--once and --tries exclude each other", "active");
+        return 1;
+    }
+    if (!text)
+        return std::nullopt;
+    const std::optional<unsigned int> tries = parseNumber(*text);
+    if (!tries || *tries < 1 || *tries > mostTries)
+        throw UsageError("'" + *text + "' is not a number of attempts (1 to 4)", "active");
+    return static_cast<int>(*tries);
+}
+
+TimeLimit parseTimeout(const std::optional<std::string>& text)
+{
+    if (!text)
+        return std::nullopt;
+    const std::optional<std::chrono::milliseconds> timeout = parseSeconds(*text);
+    if (!timeout || *timeout < shortestTimeout || *timeout > longestTimeout)
+        throw UsageError("'" + *text + "' is not a time limit (0.001 to 1000000 seconds)",
+                         "active");
+    return std::chrono::steady_clock::now() + *timeout;
+}
+
+LookupRules parseRules(const Options& options)
+{
+    LookupRules rules;
+    rules.limit = parseTimeout(options.value("--timeout")); // first: it counts from the start
+    rules.refresh = options.isGiven("--refresh");
+    rules.asGiven = options.isGiven("--as-given");
+    rules.tries = parseTries(options);
+    return rules;
+}
+
+int showCommands(const Options& options, const LookupRules& rules, OutputStream& output)
 {
     CDmpClaimManager manager;
     koze_pdk_4_4::CZeTraceLogHandle log = openTraceLog(options.trace);
@@ -73,7 +148,7 @@ int showCommands(const Options& options, OutputStream& output)
     AnswerWriter<PlannedCommand> writer(options, output, "commands", plannedColumns());
     PathSource paths = wantedPaths(options, [&] { output.flush(); });
     while (const std::optional<std::string> path = paths.next()) {
-        for (const PlannedCommand& command : dryRun(manager, *path, options.isGiven("--refresh")))
+        for (const PlannedCommand& command : dryRun(manager, *path, rules))
             writer.write(command);
     }
     return writer.finish();
@@ -82,25 +157,29 @@ int showCommands(const Options& options, OutputStream& output)
 int lookUp(const Options& options, const LookupOptions& lookup, OutputStream& output)
 {
     AnswerWriter<LookupResult> writer(options, output, "paths", lookupColumns());
+    Tally tally;
     bool hasWarnings = false;
     const auto write = [&](const LookupResult& result) {
         writer.write(result);
+        tally.count(result.outcome.isGood());
         if (!result.warning)
             return;
         complain(result.name + ": " + *result.warning);
         hasWarnings = true;
     };
-    lookUpActivePaths(options, lookup, {write, [&] { writer.flush(); }});
-    const int status = writer.finish();
-    return hasWarnings ? 1 : status;
+    const bool hasReadAll = lookUpActivePaths(
+        options, lookup, {write, [&] { writer.flush(); }, [&] { writer.finish(); }});
+    if (!hasReadAll)
+        complain("the time limit passed before standard input ended; later paths have no rows");
+    return hasWarnings || !hasReadAll ? 1 : tally.exitStatus();
 }
 
 int run(const Options& options, OutputStream& output)
 {
-    const LookupOptions lookup{options.isGiven("--refresh"), !options.isGiven("--no-progress"),
+    const LookupOptions lookup{parseRules(options), !options.isGiven("--no-progress"),
                                parseJobs(options.value("--jobs"))};
     rejectMisreadArguments(options);
-    return options.isGiven("--dry-run") ? showCommands(options, output)
+    return options.isGiven("--dry-run") ? showCommands(options, lookup.rules, output)
                                         : lookUp(options, lookup, output);
 }
 
@@ -108,7 +187,7 @@ Headings headings(const Options& options)
 {
     return options.isGiven("--dry-run")
                ? headingsFor(plannedColumns())
-               : headingsFor(lookupColumns(), "NAME,OWNER,ACTIVE,CHANGED,TOOK");
+               : headingsFor(lookupColumns(), "NAME,OWNER,ACTIVE,CHANGED,TOOK,DISK,RESULT,REASON");
 }
 
 } // namespace
@@ -117,12 +196,22 @@ Subcommand activeSubcommand()
 {
     return {"active",
             "Print the paths that carry the I/O now",
-            footer,
+            footer(),
             Arguments::paths,
             {{"--refresh", nullptr,
               "Remove the disk's node from the volume manager and scan\n"
               "all disks before looking it up, up to 4 times, with 10\n"
               "seconds between. It removes the node each time!"},
+             {"--as-given", nullptr,
+              "Ask about a partition's own name, which the volume\n"
+              "manager does not know, not about its disk"},
+             {"--tries", " N",
+              "Look a disk up N times at most, 1 to 4, and do not\n"
+              "pause after the last attempt"},
+             {"--once", nullptr, "The same as --tries 1"},
+             {"--timeout", " SECONDS",
+              "End the tools after so many seconds, 0.001 to 1000000,\n"
+              "and show the paths without an answer as timed-out"},
              {"--dry-run", nullptr,
               "Run nothing; print the commands and when each would run\n"
               "(columns: NAME, OWNER, COMMAND, WHEN)"},

@@ -1,7 +1,6 @@
 #include "active/dry_run.h"
 
 #include "kovm/command_lines.h"
-#include "kovm/retry_policy.h"
 #include "names/tool_name.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 
@@ -22,7 +21,9 @@ constexpr char whenFound[] = "when the node was found";
 
 std::string attempts(const RetryPolicy& policy)
 {
-    return "up to " + std::to_string(policy.attempts) + " times until it succeeds";
+    return policy.attempts == 1
+               ? "once"
+               : "up to " + std::to_string(policy.attempts) + " times until it succeeds";
 }
 
 std::string pause(const RetryPolicy& policy)
@@ -30,33 +31,41 @@ std::string pause(const RetryPolicy& policy)
     return std::to_string(policy.pause.count()) + " seconds after each failure";
 }
 
-std::vector<Plan> waitingPlan(const std::string& disk)
+std::vector<Plan> waitingPlan(const std::string& disk, const LookupRules& rules)
 {
-    constexpr RetryPolicy policy = kovm::waitingPolicy;
-    return {{CommandLine{kovm::nodeQuery(disk)}, "first; " + attempts(policy)},
-            {CommandLine{kovm::rescan({disk})}, pause(policy) + " of the line above"},
-            {CommandLine{kovm::pathQuery(placeholder)}, whenFound}};
+    const RetryPolicy policy = rules.policy();
+    std::vector<Plan> plan{{CommandLine{kovm::nodeQuery(disk)}, "first; " + attempts(policy)}};
+    if (policy.attempts > 1)
+        plan.push_back(
+            {CommandLine{kovm::rescan({disk})},
+             pause(policy) + " of the line above" + (rules.tries ? " but the last" : "")});
+    plan.push_back({CommandLine{kovm::pathQuery(placeholder)}, whenFound});
+    return plan;
 }
 
-std::vector<Plan> refreshingPlan(const std::string& disk)
+std::vector<Plan> refreshingPlan(const std::string& disk, const LookupRules& rules)
 {
-    constexpr RetryPolicy policy = kovm::refreshingPolicy;
+    const RetryPolicy policy = rules.policy();
+    const std::string pauses = policy.attempts == 1 ? "" : ", " + pause(policy);
     return {{CommandLine{kovm::nodeQuery(disk)}, "first"},
             {CommandLine{kovm::removal(placeholder)}, "when the line above succeeded"},
             {CommandLine{kovm::rescan({})}, "before each attempt of the line below"},
-            {CommandLine{kovm::nodeQuery(disk)}, attempts(policy) + ", " + pause(policy)},
+            {CommandLine{kovm::nodeQuery(disk)}, attempts(policy) + pauses},
             {CommandLine{kovm::pathQuery(placeholder)}, whenFound}};
 }
 
 /// The commands for a path. `owner` is the module that claims it, null when none does.
-std::vector<Plan> planFor(const std::string& path, CDmpDeviceClaimBase* owner, bool refresh)
+std::vector<Plan> planFor(const std::string& path, CDmpDeviceClaimBase* owner,
+                          const LookupRules& rules)
 {
     if (owner == nullptr || !driverOf(owner)->asksTools)
         return {{{}, "never: only a native path is looked up"}};
     if (const char* reason = whyNotAsked(path))
         return {{{}, std::string("never: ") + reason}};
-    const std::string disk = owner->removeDevPrefix(path);
-    std::vector<Plan> plan = refresh ? refreshingPlan(disk) : waitingPlan(disk);
+    unsigned int partnum = 0;
+    const std::string disk =
+        owner->removeDevPrefix(rules.asGiven ? path : owner->removePartitionSuffix(path, partnum));
+    std::vector<Plan> plan = rules.refresh ? refreshingPlan(disk, rules) : waitingPlan(disk, rules);
     if (!CKoDMPSupport().isKoDMPInstalled()) {
         for (Plan& step : plan)
             step.when = "if the tools were installed: " + step.when;
@@ -66,12 +75,13 @@ std::vector<Plan> planFor(const std::string& path, CDmpDeviceClaimBase* owner, b
 
 } // namespace
 
-std::vector<PlannedCommand> dryRun(CDmpClaimManager& manager, const std::string& path, bool refresh)
+std::vector<PlannedCommand> dryRun(CDmpClaimManager& manager, const std::string& path,
+                                   const LookupRules& rules)
 {
     CDmpDeviceClaimBase* owner = nullptr;
     manager.getClaimModule(owner, path);
     std::vector<PlannedCommand> commands;
-    for (const Plan& step : planFor(path, owner, refresh))
+    for (const Plan& step : planFor(path, owner, rules))
         commands.push_back({path, driverOf(owner), step.command, step.when});
     return commands;
 }

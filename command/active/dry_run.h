@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "active/lookup_rules.h"
 #include "names/drivers.h"
 #include "output/columns.h"
 #include "providers/device/scsitool/dmp_claim_manager.h"
@@ -22,7 +23,7 @@ struct PlannedCommand {
 /// The commands that a lookup of `path` would run, with NODE for a node's name. One element without
 /// a command when the lookup would run none. Runs nothing.
 std::vector<PlannedCommand> dryRun(CDmpClaimManager& manager, const std::string& path,
-                                   bool refresh);
+                                   const LookupRules& rules);
 
 const Columns<PlannedCommand>& plannedColumns();
 

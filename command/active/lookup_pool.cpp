@@ -15,18 +15,27 @@ namespace command {
 /// pool.
 struct LookupPool::State {
     struct Answer {
-        LookupResult result;
+        LookupResult result; // until it is ready, the name alone
         std::exception_ptr failure;
+        bool isReady = false;
     };
     using Answers = std::map<std::size_t, Answer>;
-    /// Allocated before the work, so that storing its answer or its failure needs no memory.
+    /// Allocated before the path is taken, so that storing its answer or its failure needs no
+    /// memory.
     using Slot = Answers::node_type;
+
+    /// A path and the number of its answer.
+    struct Task {
+        std::string path;
+        std::size_t number;
+    };
 
     static Slot newSlot();
     bool awaitRoom();
-    std::optional<std::string> takePath(Slot& slot);
-    Slot answer(const std::string& path, unsigned int worker, Slot slot);
-    void put(Slot slot);
+    std::optional<Task> takeTask(Slot slot);
+    Slot answer(const Task& task, unsigned int worker);
+    void put(std::size_t number, Answer answer);
+    bool isNextReady() const;
     void runWorker(unsigned int worker, Slot slot);
     void stop();
 
@@ -61,56 +70,75 @@ bool LookupPool::State::awaitRoom()
     return !isStopped;
 }
 
-/// The next path. Gives `slot` the number of its answer. When the source throws, the exception is
-/// that answer.
-std::optional<std::string> LookupPool::State::takePath(Slot& slot)
+/// The next path; its answer gets `slot`. When the source throws, the exception is that answer.
+std::optional<LookupPool::State::Task> LookupPool::State::takeTask(Slot slot)
 {
     const std::lock_guard lock(sourceMutex);
     if (exhausted || !awaitRoom())
         return std::nullopt;
-    slot.key() = taken++;
-    std::optional<std::string> path;
+    Task task{{}, taken};
     try {
-        path = source();
+        std::optional<std::string> path = source();
+        exhausted = !path;
+        if (exhausted)
+            return std::nullopt;
+        slot.mapped().result.name = *path;
+        task.path = std::move(*path);
     } catch (...) {
+        exhausted = true;
         slot.mapped().failure = std::current_exception();
-        put(std::move(slot));
+        slot.mapped().isReady = true;
     }
-    exhausted = !path;
-    return path;
+    slot.key() = taken++;
+    const std::lock_guard answersLock(mutex);
+    answers.insert(std::move(slot));
+    changed.notify_one();
+    return exhausted ? std::nullopt : std::optional(std::move(task));
 }
 
 /// Answers the path and returns the slot for the worker's next answer. An empty slot ends the
 /// worker: it was interrupted, or the slot could not be allocated.
-LookupPool::State::Slot LookupPool::State::answer(const std::string& path, unsigned int worker,
-                                                  Slot slot)
+LookupPool::State::Slot LookupPool::State::answer(const Task& task, unsigned int worker)
 {
     Slot next;
+    Answer answer;
     try {
         next = newSlot();
-        slot.mapped().result = work(path, worker);
+        answer.result = work(task.path, worker);
     } catch (const Interrupted&) {
         stop(); // without this answer the window would never move on
         return {};
     } catch (...) {
-        slot.mapped().failure = std::current_exception();
+        answer.failure = std::current_exception();
     }
-    put(std::move(slot));
+    put(task.number, std::move(answer));
     return next;
 }
 
-void LookupPool::State::put(Slot slot)
+/// Drops the answer when the rest was handed out.
+void LookupPool::State::put(std::size_t number, Answer answer)
 {
     const std::lock_guard lock(mutex);
-    answers.insert(std::move(slot));
+    const auto found = answers.find(number);
+    if (found == answers.end())
+        return;
+    found->second = std::move(answer);
+    found->second.isReady = true;
     changed.notify_one();
+}
+
+/// REQUIRES: the caller holds `mutex`.
+bool LookupPool::State::isNextReady() const
+{
+    const auto found = answers.find(handedOut);
+    return found != answers.end() && found->second.isReady;
 }
 
 void LookupPool::State::runWorker(unsigned int worker, Slot slot)
 {
     while (!slot.empty()) {
-        const std::optional<std::string> path = takePath(slot);
-        slot = path ? answer(*path, worker, std::move(slot)) : Slot();
+        const std::optional<Task> task = takeTask(std::move(slot));
+        slot = task ? answer(*task, worker) : Slot();
     }
     const std::lock_guard lock(mutex);
     --working;
@@ -161,12 +189,11 @@ LookupPool::Next LookupPool::next(LookupResult& result, std::chrono::millisecond
 {
     State& state = *m_state;
     std::unique_lock lock(state.mutex);
-    state.changed.wait_for(lock, patience, [&] {
-        return state.working == 0 || state.answers.count(state.handedOut) > 0;
-    });
-    const State::Slot slot = state.answers.extract(state.handedOut);
-    if (slot.empty())
+    state.changed.wait_for(lock, patience,
+                           [&] { return state.working == 0 || state.isNextReady(); });
+    if (!state.isNextReady())
         return state.working == 0 ? Next::end : Next::pending;
+    State::Slot slot = state.answers.extract(state.handedOut);
     if (slot.mapped().failure) {
         lock.unlock();
         state.stop();
@@ -176,6 +203,21 @@ LookupPool::Next LookupPool::next(LookupResult& result, std::chrono::millisecond
     ++state.handedOut;
     state.room.notify_one();
     return Next::result;
+}
+
+std::vector<LookupPool::Rest> LookupPool::takeRest()
+{
+    m_state->stop();
+    const std::lock_guard lock(m_state->mutex);
+    State::Answers answers = std::move(m_state->answers);
+    m_state->answers.clear();
+    std::vector<Rest> rest;
+    for (auto& [number, answer] : answers) {
+        if (answer.failure)
+            std::rethrow_exception(answer.failure);
+        rest.push_back({std::move(answer.result), answer.isReady});
+    }
+    return rest;
 }
 
 std::size_t LookupPool::handedOut() const

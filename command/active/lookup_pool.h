@@ -41,8 +41,19 @@ public:
     ~LookupPool();
 
     /// Waits up to `patience` for the next answer and stores it in `result`. Throws what source or
-    /// work threw for that path, or std::bad_alloc; no answers follow then.
+    /// work threw for that path, or std::bad_alloc; no answers follow then. At the end there is a
+    /// rest when a worker was interrupted.
     Next next(LookupResult& result, std::chrono::milliseconds patience);
+
+    /// A path that was taken and not handed out.
+    struct Rest {
+        LookupResult result; // the name alone when there is no answer
+        bool isAnswered;
+    };
+
+    /// Takes no more paths, and hands out what is left of those that were taken, in their order.
+    /// Throws what source or work threw. Answers that come later are lost.
+    std::vector<Rest> takeRest();
 
     /// The number of answers handed out.
     std::size_t handedOut() const;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "active/outcome.h"
 #include "names/drivers.h"
 #include "output/columns.h"
 
@@ -13,7 +14,9 @@ namespace command {
 struct LookupResult {
     std::string name;
     const Driver* owner = nullptr;
+    std::optional<std::string> disk;   // of a claimed path
     std::optional<std::string> active; // nothing when nobody claims the path or it is not looked up
+    Outcome outcome;
     Seconds took{};
     Steps timeline;
     std::optional<std::string> warning; // why not to trust the active path, or why there is none

@@ -1,9 +1,11 @@
 #include "active/lookups.h"
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <utility>
 
+#include <poll.h>
 #include <unistd.h>
 
 #include "active/active_lookup.h"
@@ -36,7 +38,7 @@ unsigned int workerCount(const Options& options, unsigned int jobs)
 /// workers that then outlive the call.
 struct Workers {
     Workers(const Options& options, const LookupOptions& lookup)
-        : refresh(lookup.refresh), statuses(workerCount(options, lookup.jobs))
+        : rules(lookup.rules), statuses(workerCount(options, lookup.jobs))
     {
         // A sink serves one thread.
         for (std::size_t i = 0; i < statuses.size(); ++i)
@@ -45,7 +47,7 @@ struct Workers {
 
     LookupResult lookUp(const std::string& path, unsigned int worker)
     {
-        return ActiveLookup(refresh, sinks[worker], stop, statuses[worker]).run(path);
+        return ActiveLookup(rules, sinks[worker], stop, statuses[worker]).run(path);
     }
 
     std::optional<Activity> longest() const
@@ -59,16 +61,41 @@ struct Workers {
         return found;
     }
 
-    bool refresh;
+    LookupRules rules;
     StopRequest stop;
+    std::atomic<bool> hasReadAll{true};
     std::vector<LookupStatus> statuses;
     std::vector<koze_pdk_4_4::CZeTraceSinkHandle> sinks;
 };
 
-LookupPool::Source pathsOf(const Options& options)
+/// Standard input has no path before the time limit passes.
+struct InputIsLate {};
+
+/// Waits until standard input can be read. Lines that are there already may be read for a second
+/// past the limit, so that their paths get rows.
+void awaitInput(const TimeLimit& limit)
 {
-    const auto paths = std::make_shared<PathSource>(wantedPaths(options, [] {}));
-    return [paths] { return paths->next(); };
+    using namespace std::chrono;
+    if (!limit)
+        return;
+    const auto left = ceil<milliseconds>(*limit - steady_clock::now());
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    if (left < seconds(-1) || poll(&input, 1, std::max(0, static_cast<int>(left.count()))) == 0)
+        throw InputIsLate();
+}
+
+LookupPool::Source pathsOf(const Options& options, const std::shared_ptr<Workers>& workers)
+{
+    const auto paths = std::make_shared<PathSource>(
+        wantedPaths(options, [limit = workers->rules.limit] { awaitInput(limit); }));
+    return [paths, workers]() -> std::optional<std::string> {
+        try {
+            return paths->next();
+        } catch (const InputIsLate&) {
+            workers->hasReadAll = false;
+            return std::nullopt;
+        }
+    };
 }
 
 /// -1 when no progress is shown: it is not wanted, or trace lines go to standard error.
@@ -85,16 +112,50 @@ Progress progressOf(const Options& options, const Workers& workers, std::size_t 
     if (!readsStandardInput(options))
         progress.total = options.paths.size();
     progress.longest = workers.longest();
-    progress.policy = kovm::retryPolicy(workers.refresh);
+    progress.policy = workers.rules.policy();
     return progress;
 }
 
-void receiveAll(LookupPool& pool, const ResultReceiver& receiver, TerminalLine& line,
-                const std::function<Progress()>& progress)
+/// Whether the results that are not there yet are not waited for. After the time limit, lookups
+/// end when their tools have been ended.
+bool isOver(const Workers& workers)
+{
+    constexpr std::chrono::seconds patience{3}; // endTools takes two
+    return workers.stop.reason() == StopReason::interrupt ||
+           (workers.rules.limit && Timeline::Clock::now() >= *workers.rules.limit + patience);
+}
+
+/// The result of a lookup whose tool does not end.
+LookupResult stuckResult(LookupResult result)
+{
+    CDmpClaimManager manager;
+    CDmpDeviceClaimBase* owner = nullptr;
+    manager.getClaimModule(owner, result.name);
+    unsigned int partnum = 0;
+    result.owner = driverOf(owner);
+    result.disk = manager.removePartitionSuffix(result.name, partnum);
+    result.active = result.name;
+    result.outcome = {Outcome::Code::timedOut, "the time limit passed, and a tool does not end"};
+    return result;
+}
+
+/// Hands over the results that do not come in their order any more.
+void receiveRest(LookupPool& pool, const ResultReceiver& receiver, const StopRequest& stop)
+{
+    for (LookupPool::Rest& rest : pool.takeRest()) {
+        if (rest.isAnswered)
+            receiver.write(rest.result);
+        else if (stop.reason() == StopReason::timeLimit)
+            receiver.write(stuckResult(std::move(rest.result)));
+    }
+}
+
+void receiveInOrder(LookupPool& pool, const ResultReceiver& receiver, TerminalLine& line,
+                    const Workers& workers, const std::function<Progress()>& progress)
 {
     LookupResult result;
     bool mustFlush = false;
-    for (;;) {
+    while (!isOver(workers)) {
         switch (pool.next(result, tick)) {
         case LookupPool::Next::result:
             line.erase();
@@ -107,7 +168,6 @@ void receiveAll(LookupPool& pool, const ResultReceiver& receiver, TerminalLine& 
             line.show(progressText(progress(), Timeline::Clock::now()));
             break;
         case LookupPool::Next::end:
-            line.erase();
             return;
         }
     }
@@ -115,23 +175,28 @@ void receiveAll(LookupPool& pool, const ResultReceiver& receiver, TerminalLine& 
 
 } // namespace
 
-void lookUpActivePaths(const Options& options, const LookupOptions& lookup,
+bool lookUpActivePaths(const Options& options, const LookupOptions& lookup,
                        const ResultReceiver& receiver)
 {
     const auto workers = std::make_shared<Workers>(options, lookup);
     TerminalLine line(progressDescriptor(options, lookup));
-    const Interrupt interrupt(workers->stop, [&line] { line.close(); });
-    LookupPool pool(static_cast<unsigned int>(workers->statuses.size()), pathsOf(options),
+    const Interrupt interrupt(
+        workers->stop, [&line] { line.close(); }, lookup.rules.limit);
+    LookupPool pool(static_cast<unsigned int>(workers->statuses.size()), pathsOf(options, workers),
                     [workers](const std::string& path, unsigned int worker) {
                         return workers->lookUp(path, worker);
                     });
     try {
-        receiveAll(pool, receiver, line,
-                   [&] { return progressOf(options, *workers, pool.handedOut()); });
+        receiveInOrder(pool, receiver, line, *workers,
+                       [&] { return progressOf(options, *workers, pool.handedOut()); });
+        line.erase();
+        receiveRest(pool, receiver, workers->stop);
+        receiver.finish();
     } catch (...) {
         interrupt.endTools();
         throw;
     }
+    return workers->hasReadAll;
 }
 
 } // namespace command

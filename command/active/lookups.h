@@ -4,13 +4,14 @@
 #include <functional>
 
 #include "active/lookup_result.h"
+#include "active/lookup_rules.h"
 #include "cli/options.h"
 
 namespace command {
 
-/// How active paths are looked up.
+/// How the lookups of one run are made.
 struct LookupOptions {
-    bool refresh;
+    LookupRules rules;
     bool withProgress;
     unsigned int jobs;
 };
@@ -18,14 +19,18 @@ struct LookupOptions {
 /// Takes the results as they come.
 struct ResultReceiver {
     std::function<void(const LookupResult&)> write;
-    std::function<void()> flush; // called when the next result is not there yet
+    std::function<void()> flush;  // called when the next result is not there yet
+    std::function<void()> finish; // called after the last result
 };
 
-/// Looks up the active paths of `options.paths` and hands the results over in their order.
+/// Looks up the active paths of `options.paths` and hands the results over in their order. Returns
+/// false when the time limit passed before standard input ended: the paths behind are missing.
 ///
-/// A signal that interrupts it exits the process, see Interrupt. Throws what the receiver and
-/// PathSource throw, after it has ended the tools; threads that are in a pause are then detached.
-void lookUpActivePaths(const Options& options, const LookupOptions& lookup,
+/// A signal that interrupts it exits the process, see Interrupt, after the receiver got the results
+/// that were there. When the time limit passes, the tools are ended, and the paths without an
+/// answer get results that say so. Throws what the receiver and PathSource throw, after it has
+/// ended the tools; threads that are in a pause, or whose tool does not end, are then detached.
+bool lookUpActivePaths(const Options& options, const LookupOptions& lookup,
                        const ResultReceiver& receiver);
 
 } // namespace command

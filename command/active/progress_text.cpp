@@ -1,8 +1,8 @@
 #include "active/progress_text.h"
 
 #include <algorithm>
-#include <string_view>
 
+#include "active/short_command.h"
 #include "text/printable.h"
 
 namespace command {
@@ -15,20 +15,6 @@ long wholeSeconds(Timeline::Clock::duration duration)
 {
     return std::max(0L,
                     static_cast<long>(std::chrono::ceil<std::chrono::seconds>(duration).count()));
-}
-
-/// Tool and subcommand: "kodmpadm getdmpnode" of "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc".
-std::string shortCommand(std::string_view command)
-{
-    std::string words;
-    for (int word = 0; word < 2; ++word) {
-        command.remove_prefix(std::min(command.find_first_not_of(' '), command.size()));
-        const std::size_t end = std::min(command.find(' '), command.size());
-        const std::string_view text = command.substr(0, end);
-        words += (word == 0 ? "" : " ") + printableWord(text.substr(text.rfind('/') + 1));
-        command.remove_prefix(end);
-    }
-    return words;
 }
 
 /// The end of a long path, so that the rest of the line fits.

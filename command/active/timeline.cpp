@@ -26,7 +26,7 @@ void Timeline::take(const TraceEvent& event, Clock::time_point now)
     case TraceEvent::Kind::waitStarts:
         open({}, now);
         break;
-    case TraceEvent::Kind::other:
+    default:
         break;
     }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <system_error>
 
@@ -209,6 +210,19 @@ std::optional<unsigned int> parseNumber(const std::string& text)
     if (result.ec != std::errc() || result.ptr != end)
         return std::nullopt;
     return number;
+}
+
+std::optional<std::chrono::milliseconds> parseSeconds(const std::string& text)
+{
+    constexpr char letters[] = "0123456789.";
+    double seconds = 0;
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, seconds, std::chars_format::fixed);
+    if (result.ec != std::errc() || result.ptr != end || text.front() == '.' ||
+        text.back() == '.' || text.find_first_not_of(letters) != std::string::npos ||
+        seconds > 1e12)
+        return std::nullopt;
+    return std::chrono::milliseconds(std::llround(seconds * 1000));
 }
 
 std::optional<std::string> Options::value(const char* option) const

@@ -1,6 +1,7 @@
 #ifndef CLI_OPTIONS_H
 #define CLI_OPTIONS_H
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -43,6 +44,11 @@ std::variant<Options, Information> parseOptions(const std::vector<std::string>& 
 
 /// A decimal number of digits only; nothing when the text is anything else or does not fit.
 std::optional<unsigned int> parseNumber(const std::string& text);
+
+/// Seconds, rounded to milliseconds; nothing when the text is anything else or does not fit.
+///
+///     seconds = digits [ "." digits ]          10, 0.5
+std::optional<std::chrono::milliseconds> parseSeconds(const std::string& text);
 
 } // namespace command
 

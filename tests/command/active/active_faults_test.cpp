@@ -10,6 +10,11 @@ using testing::ElementsAre;
 constexpr char active[] = "/dev/sdb"; // of /dev/sdc, in every scenario that ends well
 constexpr char unchanged[] = "/dev/sdc";
 
+constexpr char confirmed[] = "confirmed";
+constexpr char notFound[] = "not-found";
+constexpr char namesTheOther[] = "the volume manager names /dev/sdb for node arr0_17";
+constexpr char namesItself[] = "the volume manager names /dev/sdc for node arr0_17";
+
 using Steps = std::vector<std::string>;
 
 const Steps found{"getdmpnode 0", "getsubpaths 0"};
@@ -26,6 +31,8 @@ Steps fourFailures(const std::string& result, const std::string& rescan = "0")
 struct Case {
     const char* scenario;
     const char* active;
+    const char* result;
+    std::string reason; // a part of it
     Steps steps;
 };
 
@@ -39,6 +46,9 @@ TEST_P(ActiveFaults, GiveTheBestPathOrThePathItself)
     EXPECT_EQ(path["owner"], "native");
     EXPECT_EQ(path["active"], GetParam().active);
     EXPECT_EQ(path["changed"], GetParam().active != std::string("/dev/sdc"));
+    EXPECT_EQ(path["result"], GetParam().result);
+    EXPECT_THAT(path["reason"].get<std::string>(), testing::HasSubstr(GetParam().reason));
+    EXPECT_EQ(path["disk"], "/dev/sdc");
     EXPECT_EQ(outline(path["timeline"]), GetParam().steps);
     const auto waits = std::count(GetParam().steps.begin(), GetParam().steps.end(), "wait");
     EXPECT_EQ(sleeps(), Steps(static_cast<std::size_t>(waits), "5"));
@@ -50,39 +60,63 @@ TEST_P(ActiveFaults, GiveTheBestPathOrThePathItself)
 const Steps nodeWithoutPaths{"getdmpnode 0", "getsubpaths 1"};
 
 const Case cases[] = {
-    {"healthy", active, found},
-    {"failed-over", unchanged, found},
-    {"any-order", "/dev/sde", found},
-    {"no-active-path", unchanged, found},
-    {"no-path-left", unchanged, found},
-    {"only-primary-left", unchanged, found},
-    {"unknown-disk", active, found},
-    {"failing-tool", unchanged, fourFailures("3", "6")},
+    {"healthy", active, confirmed, namesTheOther, found},
+    {"failed-over", unchanged, confirmed, namesItself, found},
+    {"any-order", "/dev/sde", confirmed, "names /dev/sde for", found},
+    {"no-active-path", unchanged, confirmed, namesItself, found},
+    {"no-path-left", unchanged, "no-path", "no path of node arr0_17 can be used", found},
+    {"only-primary-left", unchanged, "no-path",
+     "no path of node arr0_17 is enabled; /dev/sdc is the first primary one", found},
+    {"unknown-disk", active, confirmed, namesTheOther, found},
+    {"failing-tool", unchanged, "tool-failed",
+     "kodmpadm getdmpnode ended with status 3, 'ERROR the volume manager is not running' "
+     "(4 attempts)",
+     fourFailures("3", "6")},
     {"stale-repaired-by-waiting",
      active,
+     confirmed,
+     namesTheOther,
      {"getdmpnode 1", "wait", "scandisks 0", "getdmpnode 1", "wait", "scandisks 0", "getdmpnode 0",
       "getsubpaths 0"}},
-    {"stale-repaired-by-refreshing", unchanged, nodeWithoutPaths},
-    {"stale-paths", active, found},
-    {"replay", active, {"getdmpnode 1", "wait", "scandisks 0", "getdmpnode 0", "getsubpaths 0"}},
-    {"fault-blank-lines", active, found},
-    {"fault-crlf", active, found},
-    {"fault-cut-short", unchanged, nodeWithoutPaths},
-    {"fault-delay", active, found},
+    {"stale-repaired-by-refreshing", unchanged, notFound,
+     "the volume manager does not know node arr0_9, which it named for sdc: kodmpadm getsubpaths "
+     "ended with status 1, '",
+     nodeWithoutPaths},
+    {"stale-paths", active, confirmed, namesTheOther, found},
+    {"replay",
+     active,
+     confirmed,
+     namesTheOther,
+     {"getdmpnode 1", "wait", "scandisks 0", "getdmpnode 0", "getsubpaths 0"}},
+    {"fault-blank-lines", active, confirmed, namesTheOther, found},
+    {"fault-crlf", active, confirmed, namesTheOther, found},
+    {"fault-cut-short", unchanged, notFound, "the volume manager does not know node arr0_1, which",
+     nodeWithoutPaths},
+    {"fault-delay", active, confirmed, namesTheOther, found},
     {"fault-exit-status",
      active,
+     confirmed,
+     namesTheOther,
      {"getdmpnode 3", "wait", "scandisks 0", "getdmpnode 0", "getsubpaths 0"}},
     {"fault-flood",
      active,
+     confirmed,
+     namesTheOther,
      {"getdmpnode 1101", "wait", "scandisks 0", "getdmpnode 0", "getsubpaths 0"}},
-    {"fault-late-signal", unchanged, fourFailures("1009")},
-    {"fault-many-spaces", active, found},
-    {"fault-no-header", unchanged, nodeWithoutPaths},
-    {"fault-no-rule", unchanged, nodeWithoutPaths},
-    {"fault-noise", active, found},
-    {"fault-note", unchanged, fourFailures("0")},
-    {"fault-signal", active, found},
-    {"fault-tabs", active, found},
+    {"fault-late-signal", unchanged, "tool-failed",
+     "kodmpadm getdmpnode was ended by signal 9 (4 attempts)", fourFailures("1009")},
+    {"fault-many-spaces", active, confirmed, namesTheOther, found},
+    {"fault-no-header", unchanged, "no-table", "no header in the answer of kodmpadm getdmpnode",
+     nodeWithoutPaths},
+    {"fault-no-rule", unchanged, notFound,
+     "the volume manager does not know sdc: no node in the answer of kodmpadm getdmpnode",
+     nodeWithoutPaths},
+    {"fault-noise", active, confirmed, namesTheOther, found},
+    {"fault-note", unchanged, "no-table",
+     "a line before the header in the answer of kodmpadm getdmpnode (4 attempts)",
+     fourFailures("0")},
+    {"fault-signal", active, confirmed, namesTheOther, found},
+    {"fault-tabs", active, confirmed, namesTheOther, found},
 };
 
 INSTANTIATE_TEST_SUITE_P(Scenarios, ActiveFaults, testing::ValuesIn(cases),
@@ -94,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(Scenarios, ActiveFaults, testing::ValuesIn(cases),
 
 TEST(ActiveScenarios, AreAllWalkedThrough)
 {
-    // The tests of interrupts cover the scenarios whose tools hang.
+    // The tests of interrupts and of the time limit cover the scenarios whose tools hang.
     std::set<std::string> walked{"hanging-tool", "fault-hang-after-output"};
     for (const Case& walk : cases)
         walked.insert(walk.scenario);
@@ -168,10 +202,86 @@ TEST_F(ActiveRepair, EverySecondLookupDiesAndTheNextOneServes)
 
 TEST_F(ActiveRepair, ADiskThatNobodyKnowsStaysAsItIs)
 {
-    const Json path = answer({"/dev/sdz9"});
-    EXPECT_EQ(path["active"], "/dev/sdz9");
+    const Json path = answer({"/dev/sdz"});
+    EXPECT_EQ(path["active"], "/dev/sdz");
     EXPECT_EQ(path["changed"], false);
+    EXPECT_EQ(path["result"], "not-found");
     EXPECT_EQ(outline(path["timeline"]).size(), 12U);
+}
+
+TEST_F(ActiveRepair, ADiskWithAnEmptyTableIsNotFound)
+{
+    useScenario("unknown-disk");
+    const Json path = answer({"/dev/sdz"});
+    EXPECT_EQ(path["active"], "/dev/sdz");
+    EXPECT_EQ(path["result"], "not-found");
+    EXPECT_EQ(path["reason"], "the volume manager does not know sdz: no node in the answer of "
+                              "kodmpadm getdmpnode");
+}
+
+TEST_F(ActiveRepair, ToolsOfPathsThatFailAreTold)
+{
+    useFault({{"subcommand", "getsubpaths"}, {"exit", 4}, {"stderr", "ERROR no daemon"}});
+    EXPECT_EQ(answer({"/dev/sdc"})["reason"],
+              "kodmpadm getsubpaths ended with status 4, 'ERROR no daemon'");
+    useFault({{"subcommand", "getsubpaths"}, {"no_header", true}});
+    EXPECT_EQ(answer({"/dev/sdc"})["result"], "no-table");
+    useFault({{"subcommand", "getsubpaths"},
+              {"flood_mib", 2},
+              {"separator", std::string(1 << 20, ' ')}});
+    EXPECT_EQ(answer({"/dev/sdc"})["reason"], "kodmpadm getsubpaths printed too much");
+}
+
+TEST_F(ActiveRepair, APartitionIsLookedUpThroughItsDisk)
+{
+    const Json path = answer({"/dev/sdc1"});
+    EXPECT_EQ(path["active"], "/dev/sdb1");
+    EXPECT_EQ(path["disk"], "/dev/sdc");
+    EXPECT_EQ(path["changed"], true);
+    EXPECT_EQ(path["result"], "confirmed");
+    EXPECT_THAT(calls(), ElementsAre(R"(kodmpadm "getdmpnode" "nodename=sdc")",
+                                     R"(kodmpadm "getsubpaths" "dmpnodename=arr0_17")"));
+}
+
+TEST_F(ActiveRepair, APartitionOfAnUnknownDiskStaysAsItIs)
+{
+    const Json path = answer({"--once", "/dev/sdz1"});
+    EXPECT_EQ(path["active"], "/dev/sdz1");
+    EXPECT_EQ(path["disk"], "/dev/sdz");
+    EXPECT_EQ(path["result"], "not-found");
+}
+
+TEST_F(ActiveRepair, AsGivenAsksAboutThePartitionsOwnName)
+{
+    const Json path = answer({"--as-given", "--once", "/dev/sdc1"});
+    EXPECT_EQ(path["active"], "/dev/sdc1");
+    EXPECT_EQ(path["result"], "not-found");
+    EXPECT_THAT(calls(), ElementsAre(R"(kodmpadm "getdmpnode" "nodename=sdc1")"));
+}
+
+TEST_F(ActiveRepair, SoManyAttemptsAreMadeAsAreWanted)
+{
+    useScenario("stale-repaired-by-waiting"); // the third attempt finds the node
+    const Json path = answer({"--tries", "2", "/dev/sdc"});
+    EXPECT_EQ(path["active"], "/dev/sdc");
+    EXPECT_EQ(path["result"], "not-found");
+    EXPECT_THAT(path["reason"].get<std::string>(), testing::EndsWith(" (2 attempts)"));
+    EXPECT_THAT(outline(path["timeline"]),
+                ElementsAre("getdmpnode 1", "wait", "scandisks 0", "getdmpnode 1"));
+    EXPECT_THAT(sleeps(), ElementsAre("5"));
+    useScenario("stale-repaired-by-waiting");
+    EXPECT_EQ(answer({"--tries", "3", "/dev/sdc"})["result"], "confirmed");
+}
+
+TEST_F(ActiveRepair, OnceIsOneAttemptWithoutAPause)
+{
+    for (const char* option : {"--once", "--tries=1"}) {
+        useScenario("failing-tool");
+        EXPECT_THAT(outline(answer({option, "/dev/sdc"})["timeline"]), ElementsAre("getdmpnode 3"));
+        EXPECT_THAT(outline(answer({option, "--refresh", "/dev/sdc"})["timeline"]),
+                    ElementsAre("getdmpnode 3", "scandisks 6", "getdmpnode 3"));
+    }
+    EXPECT_THAT(sleeps(), testing::IsEmpty());
 }
 
 TEST_F(ActiveRepair, TheTimelineTellsHowLongCommandsAndWaitsTook)
@@ -203,6 +313,8 @@ TEST_F(ActiveRepair, AToolThatCannotBeRunHasNoResult)
     const Json path = Json::parse(Process(command).finish().output)["paths"][0];
     EXPECT_EQ(path["active"], "/dev/sdc");
     EXPECT_EQ(path["timeline"][0]["result"], nullptr);
+    EXPECT_EQ(path["result"], "tool-failed");
+    EXPECT_EQ(path["reason"], "kodmpadm getdmpnode could not be run (4 attempts)");
     EXPECT_EQ(path["timeline"].size(), 12U);
 }
 

@@ -10,7 +10,9 @@ namespace {
 
 using command::ActiveLookup;
 using command::Interrupted;
+using command::LookupRules;
 using command::LookupStatus;
+using command::StopReason;
 using command::StopRequest;
 using koze_pdk_4_4::CZeTraceCallbackSink;
 using Row = nlohmann::ordered_json;
@@ -25,13 +27,15 @@ class ActiveLookupTest : public testing::Test {
 protected:
     Row lookUp(const std::string& path, bool refresh = false)
     {
-        return answerJson(ActiveLookup(refresh, sink, stop, status).run(path),
+        rules.refresh = refresh;
+        return answerJson(ActiveLookup(rules, sink, stop, status).run(path),
                           command::lookupColumns());
     }
 
     void findAtOnce() { tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0, pathTable); }
 
     ScriptedTools tools;
+    LookupRules rules;
     StopRequest stop;
     LookupStatus status;
     koze_pdk_4_4::CZeTraceSinkHandle sink;
@@ -164,6 +168,102 @@ TEST_F(ActiveLookupTest, TheRequestToStopEndsItAfterTheToolThatRuns)
     EXPECT_FALSE(stop.toolsRun());
     EXPECT_EQ(tools.liveRunners, 0);
     EXPECT_EQ(tools.events.back(), nodeQuery);
+}
+
+TEST_F(ActiveLookupTest, TheTimeLimitIsAnOutcome)
+{
+    tools.answer({nodeQuery, 1015, {}, [this] { stop.request(StopReason::timeLimit); }});
+    const Row row = lookUp("/dev/sdc2");
+    EXPECT_EQ(row["result"], "timed-out");
+    EXPECT_EQ(row["reason"], "the time limit passed during kodmpadm getdmpnode");
+    EXPECT_EQ(row["active"], "/dev/sdc2");
+    EXPECT_EQ(row["disk"], "/dev/sdc");
+    EXPECT_THAT(outline(row), testing::ElementsAre(nodeQuery + std::string(": 1015")));
+    EXPECT_EQ(tools.liveRunners, 0);
+}
+
+TEST_F(ActiveLookupTest, AfterTheTimeLimitNoToolStarts)
+{
+    stop.request(StopReason::timeLimit);
+    const Row row = lookUp("/dev/sdc");
+    EXPECT_EQ(row["result"], "timed-out");
+    EXPECT_EQ(row["owner"], "native");
+    EXPECT_EQ(lookUp("/dev/mapper/mpatha")["result"], "not-asked");
+    EXPECT_EQ(lookUp("sdc")["result"], "not-claimed");
+    EXPECT_TRUE(tools.events.empty());
+}
+
+TEST_F(ActiveLookupTest, APauseThatTheTimeLimitDoesNotAllowIsNotBegun)
+{
+    rules.limit = command::Timeline::Clock::now() + std::chrono::seconds(5);
+    tools.answer(nodeQuery, 3);
+    EXPECT_EQ(lookUp("/dev/sdc")["result"], "tool-failed");
+    rules.limit = *rules.limit + std::chrono::hours(1);
+    tools.answer(nodeQuery, 3).answer(rescan, 0);
+    findAtOnce();
+    EXPECT_EQ(lookUp("/dev/sdc")["result"], "confirmed");
+}
+
+TEST_F(ActiveLookupTest, AfterTheLastAttemptThereIsNoPause)
+{
+    rules.tries = 2;
+    tools.answer(nodeQuery, 3).answer(rescan, 0).answer(nodeQuery, 3);
+    const Row row = lookUp("/dev/sdc");
+    EXPECT_EQ(row["active"], "/dev/sdc");
+    EXPECT_EQ(row["reason"], "kodmpadm getdmpnode ended with status 3 (2 attempts)");
+    EXPECT_EQ(row["timeline"].size(), 4U);
+}
+
+TEST_F(ActiveLookupTest, ByItselfTheLibraryPausesAfterTheLastAttemptToo)
+{
+    for (int attempt = 0; attempt < 4; ++attempt)
+        tools.answer(nodeQuery, 3).answer(rescan, 0);
+    EXPECT_EQ(lookUp("/dev/sdc")["timeline"].size(), 12U);
+}
+
+TEST_F(ActiveLookupTest, WithoutToolsItIsNotInstalled)
+{
+    tools.installed = false;
+    const Row row = lookUp("/dev/sdc1");
+    EXPECT_EQ(row["result"], "not-installed");
+    EXPECT_EQ(row["active"], "/dev/sdc1");
+}
+
+TEST_F(ActiveLookupTest, APartitionsNumberIsKeptAsItIsWritten)
+{
+    for (const char* number : {"1", "15", "007", "4294967295", "99999999999999999999"}) {
+        findAtOnce();
+        const Row row = lookUp(std::string("/dev/sdc") + number);
+        EXPECT_EQ(row["active"], std::string("/dev/sdf") + number);
+        EXPECT_EQ(row["disk"], "/dev/sdc");
+        EXPECT_EQ(row["changed"], true);
+    }
+}
+
+TEST_F(ActiveLookupTest, APartitionOfTheActiveDiskComesBackAsItWasGiven)
+{
+    tools.answer(nodeQuery, 0, nodeTable);
+    tools.answer(pathQuery, 0, {"NAME STATE", "====", "sdc ENABLED(A) PRIMARY"});
+    const Row row = lookUp("/dev/sdc007");
+    EXPECT_EQ(row["active"], "/dev/sdc007");
+    EXPECT_EQ(row["changed"], false);
+    EXPECT_EQ(row["result"], "confirmed");
+}
+
+TEST_F(ActiveLookupTest, OtherDriversPartitionsAreActiveThemselves)
+{
+    const Row row = lookUp("/dev/mapper/mpathap1");
+    EXPECT_EQ(row["active"], "/dev/mapper/mpathap1");
+    EXPECT_EQ(row["disk"], "/dev/mapper/mpatha");
+    EXPECT_EQ(row["result"], "not-asked");
+}
+
+TEST_F(ActiveLookupTest, AsGivenThePartitionsOwnNameIsAskedAbout)
+{
+    rules.asGiven = true;
+    tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=sdc1", 0, nodeTable);
+    tools.answer(pathQuery, 0, pathTable);
+    EXPECT_EQ(lookUp("/dev/sdc1")["active"], "/dev/sdf");
 }
 
 TEST_F(ActiveLookupTest, NoLineEndsItWhileTheToolRuns)

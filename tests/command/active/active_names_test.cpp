@@ -45,9 +45,10 @@ protected:
         std::filesystem::remove(logPath());
         const std::string path = "/dev/sd" + name;
         const Result ended = run({"-J", path});
-        EXPECT_EQ(ended.status, 0);
+        EXPECT_EQ(ended.status, 32);
         const Json document = Json::parse(ended.output);
         EXPECT_EQ(document["paths"][0]["changed"], false);
+        EXPECT_EQ(document["paths"][0]["result"], "not-found");
         EXPECT_EQ(document["paths"][0]["timeline"].size(), 12U);
         const std::vector<std::string> made = calls();
         ASSERT_EQ(made.size(), 8U);

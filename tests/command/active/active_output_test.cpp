@@ -4,19 +4,34 @@ namespace {
 
 class ActiveOutput : public ActiveCommand {};
 
-TEST_F(ActiveOutput, ATableShowsOwnerActivePathAndTime)
+TEST_F(ActiveOutput, ATableShowsTheActivePathAndHowTheLookupEnded)
 {
     const Result ended = run({"/dev/sdb", "/dev/sdc", "/dev/mapper/mpatha"});
     EXPECT_EQ(ended.status, 0);
     const std::vector<std::string> lines = splitLines(ended.output);
     ASSERT_EQ(lines.size(), 4U);
-    EXPECT_THAT(lines[0], testing::MatchesRegex("NAME +OWNER +ACTIVE +CHANGED +TOOK"));
+    const std::string named = " +confirmed +the volume manager names /dev/sdb for node arr0_17";
+    EXPECT_THAT(lines[0],
+                testing::MatchesRegex("NAME +OWNER +ACTIVE +CHANGED +TOOK +DISK +RESULT +REASON"));
     EXPECT_THAT(lines[1],
-                testing::MatchesRegex("/dev/sdb +native +/dev/sdb +no +[0-9]+\\.[0-9]{3}"));
+                testing::MatchesRegex(
+                    "/dev/sdb +native +/dev/sdb +no +[0-9]+\\.[0-9]{3} +/dev/sdb" + named));
     EXPECT_THAT(lines[2],
-                testing::MatchesRegex("/dev/sdc +native +/dev/sdb +yes +[0-9]+\\.[0-9]{3}"));
-    EXPECT_THAT(lines[3], testing::MatchesRegex("/dev/mapper/mpatha +device-mapper "
-                                                "+/dev/mapper/mpatha +no +0\\.[0-9]{3}"));
+                testing::MatchesRegex(
+                    "/dev/sdc +native +/dev/sdb +yes +[0-9]+\\.[0-9]{3} +/dev/sdc" + named));
+    EXPECT_THAT(lines[3],
+                testing::MatchesRegex("/dev/mapper/mpatha +device-mapper +/dev/mapper/mpatha +no "
+                                      "+0\\.[0-9]{3} +/dev/mapper/mpatha +not-asked +the volume "
+                                      "manager is not asked about paths of device-mapper"));
+}
+
+TEST_F(ActiveOutput, StatusesTellWhetherPathsAreConfirmedOrNotAskedAbout)
+{
+    EXPECT_EQ(run({"/dev/sdc", "/dev/mapper/mpatha"}).status, 0);
+    EXPECT_EQ(run({"/dev/emcpowera"}).status, 0);
+    EXPECT_EQ(run({"--once", "/dev/sdc", "/dev/sdz"}).status, 64);
+    EXPECT_EQ(run({"--once", "/dev/mapper/mpatha", "/dev/sdz"}).status, 64);
+    EXPECT_EQ(run({"--once", "/dev/sdy", "/dev/sdz"}).status, 32);
 }
 
 TEST_F(ActiveOutput, StatusesTellWhetherPathsAreClaimed)
@@ -25,6 +40,8 @@ TEST_F(ActiveOutput, StatusesTellWhetherPathsAreClaimed)
     EXPECT_THAT(run({"-n", "-o", "NAME,OWNER,ACTIVE,CHANGED", "-r", "x"}),
                 testing::AllOf(testing::Field(&Result::status, 32),
                                testing::Field(&Result::output, "x - - no\n")));
+    EXPECT_EQ(run({"-n", "-o", "DISK,RESULT,REASON", "x"}).output,
+              "- not-claimed no driver claims it\n");
     EXPECT_EQ(run({}).status, 2);
 }
 

@@ -15,8 +15,9 @@ class DryRun : public testing::Test {
 protected:
     std::vector<Row> rows(const std::string& path, bool refresh = false)
     {
+        rules.refresh = refresh;
         std::vector<Row> rows;
-        for (const auto& command : command::dryRun(m_manager, path, refresh))
+        for (const auto& command : command::dryRun(m_manager, path, rules))
             rows.push_back(answerJson(command, command::plannedColumns()));
         return rows;
     }
@@ -32,6 +33,7 @@ protected:
     }
 
     ScriptedTools tools;
+    command::LookupRules rules;
 
 private:
     std::vector<std::string> column(const char* name, const std::string& path, bool refresh)
@@ -93,6 +95,28 @@ TEST_F(DryRun, EachRowTellsThePathItsOwnerAndWhenTheCommandRuns)
                             "before each attempt of the line below",
                             "up to 4 times until it succeeds, 10 seconds after each failure",
                             "when the node was found"));
+}
+
+TEST_F(DryRun, APartitionsDiskIsAskedAbout)
+{
+    EXPECT_EQ(commands("/dev/sdc12").front(), "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc");
+    rules.asGiven = true;
+    EXPECT_EQ(commands("/dev/sdc12").front(), "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc12");
+}
+
+TEST_F(DryRun, ANumberOfAttemptsIsTold)
+{
+    rules.tries = 2;
+    EXPECT_THAT(whens("/dev/sdc"),
+                ElementsAre("first; up to 2 times until it succeeds",
+                            "5 seconds after each failure of the line above but the last",
+                            "when the node was found"));
+    rules.tries = 1;
+    EXPECT_THAT(commands("/dev/sdc"),
+                ElementsAre("/usr/sbin/kodmpadm   getdmpnode  nodename=sdc",
+                            "/usr/sbin/kodmpadm   getsubpaths  dmpnodename=NODE"));
+    EXPECT_EQ(whens("/dev/sdc").front(), "first; once");
+    EXPECT_EQ(whens("/dev/sdc", true)[3], "once");
 }
 
 TEST_F(DryRun, WithoutTheToolsItSaysSo)

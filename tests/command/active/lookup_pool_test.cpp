@@ -214,6 +214,83 @@ TEST(LookupPool, AnInterruptedWorkerLeavesNoAnswer)
     EXPECT_THAT(answers(pool), ElementsAre("a"));
 }
 
+/// The rest in short: "a" for an answer, "a?" for a path without one.
+std::vector<std::string> restOf(LookupPool& pool)
+{
+    std::vector<std::string> all;
+    for (const LookupPool::Rest& rest : pool.takeRest())
+        all.push_back(rest.result.name + (rest.isAnswered ? "" : "?"));
+    return all;
+}
+
+TEST(LookupPool, TheRestAreTheAnswersBehindAPathWithoutOne)
+{
+    std::promise<void> goOn;
+    std::promise<void> thirdIsAsked;
+    {
+        LookupPool pool(
+            2, source({"a", "b", "c"}),
+            [&, wait = goOn.get_future().share()](const std::string& path, unsigned int) {
+                if (path == "c")
+                    thirdIsAsked.set_value();
+                if (path != "b")
+                    wait.wait();
+                return named(path + "!");
+            });
+        thirdIsAsked.get_future().wait();
+        EXPECT_THAT(restOf(pool), ElementsAre("a?", "b!", "c?"));
+        goOn.set_value();
+        EXPECT_THAT(answers(pool), testing::IsEmpty()); // they come too late
+    }
+}
+
+TEST(LookupPool, AfterTheRestNoPathIsTaken)
+{
+    std::promise<void> goOn;
+    std::promise<void> isAsked;
+    LookupPool pool(1, source({"a", "b"}), [&](const std::string& path, unsigned int) {
+        isAsked.set_value();
+        goOn.get_future().wait();
+        return named(path);
+    });
+    isAsked.get_future().wait();
+    EXPECT_THAT(restOf(pool), ElementsAre("a?"));
+    goOn.set_value();
+    EXPECT_THAT(answers(pool), testing::IsEmpty());
+}
+
+TEST(LookupPool, AfterTheEndThereIsNoRest)
+{
+    LookupPool pool(2, source({"a", "b"}),
+                    [](const std::string& path, unsigned int) { return named(path); });
+    EXPECT_THAT(answers(pool), ElementsAre("a", "b"));
+    EXPECT_THAT(restOf(pool), testing::IsEmpty());
+}
+
+TEST(LookupPool, AnInterruptedWorkersPathIsInTheRest)
+{
+    LookupPool pool(1, source({"a"}), [](const std::string&, unsigned int) -> LookupResult {
+        throw command::Interrupted();
+    });
+    EXPECT_THAT(answers(pool), testing::IsEmpty());
+    EXPECT_THAT(restOf(pool), ElementsAre("a?"));
+}
+
+TEST(LookupPool, TheRestThrowsWhatTheWorkThrew)
+{
+    std::promise<void> secondIsWanted;
+    LookupPool pool(
+        1,
+        [&, calls = 0]() mutable {
+            if (++calls == 2)
+                secondIsWanted.set_value();
+            return calls == 1 ? std::optional<std::string>("a") : std::nullopt;
+        },
+        [](const std::string&, unsigned int) -> LookupResult { throw std::runtime_error("no a"); });
+    secondIsWanted.get_future().wait();
+    EXPECT_THROW(pool.takeRest(), std::runtime_error);
+}
+
 /// A pool whose source has no end: "0", "1" and so on. The first path is answered when the test
 /// says so, the others at once.
 class EndlessPool {

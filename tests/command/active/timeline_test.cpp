@@ -13,7 +13,7 @@ class TimelineTest : public testing::Test {
 protected:
     void take(std::chrono::milliseconds time, Kind kind, std::optional<int> result = {})
     {
-        timeline.take({kind, kind == Kind::toolStarts ? "tool" : "", result},
+        timeline.take({kind, kind == Kind::toolStarts ? "tool" : "", result, {}},
                       Timeline::Clock::time_point(time));
     }
 

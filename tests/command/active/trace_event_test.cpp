@@ -28,6 +28,10 @@ const Case events[] = {
     {2, "Warning - failed with message='' and error no '3'.", Kind::toolFails},
     {1, "ExecuteCommand - exception thrown in command execution.", Kind::toolCannotRun},
     {6, "Exiting Function executeCommand [212, dmp_nativepath_claim.cpp]", Kind::toolEnds},
+    {6, "ExecuteCommand passed with output 'ExecuteCommand command: x'", Kind::toolAnswers},
+    {2, "Warning - no output of command.", Kind::noOutput},
+    {2, "Warning - no valid output of command.", Kind::headerNotFirst},
+    {6, "Got active path [/dev/sdb].", Kind::activePath},
     {6, "Obtaining dmp nodes failed. need to retry.", Kind::waitStarts},
 };
 
@@ -39,10 +43,16 @@ const Case others[] = {
     {3, "Exiting Function executeCommand [212, dmp_nativepath_claim.cpp]", Kind::other},
     {6, "Entering Function executeCommand [212, dmp_nativepath_claim.cpp]", Kind::other},
     {6, "Exiting Function executeCommands [212, dmp_nativepath_claim.cpp]", Kind::other},
-    {6, "ExecuteCommand passed with output 'ExecuteCommand command: x'", Kind::other},
+    {3, "ExecuteCommand passed with output 'x'", Kind::other},
+    {6, "ExecuteCommand passed", Kind::other},
     {2, "Command [ExecuteCommand command: x] warns: Warning - failed with message='", Kind::other},
     {2, "Warning - obtaining dmp nodes failed even after multiple retries.", Kind::other},
-    {2, "Warning - no output of command.", Kind::other},
+    {6, "Warning - no output of command.", Kind::other},
+    {2, "Warning - no output of command. ", Kind::other},
+    {2, "Warning - no valid output", Kind::other},
+    {2, "Got active path [/dev/sdb].", Kind::other},
+    {1, "Exiting", Kind::other},
+    {4, "ExecuteCommand command: x", Kind::other},
     {2, "Obtaining dmp nodes failed. need to retry.", Kind::other},
     {6, "Obtaining dmp nodes failed. need to retry. ", Kind::other},
     {6, "", Kind::other},
@@ -78,6 +88,15 @@ TEST(TraceEvent, AFailureTellsTheRunnersNumberWhateverTheMessageHolds)
     EXPECT_EQ(traceEvent(2, "Warning - failed with message='' and error no 'x'.").result,
               std::nullopt);
     EXPECT_EQ(traceEvent(2, "Warning - failed with message='cut off").result, std::nullopt);
+}
+
+TEST(TraceEvent, WhatToolsPrintedIsAPartOfTheLine)
+{
+    EXPECT_EQ(traceEvent(2, "Warning - failed with message='a' b' and error no '3'.").output,
+              "a' b");
+    EXPECT_EQ(traceEvent(2, "Warning - failed with message='cut off").output, "");
+    EXPECT_EQ(traceEvent(6, "ExecuteCommand passed with output 'NAME STATE'").output,
+              "NAME STATE'");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "cli/options.h"
 
+#include <chrono>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -173,6 +174,19 @@ TEST(Options, OptionsOfTheSubcommandsOwnAreKnownWhenTheyAreGiven)
     EXPECT_FALSE(told.isGiven("--dry-run"));
     EXPECT_EQ(told.value("--jobs"), "64");
     EXPECT_EQ(complaint({"show", "x", "--refresh"}), "show: unknown option '--refresh'");
+}
+
+TEST(Options, SecondsAreReadToTheMillisecond)
+{
+    using namespace std::chrono_literals;
+    const std::pair<const char*, std::chrono::milliseconds> good[] = {
+        {"0", 0ms},      {"10", 10s},     {"0.5", 500ms},        {"1.25", 1250ms}, {"007", 7s},
+        {"0.0004", 0ms}, {"0.0006", 1ms}, {"1000000", 1000000s}, {"2.000", 2s}};
+    for (const auto& [text, time] : good)
+        EXPECT_EQ(command::parseSeconds(text), time) << text;
+    for (const char* text : {"", ".", ".5", "5.", "1.2.3", "-1", "+1", "1e3", "inf", "nan", "0x10",
+                             " 1", "1 ", "1,5", "9999999999999"})
+        EXPECT_EQ(command::parseSeconds(text), std::nullopt) << text;
 }
 
 TEST(Options, WhatIsNotKnownIsNamed)

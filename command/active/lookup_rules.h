@@ -1,0 +1,31 @@
+#ifndef ACTIVE_LOOKUP_RULES_H
+#define ACTIVE_LOOKUP_RULES_H
+
+#include <optional>
+
+#include "interrupt/time_limit.h"
+#include "kovm/retry_policy.h"
+
+namespace command {
+
+/// How active paths are looked up.
+struct LookupRules {
+    bool refresh = false; // remove the disk's node first
+    bool asGiven = false; // ask about a partition's own name
+    TimeLimit limit;      // of all lookups together
+    /// The most attempts. Without a number, the library makes as many as it does by itself, and
+    /// pauses after the last one too.
+    std::optional<int> tries;
+
+    /// The attempts and pauses of a lookup.
+    kovm::RetryPolicy policy() const
+    {
+        kovm::RetryPolicy policy = kovm::retryPolicy(refresh);
+        policy.attempts = tries.value_or(policy.attempts);
+        return policy;
+    }
+};
+
+} // namespace command
+
+#endif
