@@ -95,7 +95,7 @@ public:
         : m_knowsOthers(knowsOthers), m_report(report)
     {
         for (const MultipathDisk& node : nodesOf(answers)) {
-            for (const DiskPath& path : node.paths)
+            for (const ExaminedPath& path : node.paths)
                 m_held.insert(path.name);
         }
     }

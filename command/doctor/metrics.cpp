@@ -61,7 +61,7 @@ void addTotals(const Report& report, Metrics& metrics)
     std::map<std::pair<std::string, PathState>, std::size_t> paths;
     for (const MultipathDisk& disk : report.disks) {
         ++disks[disk.driver];
-        for (const DiskPath& path : disk.paths)
+        for (const ExaminedPath& path : disk.paths)
             ++paths[{disk.driver, path.state}];
     }
     metrics.begin("disks", "Disks whose paths were examined.");
@@ -89,7 +89,7 @@ void addDisks(const Report& report, Metrics& metrics)
                     disk.paths.size() - disk.usablePaths());
     metrics.begin("disk_used_path_info", "The path that carries the I/O of a disk, where known.");
     for (const MultipathDisk& disk : report.disks) {
-        for (const DiskPath& path : disk.paths) {
+        for (const ExaminedPath& path : disk.paths) {
             if (path.isUsed)
                 metrics.add({{"device", disk.device}, {"driver", disk.driver}, {"path", path.name}},
                             1);

@@ -5,20 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "multipath/disk_paths.h"
+
 namespace command {
 
-/// The state of a path, as far as it is known without asking the disk. An unknown state counts as
-/// one that can be used.
-enum class PathState { active, standby, unknown, offline, failed };
-
-inline constexpr PathState allPathStates[] = {PathState::active, PathState::standby,
-                                              PathState::unknown, PathState::offline,
-                                              PathState::failed};
-
-/// "active", "standby", "unknown", "offline" or "failed".
-const char* pathStateName(PathState state);
-
-struct DiskPath {
+/// A path of an examined disk. An unknown state counts as one that can be used.
+struct ExaminedPath {
     std::string name; // of the kernel, or of the volume manager
     PathState state;
     bool isUsed = false; // carries the I/O now
@@ -30,7 +22,7 @@ struct DiskPath {
 struct MultipathDisk {
     std::string device; // its path, or the name of the volume manager's node
     const char* driver; // "device-mapper", "nvme" or "kodmp"
-    std::vector<DiskPath> paths;
+    std::vector<ExaminedPath> paths;
 
     std::size_t usablePaths() const;
 };

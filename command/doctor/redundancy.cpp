@@ -36,7 +36,7 @@ std::string usableText(const MultipathDisk& disk)
 {
     std::string text = counted(disk.paths.size());
     const auto used = std::find_if(disk.paths.begin(), disk.paths.end(),
-                                   [](const DiskPath& path) { return path.isUsed; });
+                                   [](const ExaminedPath& path) { return path.isUsed; });
     return used == disk.paths.end() ? text : text + ", " + used->name + " carries the I/O";
 }
 

@@ -31,7 +31,7 @@ Document mapDocument(const std::pair<std::string, std::string>& map)
     return Document::Record{{"name", map.first}, {"uuid", map.second}};
 }
 
-Document pathDocument(const DiskPath& path)
+Document pathDocument(const ExaminedPath& path)
 {
     return Document::Record{
         {"name", path.name}, {"state", pathStateName(path.state)}, {"used", path.isUsed}};

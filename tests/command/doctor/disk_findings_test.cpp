@@ -458,7 +458,7 @@ TEST_F(DiskFindings, ANodesPathsAreKnownByTheirStates)
     EXPECT_EQ(nodes[0].device, "arr0_17");
     EXPECT_STREQ(nodes[0].driver, "kodmp");
     std::string states;
-    for (const command::DiskPath& path : nodes[0].paths)
+    for (const command::ExaminedPath& path : nodes[0].paths)
         states +=
             path.name + ' ' + command::pathStateName(path.state) + (path.isUsed ? " used; " : "; ");
     EXPECT_EQ(states, "sdb standby; sdc active used; sdd failed; sde standby; ");

@@ -8,7 +8,7 @@
 namespace {
 
 using command::Code;
-using command::DiskPath;
+using command::ExaminedPath;
 using command::Finding;
 using command::MultipathDisk;
 using command::PathState;
@@ -16,10 +16,10 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-const DiskPath active{"sdb", PathState::active, true};
-const DiskPath standby{"sdc", PathState::standby};
-const DiskPath failed{"sdd", PathState::failed};
-const DiskPath offline{"sde", PathState::offline};
+const ExaminedPath active{"sdb", PathState::active, true};
+const ExaminedPath standby{"sdc", PathState::standby};
+const ExaminedPath failed{"sdd", PathState::failed};
+const ExaminedPath offline{"sde", PathState::offline};
 
 std::vector<Finding> found(const MultipathDisk& disk, std::size_t expected = 0)
 {
@@ -29,12 +29,12 @@ std::vector<Finding> found(const MultipathDisk& disk, std::size_t expected = 0)
     return findings;
 }
 
-std::vector<Finding> found(const std::vector<DiskPath>& paths, std::size_t expected = 0)
+std::vector<Finding> found(const std::vector<ExaminedPath>& paths, std::size_t expected = 0)
 {
     return found(MultipathDisk{"/dev/mapper/mpatha", "device-mapper", paths}, expected);
 }
 
-Code codeFor(const std::vector<DiskPath>& paths)
+Code codeFor(const std::vector<ExaminedPath>& paths)
 {
     return found(paths).front().code;
 }
@@ -71,7 +71,7 @@ TEST(Redundancy, NoPathLeftIsAnError)
     EXPECT_EQ(finding.code, Code::noPath);
     EXPECT_EQ(finding.text, "no path is left: sdd failed, sde offline");
     EXPECT_EQ(finding.severity(), command::Severity::error);
-    EXPECT_EQ(found(std::vector<DiskPath>{}).front().text, "it has no path");
+    EXPECT_EQ(found(std::vector<ExaminedPath>{}).front().text, "it has no path");
 }
 
 TEST(Redundancy, AStateThatIsNotKnownIsNoLoss)
@@ -105,7 +105,7 @@ protected:
         std::vector<std::string> lines;
         for (const MultipathDisk& disk : command::kernelDisks(inventory)) {
             std::string line = disk.device + ' ' + disk.driver + ':';
-            for (const DiskPath& path : disk.paths)
+            for (const ExaminedPath& path : disk.paths)
                 line += ' ' + path.name + ' ' + command::pathStateName(path.state);
             lines.push_back(line);
         }
