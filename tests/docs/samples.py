@@ -3,7 +3,8 @@
 usage: samples.py COMMAND PAGE...
 
 A sample is a line "$ dmpclaim ..." of a ```console block, and the lines below it up to the next
-line with "$". COMMAND is the dmpclaim that is run, in a shell.
+line with "$". COMMAND is the dmpclaim that is run, in a shell. A ```console example block shows what
+another machine has, and is not run.
 """
 
 import difflib
