@@ -5,46 +5,25 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdarg>
-#include <cstdint>
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <string>
 #include <thread>
 #include <utility>
 
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <grp.h>
 #include <linux/capability.h>
 #include <sys/mman.h>
-#include <sys/ptrace.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
-#include <sys/uio.h>
+#include <unistd.h>
 
 #include "exec_test.h"
-#include "pdk/zecmn/descriptor.h"
+#include "memory_attacks.h"
 #include "tests/support/child.h"
+#include "tests/support/replaced_syscall.h"
 
 namespace {
-
-constexpr uid_t nobody = 65534;
-constexpr std::uint64_t magic = 0x7365'6372'6574'2121;
-
-/// What processes of the account must not read.
-volatile std::uint64_t secret = magic;
-
-/// Shared memory of the test and its processes.
-struct Board {
-    std::atomic<long> attempts{0};
-    std::atomic<long> opened{0}; // how many memory files of processes could be opened
-    std::atomic<long> wonByFile{0};
-    std::atomic<long> wonByCopying{0};
-    std::atomic<long> wonByTracing{0};
-    std::atomic<bool> holdsChildren{false};
-    std::atomic<pid_t> held{0}; // a process that waits to be attacked
-};
-
-Board* board;
-
-auto* const realSyscall = reinterpret_cast<long (*)(long, ...)>(dlsym(RTLD_NEXT, "syscall"));
 
 void doze()
 {
@@ -54,91 +33,18 @@ void doze()
 
 } // namespace
 
-/// Children of the runner call this too.
-extern "C" long syscall(long number, ...) noexcept
+std::optional<long> answerSyscall(long number, const SyscallArguments& /*arguments*/) noexcept
 {
-    va_list list;
-    va_start(list, number);
-    long a[6];
-    for (long& argument : a)
-        argument = va_arg(list, long);
-    va_end(list);
     if (number == SYS_execve && board != nullptr && board->holdsChildren &&
         realSyscall(SYS_getuid) == nobody) {
         board->held = static_cast<pid_t>(realSyscall(SYS_getpid));
         while (board->held != 0)
             doze();
     }
-    return realSyscall(number, a[0], a[1], a[2], a[3], a[4], a[5]);
+    return std::nullopt;
 }
 
 namespace {
-
-/// Reads and overwrites the secret through the process's memory file.
-void attackByFile(pid_t process)
-{
-    ++board->attempts;
-    const std::string path = "/proc/" + std::to_string(process) + "/mem";
-    const koze_pdk_4_4::Descriptor memory(open(path.c_str(), O_RDWR | O_CLOEXEC));
-    if (!memory.isOpen())
-        return;
-    ++board->opened;
-    const auto at = static_cast<off_t>(reinterpret_cast<std::uintptr_t>(&secret));
-    std::uint64_t found = 0;
-    const std::uint64_t other = 1;
-    if (pread(memory.number(), &found, sizeof found, at) == sizeof found && found == magic) {
-        ++board->wonByFile;
-        EXPECT_EQ(pwrite(memory.number(), &other, sizeof other, at), sizeof other);
-    }
-}
-
-void attackByCopying(pid_t process)
-{
-    ++board->attempts;
-    std::uint64_t found = 0;
-    const iovec mine{&found, sizeof found};
-    const iovec theirs{const_cast<std::uint64_t*>(&secret), sizeof secret};
-    if (process_vm_readv(process, &mine, 1, &theirs, 1, 0) == sizeof found && found == magic)
-        ++board->wonByCopying;
-}
-
-void attackByTracing(pid_t process)
-{
-    ++board->attempts;
-    if (ptrace(PTRACE_SEIZE, process, nullptr, nullptr) == 0)
-        ++board->wonByTracing;
-}
-
-bool switchToNobody()
-{
-    return setgroups(0, nullptr) == 0 && setresgid(nobody, nobody, nobody) == 0 &&
-           setresuid(nobody, nobody, nobody) == 0;
-}
-
-/// A process of the account that repeats `work`.
-class Nobody {
-public:
-    explicit Nobody(void (*work)()) : m_process(fork())
-    {
-        if (m_process != 0)
-            return;
-        if (!switchToNobody())
-            _exit(1);
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        for (;;)
-            work();
-    }
-    Nobody(const Nobody&) = delete;
-    Nobody& operator=(const Nobody&) = delete;
-    ~Nobody()
-    {
-        kill(m_process, SIGKILL);
-        waitpid(m_process, nullptr, 0);
-    }
-
-private:
-    pid_t m_process;
-};
 
 /// Lets processes of the same account trace this one, also where the system restricts tracing, and
 /// waits to be attacked.

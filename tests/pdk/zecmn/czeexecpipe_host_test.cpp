@@ -27,21 +27,7 @@ using testing::StartsWith;
 
 namespace {
 
-class ExecHost : public ExecTest {
-protected:
-    /// Every way that a run can end.
-    void expectEveryEnding()
-    {
-        EXPECT_EQ(exec("print 0 1 a\\n"), 0);
-        EXPECT_EQ(output(), Lines({"a"}));
-        EXPECT_EQ(exec("print 3 2 why\\n"), 3);
-        EXPECT_EQ(output(), Lines({"why"}));
-        EXPECT_EQ(exec("die_by 9"), 1009);
-        EXPECT_EQ(exec("leave_child 4"), 4);
-        EXPECT_EQ(exec("lines 1 67108864"), CZeExecPipeBase::boundExceeded);
-        EXPECT_NE(refusal("/no/such/program"), "");
-    }
-};
+class ExecHost : public ExecTest {};
 
 /// Handles a signal while it lives.
 class Handler {

@@ -70,6 +70,23 @@ protected:
         expectNobodyLeft();
     }
 
+    /// Every way that a run can end.
+    void expectEveryEnding()
+    {
+        using koze_pdk_4_4::CZeExecPipeBase;
+        EXPECT_EQ(exec("print 0 1 a\\n"), 0);
+        EXPECT_EQ(output(), Lines({"a"}));
+        EXPECT_EQ(exec("print 3 2 why\\n"), 3);
+        EXPECT_EQ(output(), Lines({"why"}));
+        EXPECT_EQ(exec("exit_with 3"), 3);
+        EXPECT_EQ(exec("die_by 9"), 1009);
+        EXPECT_EQ(exec("leave_child 4"), 4);
+        EXPECT_EQ(exec("close_early"), 7);
+        EXPECT_EQ(exec("lines 1 67108864"), CZeExecPipeBase::boundExceeded);
+        EXPECT_NE(refusal("/no/such/program"), "");
+        expectEndDespiteIgnoredTerm();
+    }
+
     const Lines& output() const { return m_output; }
     std::chrono::steady_clock::duration took() const { return m_took; }
     void traceTo(const koze_pdk_4_4::CZeTraceLogHandle& log) { m_log = log; }
