@@ -7,9 +7,34 @@
 
 #include <unistd.h>
 
+#include "cli/complaint.h"
+
 namespace command {
 
 std::optional<std::string> LineReader::next()
+{
+    for (;;) {
+        std::optional<std::string> line = nextWhole();
+        if (!line || m_separator == '\0')
+            return line;
+        takeOffCarriageReturn(*line);
+        if (!line->empty())
+            return line;
+    }
+}
+
+void LineReader::takeOffCarriageReturn(std::string& line)
+{
+    if (line.empty() || line.back() != '\r')
+        return;
+    line.pop_back();
+    if (!m_hasWarned)
+        complain("lines of standard input end with a carriage return, which is taken off; "
+                 "to keep it, separate the names by NULs");
+    m_hasWarned = true;
+}
+
+std::optional<std::string> LineReader::nextWhole()
 {
     for (;;) {
         const std::size_t end = findSeparator();

@@ -12,8 +12,9 @@ namespace command {
 ///     input = { line separator } [ line ]          /dev/sda\n/dev/sdb\n
 ///
 /// The separator is the first line feed or NUL of the input; the other character is part of the
-/// lines from then on. A last line without its separator counts. Nothing else is special: an
-/// empty line is a line, and a carriage return belongs to its line.
+/// lines from then on. A last line without its separator counts. Between line feeds, empty lines
+/// are skipped, and a carriage return at a line's end is taken off: standard error says so once.
+/// Lines between NULs are taken as they are.
 class LineReader {
 public:
     /// The caller keeps `descriptor`. `beforeWait` is called before each read, when all complete
@@ -30,6 +31,8 @@ public:
     std::optional<std::string> next();
 
 private:
+    std::optional<std::string> nextWhole();
+    void takeOffCarriageReturn(std::string& line);
     std::size_t findSeparator();
     void receive();
     std::string take(std::size_t end);
@@ -41,6 +44,7 @@ private:
     std::size_t m_begin = 0;    // of the next line
     std::size_t m_searched = 0; // no separator between the line's begin and here
     bool m_ended = false;
+    bool m_hasWarned = false;
 };
 
 } // namespace command

@@ -39,10 +39,16 @@ TEST(LineReader, ALastLineWithoutItsEndCounts)
     EXPECT_THAT(linesOf("a\nb"), ElementsAre("a", "b"));
 }
 
-TEST(LineReader, AnEmptyLineIsALine)
+TEST(LineReader, EmptyLinesAreSkipped)
 {
-    EXPECT_THAT(linesOf("\n"), ElementsAre(""));
-    EXPECT_THAT(linesOf("a\n\n\nb\n"), ElementsAre("a", "", "", "b"));
+    EXPECT_THAT(linesOf("\n"), IsEmpty());
+    EXPECT_THAT(linesOf("\na\n\n\nb\n"), ElementsAre("a", "b"));
+}
+
+TEST(LineReader, EmptyNamesBetweenNulsAreKept)
+{
+    using namespace std::string_literals;
+    EXPECT_THAT(linesOf("a\0\0b\0"s), ElementsAre("a", "", "b"));
 }
 
 TEST(LineReader, TheFirstSeparatorMetIsTheOnlyOne)
@@ -53,9 +59,21 @@ TEST(LineReader, TheFirstSeparatorMetIsTheOnlyOne)
     EXPECT_THAT(linesOf("\0\n"s), ElementsAre("", "\n"));
 }
 
-TEST(LineReader, ACarriageReturnBelongsToItsLine)
+TEST(LineReader, ACarriageReturnAtALinesEndIsTakenOffWithOneWarning)
 {
-    EXPECT_THAT(linesOf("a\r\nb\r\n"), ElementsAre("a\r", "b\r"));
+    testing::internal::CaptureStderr();
+    EXPECT_THAT(linesOf("a\r\nb\rc\r\n\r\nd\r\r\ne\r"), ElementsAre("a", "b\rc", "d\r", "e"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "dmpclaim: lines of standard input end with a carriage return, which is taken off; "
+              "to keep it, separate the names by NULs\n");
+}
+
+TEST(LineReader, ACarriageReturnBetweenNulsIsKept)
+{
+    using namespace std::string_literals;
+    testing::internal::CaptureStderr();
+    EXPECT_THAT(linesOf("a\r\0b\n\0"s), ElementsAre("a\r", "b\n"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST(LineReader, ASeparatorCanBeSet)
