@@ -1,5 +1,6 @@
 #include "active_command.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -97,6 +98,30 @@ TEST_F(ActiveTimeLimit, EndsWhatAToolHasStarted)
     useTool("sh -c 'echo $$ >" + file + "; trap \"\" TERM; while :; do sleep 0.01; done' & wait");
     EXPECT_EQ(paths(withTools({"-J", "--timeout=0.5", "/dev/sdc"}), 32)[0]["result"], "timed-out");
     EXPECT_FALSE(runs("id"));
+}
+
+TEST_F(ActiveTimeLimit, AToolThatCannotBeEndedIsNotWaitedFor)
+{
+    useScenario("hanging-tool");
+    // Another process namespace's /proc shows no tools. The command is its first process, so that
+    // the tool ends with it.
+    const std::vector<std::string> unshare{"unshare", "-pf", "--kill-child"};
+    std::vector<std::string> command =
+        active({"-J", "-j2", "--timeout=0.2", "/dev/sdc2", "/dev/mapper/a"});
+    command.insert(std::find(command.begin(), command.end(), "env"), unshare.begin(),
+                   unshare.end());
+    const Result ended = Process(command).finish();
+    EXPECT_EQ(ended.status, 64);
+    EXPECT_THAT(ended.errors, testing::StartsWith("dmpclaim: a tool may still run: "));
+    const Json answers = Json::parse(ended.output)["paths"];
+    ASSERT_EQ(answers.size(), 2U);
+    EXPECT_EQ(answers[0]["name"], "/dev/sdc2");
+    EXPECT_EQ(answers[0]["owner"], "native");
+    EXPECT_EQ(answers[0]["disk"], "/dev/sdc");
+    EXPECT_EQ(answers[0]["active"], "/dev/sdc2");
+    EXPECT_EQ(answers[0]["result"], "timed-out");
+    EXPECT_EQ(answers[0]["reason"], "the time limit passed, and a tool does not end");
+    EXPECT_EQ(answers[1]["result"], "not-asked");
 }
 
 TEST_F(ActiveTimeLimit, CountsForAllPathsTogether)
