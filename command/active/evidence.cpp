@@ -92,7 +92,6 @@ void Evidence::start(const TraceEvent& event)
     m_current = nullptr;
     if (startsWith(event.command, kovm::nodeQuery(""))) {
         m_current = &m_node.emplace();
-        m_path.reset();
     } else if (startsWith(event.command, pathQuery)) {
         m_current = &m_path.emplace();
         m_nodeName = event.command.substr(pathQuery.size());

@@ -22,7 +22,8 @@ Exit status:
   32  no path is claimed
   64  some paths are claimed, some are not
    1  input or output failed; for 'active' also: there are warnings
-   2  the command line is wrong; nothing was done)";
+   2  the command line is wrong; nothing was done
+For 'active' a path counts as claimed when it is confirmed or not asked about.)";
 
 constexpr char pathHelp[] = "Device paths; '-' reads them from standard input, one a\n"
                             "line, or NUL-separated if a NUL is met before a line end";
