@@ -39,6 +39,7 @@ stale_disks() {
 }
 
 # milliseconds JOBS DISKS: the time that the lookup of so many disks takes with so many jobs.
+# Their names end in digits, as names of partitions do, and are asked about as they are.
 milliseconds() {
     local disks begin end
     mapfile -t disks < <(seq -f '/dev/sdx%.0f' "$2")
@@ -47,7 +48,7 @@ milliseconds() {
     begin=${EPOCHREALTIME/./}
     env LD_PRELOAD="$build/lib/libquick_sleep.so" SLEEP_LOG="$folder/sleeps" \
         SLEEP_MILLISECONDS=$pause \
-        "$build/bin/dmpclaim" active -j "$1" "${disks[@]}" >"$folder/rows"
+        "$build/bin/dmpclaim" active --as-given -j "$1" "${disks[@]}" >"$folder/rows"
     end=${EPOCHREALTIME/./}
     if (($(wc -l <"$folder/sleeps") != $2 || $(grep -c ' no ' "$folder/rows") != $2)); then
         printf 'not every mapping was repaired by its scan\n' >&2
