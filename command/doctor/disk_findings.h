@@ -3,9 +3,9 @@
 
 #include <vector>
 
-#include "doctor/disk_question.h"
 #include "doctor/finding.h"
 #include "doctor/multipath_disk.h"
+#include "multipath/disk_question.h"
 
 namespace command {
 

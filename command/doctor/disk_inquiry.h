@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/trace.h"
-#include "doctor/disk_question.h"
+#include "multipath/disk_question.h"
 
 namespace command {
 

@@ -173,7 +173,8 @@ private:
     void checkMachine()
     {
         const std::unordered_set<std::string> given = givenDevices();
-        for (MultipathDisk& disk : kernelDisks(m_kernel)) {
+        const DeviceMapper mapper;
+        for (MultipathDisk& disk : kernelDisks(m_kernel, std::ref(mapper))) {
             if (m_order.paths.empty() || given.count(disk.device) > 0)
                 m_report.disks.push_back(std::move(disk));
         }

@@ -9,8 +9,10 @@
 namespace command {
 
 /// The disks that the kernel itself multipaths, with their paths: maps of the device-mapper and
-/// NVMe disks. What only root may ask is not known, such as which path of a map carries the I/O.
-std::vector<MultipathDisk> kernelDisks(const Inventory& inventory);
+/// NVMe disks. Without `readMapStatus`' answer, the states of a map's paths are not known, nor
+/// which of them carries the I/O.
+std::vector<MultipathDisk> kernelDisks(const Inventory& inventory,
+                                       const ReadMapStatus& readMapStatus);
 
 } // namespace command
 

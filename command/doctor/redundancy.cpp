@@ -34,10 +34,14 @@ std::string leftOf(const MultipathDisk& disk)
 /// "2 paths, sdb carries the I/O"
 std::string usableText(const MultipathDisk& disk)
 {
-    std::string text = counted(disk.paths.size());
-    const auto used = std::find_if(disk.paths.begin(), disk.paths.end(),
-                                   [](const ExaminedPath& path) { return path.isUsed; });
-    return used == disk.paths.end() ? text : text + ", " + used->name + " carries the I/O";
+    const auto isUsed = [](const ExaminedPath& path) { return path.isUsed; };
+    const auto first = std::find_if(disk.paths.begin(), disk.paths.end(), isUsed);
+    const std::string text = counted(disk.paths.size());
+    if (first == disk.paths.end())
+        return text;
+    const bool hasOthers = std::any_of(first + 1, disk.paths.end(), isUsed);
+    return text + ", " + first->name +
+           (hasOthers ? " and others carry the I/O" : " carries the I/O");
 }
 
 Finding stateOf(const MultipathDisk& disk)

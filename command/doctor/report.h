@@ -6,10 +6,10 @@
 #include <utility>
 #include <vector>
 
-#include "doctor/disk_question.h"
 #include "doctor/finding.h"
 #include "doctor/multipath_disk.h"
 #include "interrupt/stop_request.h"
+#include "multipath/disk_question.h"
 #include "names/explanation.h"
 #include "output/document.h"
 

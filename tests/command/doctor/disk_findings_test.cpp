@@ -3,8 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include "doctor/disk_question.h"
 #include "doctor/tool_files.h"
+#include "multipath/disk_question.h"
 #include "tests/support/scripted_tools.h"
 
 #include <cerrno>

@@ -1,5 +1,5 @@
-#ifndef DOCTOR_DISK_QUESTION_H
-#define DOCTOR_DISK_QUESTION_H
+#ifndef MULTIPATH_DISK_QUESTION_H
+#define MULTIPATH_DISK_QUESTION_H
 
 #include <optional>
 #include <string>
@@ -58,6 +58,10 @@ struct DiskAnswer {
 /// lines go to `log`. `keepsOutput` is for reports. Throws Interrupted once `stop` is requested.
 DiskAnswer askAboutDisk(const std::string& path, const koze_pdk_4_4::CZeTraceLogHandle& log,
                         StopRequest& stop, bool keepsOutput);
+
+/// Asks for the paths of a node by its name, in the same way.
+DiskAnswer askAboutNode(const std::string& node, const koze_pdk_4_4::CZeTraceLogHandle& log,
+                        StopRequest& stop);
 
 } // namespace command
 

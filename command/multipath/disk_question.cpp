@@ -1,4 +1,4 @@
-#include "doctor/disk_question.h"
+#include "multipath/disk_question.h"
 
 #include <climits>
 
@@ -63,18 +63,32 @@ public:
 
     DiskAnswer ask(const std::string& path)
     {
-        m_answer.path = path;
-        const char* misread = whyNotAsked(path);
-        if (misread == nullptr && isTooLong(path))
-            misread = "it is longer than a path can be";
-        if (misread != nullptr)
-            end(Outcome::misnamed, misread);
-        else
+        if (mayBeAsked(path))
             askForNode();
         return std::move(m_answer);
     }
 
+    DiskAnswer askAboutNode(const std::string& node)
+    {
+        if (mayBeAsked(node)) {
+            m_answer.node = node;
+            askForPaths();
+        }
+        return std::move(m_answer);
+    }
+
 private:
+    bool mayBeAsked(const std::string& name)
+    {
+        m_answer.path = name;
+        const char* misread = whyNotAsked(name);
+        if (misread == nullptr && isTooLong(name))
+            misread = "it is longer than a path can be";
+        if (misread != nullptr)
+            end(Outcome::misnamed, misread);
+        return misread == nullptr;
+    }
+
     void askForNode()
     {
         const std::string disk = CNativePathClaim().removeDevPrefix(m_answer.path);
@@ -170,6 +184,11 @@ DiskAnswer askAboutDisk(const std::string& path, const CZeTraceLogHandle& log, S
                         bool keepsOutput)
 {
     return DiskQuestion(log, stop, keepsOutput).ask(path);
+}
+
+DiskAnswer askAboutNode(const std::string& node, const CZeTraceLogHandle& log, StopRequest& stop)
+{
+    return DiskQuestion(log, stop, false).askAboutNode(node);
 }
 
 } // namespace command
