@@ -1,13 +1,13 @@
-// Reading the tables that map disk names to nodes and nodes to their best path.
+// Asking for the node of a disk and for the best path of a node.
 #include <gmock/gmock.h>
 
 #include <new>
 #include <optional>
+#include <string>
+#include <vector>
 
-#include "providers/device/scsitool/dmp_nativepath_claim.h"
+#include "ko_dmp_mapping.h"
 #include "tests/support/allocation_probe.h"
-#include "tests/support/scripted_tools.h"
-#include "tests/support/trace_outline.h"
 
 using koze_pdk_4_4::CZeTraceLog;
 using koze_pdk_4_4::EZeExecPipe;
@@ -15,52 +15,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-using Lines = std::vector<std::string>;
-
-constexpr char file[] = "dmp_nativepath_claim.cpp";
-constexpr char nodeCommand[] = "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc";
-constexpr char pathCommand[] = "/usr/sbin/kodmpadm   getsubpaths  dmpnodename=arr0_17";
-constexpr char noOutput[] = "2 Warning - no output of command.";
-constexpr char invalidOutput[] = "2 Warning - no valid output of command.";
-constexpr char noPath[] = "2 Unable to get enabled disk path for dmp node 'arr0_17'";
-
-class KoDmpMapping : public testing::Test {
-protected:
-    KoDmpMapping() { m_support.registerTraceLog(m_log.handle()); }
-
-    int node(const Lines& output, int status = 0)
-    {
-        m_tools.answer(nodeCommand, status, output);
-        return m_support.getKoVMDiskForOSDiskHandler("sdc", m_name);
-    }
-
-    int path(const Lines& output, int status = 0)
-    {
-        m_tools.answer(pathCommand, status, output);
-        return m_support.getOSDiskHandleForKoVMDisk("arr0_17", m_name);
-    }
-
-    /// The lines of an operation besides its tracer's and those of `executeCommand`.
-    Lines ownTrace()
-    {
-        Lines own;
-        int depth = 0;
-        for (const std::string& line : outline(m_log.takeLines(), file)) {
-            depth -= line.rfind("< ", 0) == 0 ? 1 : 0;
-            if (depth == 1 && line.rfind("> ", 0) != 0 && line.rfind("< ", 0) != 0)
-                own.push_back(line);
-            depth += line.rfind("> ", 0) == 0 ? 1 : 0;
-        }
-        EXPECT_EQ(depth, 0);
-        return own;
-    }
-
-    ScriptedTools m_tools;
-    RecordingLog m_log;
-    CKoDMPSupport m_support;
-    std::string m_name = "old";
-};
 
 Lines nodeTable(const Lines& rows)
 {
@@ -154,159 +108,6 @@ TEST_F(KoDmpMapping, OtherExceptionsPassAndTheNameIsEmptied)
     m_name = "old";
     m_tools.answer({pathCommand, 0, {}, [] { throw std::bad_alloc(); }});
     EXPECT_THROW(m_support.getOSDiskHandleForKoVMDisk("arr0_17", m_name), std::bad_alloc);
-    EXPECT_EQ(m_name, "");
-}
-
-struct BadTable {
-    const char* what;
-    Lines lines;
-    int status;
-    Lines trace;
-};
-
-const BadTable badTables[] = {
-    {"no line", {}, 1, {noOutput}},
-    {"the header alone", {"NAME STATE"}, 1, {noOutput}},
-    {"one line without a header", {"sdc"}, 1, {noOutput}},
-    {"no header anywhere", {"x", "=", "sdb ENABLED(A)"}, 0, {}},
-    {"a header in small letters", {"name", "=", "sdb ENABLED(A)"}, 0, {}},
-    {"a header cut short", {"NAM STATE", "=", "sdb ENABLED(A)"}, 0, {}},
-    {"a note above the header", {"note", "NAME", "===", "sdb ENABLED(A)"}, 1, {invalidOutput}},
-    {"a header in the last line", {"a", "=", "NAME"}, 1, {invalidOutput}},
-};
-
-TEST_F(KoDmpMapping, ATableThatIsNoneGivesNoNode)
-{
-    for (const BadTable& bad : badTables) {
-        SCOPED_TRACE(bad.what);
-        EXPECT_EQ(node(bad.lines), bad.status);
-        EXPECT_EQ(m_name, "");
-        EXPECT_EQ(ownTrace(), bad.trace);
-    }
-}
-
-TEST_F(KoDmpMapping, ATableThatIsNoneGivesNoPath)
-{
-    for (const BadTable& bad : badTables) {
-        SCOPED_TRACE(bad.what);
-        EXPECT_EQ(path(bad.lines), bad.status);
-        EXPECT_EQ(m_name, "");
-        EXPECT_EQ(ownTrace(), bad.trace);
-    }
-}
-
-TEST_F(KoDmpMapping, ATableWithoutRowsIsAnEmptyAnswerForANodeOnly)
-{
-    EXPECT_EQ(node({"NAME", "===="}), 0);
-    EXPECT_EQ(m_name, "");
-    EXPECT_THAT(ownTrace(), IsEmpty());
-    EXPECT_EQ(path({"NAME", "===="}), 1);
-    EXPECT_EQ(m_name, "");
-    EXPECT_THAT(ownTrace(), ElementsAre(noPath));
-}
-
-TEST_F(KoDmpMapping, TheHeaderMayHoldItsTextAnywhere)
-{
-    EXPECT_EQ(node({"  DMPNODENAME", "=", "arr0_17"}), 0);
-    EXPECT_EQ(m_name, "arr0_17");
-}
-
-TEST_F(KoDmpMapping, TheSecondLineIsNeverRead)
-{
-    EXPECT_EQ(node({"NAME", "arr0_16 ENABLED", "arr0_17 ENABLED"}), 0);
-    EXPECT_EQ(m_name, "arr0_17");
-    EXPECT_EQ(path({"NAME", "sdb ENABLED(A)", "sdc ENABLED"}), 0);
-    EXPECT_EQ(m_name, "sdc");
-}
-
-TEST_F(KoDmpMapping, BlankRowsAreSkipped)
-{
-    EXPECT_EQ(node({"NAME", "=", "", " \t", "\n", "arr0_17"}), 0);
-    EXPECT_EQ(m_name, "arr0_17");
-    EXPECT_EQ(node({"NAME", "=", "", " "}), 0);
-    EXPECT_EQ(m_name, "");
-    EXPECT_EQ(path({"NAME", "=", "", " \n\t", "sdb ENABLED", ""}), 0);
-    EXPECT_EQ(m_name, "sdb");
-}
-
-TEST_F(KoDmpMapping, ColumnsStandBetweenRunsOfBlanksTabsAndLineEnds)
-{
-    EXPECT_EQ(path({"NAME\n", "=\n", "\t sdb \t\t ENABLED(A)\tPRIMARY\n"}), 0);
-    EXPECT_EQ(m_name, "sdb");
-}
-
-TEST_F(KoDmpMapping, ACarriageReturnBelongsToTheColumn)
-{
-    EXPECT_EQ(node({"NAME\r", "=\r", "arr0_17\r"}), 0);
-    EXPECT_EQ(m_name, "arr0_17\r");
-}
-
-TEST_F(KoDmpMapping, ARowOfANameAloneIsANodeButNoPath)
-{
-    EXPECT_EQ(node({"NAME", "=", "arr0_17"}), 0);
-    EXPECT_EQ(m_name, "arr0_17");
-    EXPECT_EQ(path({"NAME", "=", "sdb"}), 1);
-    EXPECT_EQ(m_name, "");
-}
-
-struct Choice {
-    const char* what;
-    Lines rows;
-    const char* chosen;
-};
-
-TEST_F(KoDmpMapping, TheBestPathIsActiveThenEnabledThenPrimary)
-{
-    const Choice choices[] = {
-        {"active after enabled",
-         {"sdb ENABLED SECONDARY c1", "sdc ENABLED(A) PRIMARY c2", "sdd DISABLED PRIMARY c3"},
-         "sdc"},
-        {"enabled before primary", {"sdb ENABLED SECONDARY", "sdc ENABLED PRIMARY"}, "sdb"},
-        {"first primary",
-         {"sdb DISABLED SECONDARY", "sdc DISABLED PRIMARY", "sdd DISABLED PRIMARY"},
-         "sdc"},
-        {"enabled after primary", {"sdb DISABLED PRIMARY", "sdc ENABLED SECONDARY"}, "sdc"},
-        {"two active", {"sdb ENABLED(A) PRIMARY", "sdc ENABLED(A) PRIMARY"}, "sdb"},
-        {"the third wins", {"sdb ENABLED", "sdc DISABLED PRIMARY", "sdd ENABLED(A)"}, "sdd"},
-        {"two enabled", {"sdb ENABLED", "sdc ENABLED"}, "sdb"},
-        {"active needs no path type", {"sdb ENABLED(A)"}, "sdb"},
-        {"the state may hold more", {"sdb xENABLED(A)y"}, "sdb"},
-        {"so may the path type", {"sdb FAILED NONPRIMARYX"}, "sdb"},
-        {"so may that of an enabled path", {"sdb FAILED PRIMARY", "sdc xENABLEDy"}, "sdc"},
-        {"small letters are no state", {"sdb enabled(a) PRIMARY", "sdc ENABLED"}, "sdc"},
-        {"another letter is not active", {"sdb ENABLED(B)", "sdc ENABLED(A)"}, "sdc"},
-        {"nor is a mark cut short", {"sdb ENABLED(A", "sdc ENABLED(A)"}, "sdc"},
-        {"nor is a mark alone", {"sdb FAILED(A) PRIMARY", "sdc ENABLED"}, "sdc"},
-        {"nor is a state cut short enabled", {"sdb ENABLE", "sdc FAILED PRIMARY"}, "sdc"},
-        {"a primary path in any other state", {"sdb FAILED PRIMARY"}, "sdb"},
-    };
-    for (const Choice& choice : choices) {
-        SCOPED_TRACE(choice.what);
-        Lines table{"NAME STATE TYPE CTLR", "===="};
-        table.insert(table.end(), choice.rows.begin(), choice.rows.end());
-        EXPECT_EQ(path(table), 0);
-        EXPECT_EQ(m_name, choice.chosen);
-        EXPECT_THAT(ownTrace(), IsEmpty());
-    }
-}
-
-TEST_F(KoDmpMapping, ANodeWithoutAnyUsablePathFails)
-{
-    const Lines unusable[] = {
-        {"sdb DISABLED SECONDARY"}, {"sdb PRIMARY ENABLED"}, {"ENABLED(A)"},
-        {"sdb DISABLED x PRIMARY"}, {"sdb FAILED primary"},
-    };
-    for (const Lines& rows : unusable) {
-        SCOPED_TRACE(rows.front());
-        EXPECT_EQ(path({"NAME", "=", rows.front()}), 1);
-        EXPECT_EQ(m_name, "");
-        EXPECT_THAT(ownTrace(), ElementsAre(noPath));
-    }
-}
-
-TEST_F(KoDmpMapping, NothingCarriesOverFromTheRowBefore)
-{
-    EXPECT_EQ(path({"NAME", "=", "sdb DISABLED SECONDARY", "sdc", "sdd FAILED"}), 1);
     EXPECT_EQ(m_name, "");
 }
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/support/claiming_by.h"
 #include "tests/support/naming_example.h"
 #include "tests/support/recording_log.h"
 #include "tests/support/traced.h"
@@ -167,19 +168,9 @@ TEST(NativePathClaim, AppendingCutsAt1023Characters)
     EXPECT_EQ(module.appendPartitionSuffix(mebibyte, 12), mebibyte.substr(0, 1023));
 }
 
-/// Claims by a list of its own.
-class RenamedNativePath : public CNativePathClaim {
-public:
-    explicit RenamedNativePath(std::vector<std::string> strings) : m_strings(std::move(strings)) {}
-    std::vector<std::string> getDeviceClaimStrings() override { return m_strings; }
-
-private:
-    std::vector<std::string> m_strings;
-};
-
 TEST(NativePathClaim, ADerivedClassClaimsByItsOwnList)
 {
-    RenamedNativePath module({"/dev/longer", "/dev/hd"});
+    ClaimingBy<CNativePathClaim> module({"/dev/longer", "/dev/hd"});
     EXPECT_EQ(module.claim("/dev/hda"), CLAIM_DEFAULT);
     EXPECT_EQ(module.claim("/dev/longer1"), CLAIM_DEFAULT);
     EXPECT_EQ(module.claim("/dev/sda"), CLAIM_NONE);
@@ -188,7 +179,7 @@ TEST(NativePathClaim, ADerivedClassClaimsByItsOwnList)
 
 TEST(NativePathClaim, ADerivedClassWithoutStringsClaimsNothing)
 {
-    RenamedNativePath module({});
+    ClaimingBy<CNativePathClaim> module({});
     EXPECT_EQ(module.claim("/dev/sda"), CLAIM_NONE);
 }
 

@@ -2,16 +2,13 @@
 
 #include <gmock/gmock.h>
 
+#include "tests/support/claiming_by.h"
 #include "tests/support/naming_example.h"
-#include "tests/support/recording_log.h"
-#include "tests/support/traced.h"
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 namespace {
 
-constexpr char file[] = "dmp_powerpath_claim.cpp";
 const std::string mebibyte(1 << 20, 'x');
 
 TEST(PowerPathClaim, ListsItsPrefixAnewOnEveryCall)
@@ -168,19 +165,9 @@ TEST(PowerPathClaim, AppendingKeepsEmbeddedNulBytes)
     EXPECT_EQ(module.appendPartitionSuffix("/dev/emcpower\0b"s, 1), "/dev/emcpower\0b1"s);
 }
 
-/// Claims by a list of its own.
-class RenamedPowerPath : public CDmpPowerPathClaim {
-public:
-    explicit RenamedPowerPath(std::vector<std::string> strings) : m_strings(std::move(strings)) {}
-    std::vector<std::string> getDeviceClaimStrings() override { return m_strings; }
-
-private:
-    std::vector<std::string> m_strings;
-};
-
 TEST(PowerPathClaim, ADerivedClassClaimsByItsOwnList)
 {
-    RenamedPowerPath module({"/dev/power", "/dev/disk"});
+    ClaimingBy<CDmpPowerPathClaim> module({"/dev/power", "/dev/disk"});
     EXPECT_EQ(module.claim("/dev/powera"), CLAIM_SECONDARY);
     EXPECT_EQ(module.claim("/dev/diska"), CLAIM_SECONDARY);
     EXPECT_EQ(module.claim("/dev/emcpowera"), CLAIM_NONE);
@@ -188,119 +175,19 @@ TEST(PowerPathClaim, ADerivedClassClaimsByItsOwnList)
 
 TEST(PowerPathClaim, ADerivedClassWithoutStringsClaimsNothing)
 {
-    RenamedPowerPath module({});
+    ClaimingBy<CDmpPowerPathClaim> module({});
     EXPECT_EQ(module.claim("/dev/emcpowera"), CLAIM_NONE);
 }
 
 TEST(PowerPathClaim, ADerivedClassMayListAnyBytesAndTheEmptyString)
 {
     using namespace std::string_literals;
-    RenamedPowerPath nul({"/dev/p\0a"s});
+    ClaimingBy<CDmpPowerPathClaim> nul({"/dev/p\0a"s});
     EXPECT_EQ(nul.claim("/dev/p\0a1"s), CLAIM_SECONDARY);
     EXPECT_EQ(nul.claim("/dev/p\0b1"s), CLAIM_NONE);
     EXPECT_EQ(nul.claim("/dev/power"), CLAIM_NONE);
-    RenamedPowerPath empty({""});
+    ClaimingBy<CDmpPowerPathClaim> empty({""});
     EXPECT_EQ(empty.claim(""), CLAIM_SECONDARY);
-}
-
-const Line claimed{3, "INFO: CDmpPowerPathClaim::claim - returning CLAIM_SECONDARY"};
-
-TEST(PowerPathClaim, OneLineTellsOfAClaimHoweverManyStringsMatch)
-{
-    RecordingLog log;
-    RenamedPowerPath module({"/dev", "/dev/power", "power"});
-    module.registerTraceLog(log.handle());
-    module.claim("/dev/powera");
-    EXPECT_THAT(log.takeLines(), ElementsAreArray(Traced("claim", file, claimed)));
-}
-
-class PowerPathTrace : public testing::Test {
-protected:
-    PowerPathTrace() { m_module.registerTraceLog(m_log.handle()); }
-
-    RecordingLog m_log;
-    CDmpPowerPathClaim m_module;
-};
-
-TEST_F(PowerPathTrace, ListingWritesNoLineOfItsOwn)
-{
-    m_module.getDeviceClaimStrings();
-    EXPECT_THAT(m_log.takeLines(), ElementsAreArray(Traced("getDeviceClaimStrings", file)));
-}
-
-TEST_F(PowerPathTrace, AClaimHoldsTheListingAndOneLine)
-{
-    m_module.claim("/dev/emcpowerc");
-    EXPECT_THAT(
-        m_log.takeLines(),
-        ElementsAreArray(Traced("claim", file, Traced("getDeviceClaimStrings", file), claimed)));
-}
-
-TEST_F(PowerPathTrace, NoClaimHoldsTheListingOnly)
-{
-    m_module.claim("/dev/sdc");
-    EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(Traced("claim", file, Traced("getDeviceClaimStrings", file))));
-}
-
-TEST_F(PowerPathTrace, IsPartitionWritesNoLineOfItsOwn)
-{
-    m_module.isPartition("/dev/emcpowerc1");
-    EXPECT_THAT(m_log.takeLines(), ElementsAreArray(Traced("isPartition", file)));
-    m_module.isPartition("/dev/sdc");
-    EXPECT_THAT(m_log.takeLines(), ElementsAreArray(Traced("isPartition", file)));
-}
-
-TEST_F(PowerPathTrace, AppendingWritesDiskPartitionAndSignedNumber)
-{
-    const Line appended{3, "INFO: CDmpPowerPathClaim::appendPartitionSuffix device "
-                           "[/dev/emcpowerc] partition[/dev/emcpowerc12] partnum[12]"};
-    m_module.appendPartitionSuffix("/dev/emcpowerc", 12);
-    EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(Traced("appendPartitionSuffix", file, appended)));
-
-    const Line negative{3, "INFO: CDmpPowerPathClaim::appendPartitionSuffix device [/dev/x] "
-                           "partition[/dev/x-1] partnum[-1]"};
-    m_module.appendPartitionSuffix("/dev/x", 4294967295);
-    EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(Traced("appendPartitionSuffix", file, negative)));
-}
-
-/// The line about a removal, and the two around it.
-TraceLines removal(const std::string& disk, const std::string& partition, const std::string& number)
-{
-    return Traced("removePartitionSuffix", file,
-                  Line{3, "INFO: CDmpPowerPathClaim::removePartitionSuffix device [" + disk +
-                              "] partition[" + partition + "] partnum[" + number + "]"});
-}
-
-TEST_F(PowerPathTrace, RemovingWritesDiskPartitionAndSignedNumber)
-{
-    unsigned int number = 7;
-    m_module.removePartitionSuffix("/dev/emcpowerc012", number);
-    EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(removal("/dev/emcpowerc", "/dev/emcpowerc012", "12")));
-    m_module.removePartitionSuffix("/dev/emcpowerc4294967295", number);
-    EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(removal("/dev/emcpowerc", "/dev/emcpowerc4294967295", "-1")));
-}
-
-TEST_F(PowerPathTrace, RemovingNothingWritesTheSameLine)
-{
-    unsigned int number = 7;
-    m_module.removePartitionSuffix("/dev/sdc1", number);
-    EXPECT_THAT(m_log.takeLines(), ElementsAreArray(removal("/dev/sdc1", "/dev/sdc1", "7")));
-    m_module.removePartitionSuffix("/dev/emcpowerc", number);
-    EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(removal("/dev/emcpowerc", "/dev/emcpowerc", "0")));
-}
-
-TEST_F(PowerPathTrace, NoNameIsTooLongForALine)
-{
-    const std::string disk = "/dev/emcpower" + mebibyte;
-    unsigned int number = 7;
-    m_module.removePartitionSuffix(disk + "1", number);
-    EXPECT_THAT(m_log.takeLines(), ElementsAreArray(removal(disk, disk + "1", "1")));
 }
 
 } // namespace
