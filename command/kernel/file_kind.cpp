@@ -16,6 +16,8 @@ FileKind Node::kind() const
 
 Node nodeAt(const std::string& path)
 {
+    if (path.find('\0') != std::string::npos) // the kernel would read another, shorter path
+        return {};
     struct stat file {};
     if (stat(path.c_str(), &file) != 0)
         return {};

@@ -24,6 +24,11 @@ TEST(FileKind, IsWhatStandsThere)
     EXPECT_EQ(fileKind(""), FileKind::none);
 }
 
+TEST(FileKind, NoFileHasANulInItsPath)
+{
+    EXPECT_EQ(fileKind(std::string("/dev/null\0x", 11)), FileKind::none);
+}
+
 TEST(FileKind, LinksAreFollowed)
 {
     const TemporaryFolder folder;
