@@ -1,11 +1,14 @@
 #include "active/active.h"
 
+#include <algorithm>
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 
 #include "active/dry_run.h"
 #include "active/lookups.h"
+#include "active/used_paths.h"
 #include "cli/answer_writer.h"
 #include "cli/column_list.h"
 #include "cli/complaint.h"
@@ -154,12 +157,23 @@ int showCommands(const Options& options, const LookupRules& rules, OutputStream&
     return writer.finish();
 }
 
+bool isChosen(const Options& options, const char* column)
+{
+    return std::any_of(options.columns.begin(), options.columns.end(),
+                       [&](const Heading& heading) { return heading.name == column; });
+}
+
 int lookUp(const Options& options, const LookupOptions& lookup, OutputStream& output)
 {
     AnswerWriter<LookupResult> writer(options, output, "paths", lookupColumns());
     Tally tally;
     bool hasWarnings = false;
-    const auto write = [&](const LookupResult& result) {
+    const Machine machine;
+    const DeviceMapper mapper;
+    const bool withUsed = isChosen(options, "USED");
+    const auto write = [&](LookupResult result) {
+        if (withUsed)
+            result.used = usedPaths(machine, result.name, std::cref(mapper));
         writer.write(result);
         tally.count(result.outcome.isGood());
         if (!result.warning)

@@ -22,6 +22,8 @@ const Columns<LookupResult>& lookupColumns()
          [](Result result) -> Field { return markOf(result.outcome.code); }},
         {{"REASON", Kind::text, "why it ended so"},
          [](Result result) -> Field { return result.outcome.reason; }},
+        {{"USED", Kind::text, "the paths that the kernel uses for a map or an NVMe disk"},
+         [](Result result) { return optionalField(result.used); }},
         {{"TIMELINE", Kind::text, "each command and wait of the lookup"},
          [](Result result) -> Field { return result.timeline; }},
         {{"WARNING", Kind::text, "why not to use the active path, or why there is none"},

@@ -17,6 +17,7 @@ struct LookupResult {
     std::optional<std::string> disk;   // of a claimed path
     std::optional<std::string> active; // nothing when nobody claims the path or it is not looked up
     Outcome outcome;
+    std::optional<Texts> used; // the paths that the kernel's multipathing uses; nothing if unknown
     Seconds took{};
     Steps timeline;
     std::optional<std::string> warning; // why not to trust the active path, or why there is none

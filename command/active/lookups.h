@@ -18,7 +18,7 @@ struct LookupOptions {
 
 /// Takes the results as they come.
 struct ResultReceiver {
-    std::function<void(const LookupResult&)> write;
+    std::function<void(LookupResult)> write;
     std::function<void()> flush;  // called when the next result is not there yet
     std::function<void()> finish; // called after the last result
 };
