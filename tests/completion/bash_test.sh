@@ -7,7 +7,7 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 ln -s "$(realpath "$1")" "$folder/dmpclaim"
 PATH=$folder:$PATH
-# shellcheck source=completion/dmpclaim.bash
+# shellcheck source=/dev/null
 source "$2"
 
 failures=0
