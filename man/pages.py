@@ -1,6 +1,8 @@
 """Makes a manual page: what `dmpclaim` says in its help takes the place of the lines {{...}}.
 
-usage: pages.py COMMAND PAGE.scd >PAGE.scd.full
+usage: pages.py COMMAND SCDOC PAGE.scd MANUAL
+
+MANUAL is written, by way of scdoc.
 
     {{options SUBCOMMAND}}   options and arguments, as definitions
     {{list TITLE SUBCOMMAND}} the list below "TITLE:", such as Columns, as definitions
@@ -91,10 +93,13 @@ class Help:
         raise SystemExit(f"pages.py: {{{{{directive}}}}} is none of the directives")
 
 
-def main(command, page):
-    text = open(page, encoding="utf-8").read()
-    print(re.sub(r"^\{\{(.*?)\}\}$", lambda found: Help(command).fill(found[1]), text,
-                 flags=re.MULTILINE), end="")
+def main(command, scdoc, page, manual):
+    with open(page, encoding="utf-8") as source:
+        text = re.sub(r"^\{\{(.*?)\}\}$", lambda found: Help(command).fill(found[1]),
+                      source.read(), flags=re.MULTILINE)
+    ended = subprocess.run([scdoc], input=text, stdout=subprocess.PIPE, text=True, check=True)
+    with open(manual, "w", encoding="utf-8") as written:
+        written.write(ended.stdout)
 
 
 if __name__ == "__main__":
