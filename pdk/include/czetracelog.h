@@ -49,7 +49,7 @@ protected:
     ACE_String_Base<char> m_texts[5];
     bool m_flags[3] = {false, false, false};
     std::int32_t m_setting = 12345;
-    CZeTraceLogObjectHandle m_object;
+    CZeTraceLogObjectHandle m_object{};
 };
 
 /// Handle to the host's trace log; an empty one silences all tracing.
@@ -60,6 +60,9 @@ using CZeTraceLogHandle = CZeSmartPtr<CZeTraceLog, CZeContextSingletonAllocator<
 /// Not safe between threads.
 class CZE_EXPORT CZeTraceable {
 public:
+    CZeTraceable() = default;
+    CZeTraceable(const CZeTraceable&) = default;
+    CZeTraceable& operator=(const CZeTraceable&) = default;
     virtual ~CZeTraceable() = default;
 
 // g++ warns here of a derived class whose operation of this name is another one on purpose.
@@ -74,7 +77,7 @@ public:
 #pragma GCC diagnostic pop
 
 protected:
-    CZeTraceLogHandle m_traceLog;
+    CZeTraceLogHandle m_traceLog{};
 };
 
 /// Brackets an operation with an entering and an exiting line, however the operation ends.

@@ -22,6 +22,11 @@ constexpr std::uint32_t CLAIM_SECONDARY = 16;
 /// serves one thread at a time, because the handle's count is a plain integer.
 class CZE_EXPORT CDmpDeviceClaimBase : public koze_pdk_4_4::CZeTraceable {
 public:
+    CDmpDeviceClaimBase() = default;
+    CDmpDeviceClaimBase(const CDmpDeviceClaimBase&) = default;
+    CDmpDeviceClaimBase& operator=(const CDmpDeviceClaimBase&) = default;
+    ~CDmpDeviceClaimBase() override;
+
     /// Returns the path prefixes that the module claims, in the module's order.
     virtual std::vector<std::string> getDeviceClaimStrings() = 0;
 
@@ -40,21 +45,13 @@ public:
 
     /// Returns the path that carries the I/O of `device` now: the path itself, unless a module
     /// knows better. The module that does also says what `wait` chooses.
-    virtual std::string getActivePath(std::string device, bool /*wait*/) { return device; }
+    virtual std::string getActivePath(std::string device, bool wait);
 
     /// Returns whether "/dev/" occurs anywhere in the path, not only at its start.
-    virtual bool isRawDevice(std::string device)
-    {
-        return device.find("/dev/") != std::string::npos;
-    }
+    virtual bool isRawDevice(std::string device);
 
     /// Returns the path without one leading "/dev/"; any other path unchanged.
-    virtual std::string removeDevPrefix(std::string device)
-    {
-        if (device.compare(0, 5, "/dev/") == 0)
-            device.erase(0, 5);
-        return device;
-    }
+    virtual std::string removeDevPrefix(std::string device);
 };
 
 #endif

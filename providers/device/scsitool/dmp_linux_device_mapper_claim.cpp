@@ -16,6 +16,8 @@ bool endsInPartition(const std::string& device)
 
 } // namespace
 
+CDmpDeviceMapperClaim::~CDmpDeviceMapperClaim() = default;
+
 std::vector<std::string> CDmpDeviceMapperClaim::getDeviceClaimStrings()
 {
     CZE_TRACE_FUNCTION();

@@ -15,6 +15,11 @@
 /// logical volume, which nobody claims. Markers count anywhere in the path.
 class CZE_EXPORT CDmpDeviceMapperClaim : public CDmpDeviceClaimBase {
 public:
+    CDmpDeviceMapperClaim() = default;
+    CDmpDeviceMapperClaim(const CDmpDeviceMapperClaim&) = default;
+    CDmpDeviceMapperClaim& operator=(const CDmpDeviceMapperClaim&) = default;
+    ~CDmpDeviceMapperClaim() override;
+
     /// Returns "/dev/mapper/".
     std::vector<std::string> getDeviceClaimStrings() override;
 

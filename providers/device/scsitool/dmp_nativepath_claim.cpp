@@ -46,6 +46,10 @@ void pauseFor(std::chrono::seconds left)
 
 } // namespace
 
+CNativePathClaim::~CNativePathClaim() = default;
+
+CKoDMPSupport::~CKoDMPSupport() = default;
+
 std::vector<std::string> CNativePathClaim::getDeviceClaimStrings()
 {
     CZE_TRACE_FUNCTION();

@@ -17,6 +17,11 @@
 /// marker counts anywhere in the path.
 class CZE_EXPORT CNativePathClaim : public CDmpDeviceClaimBase {
 public:
+    CNativePathClaim() = default;
+    CNativePathClaim(const CNativePathClaim&) = default;
+    CNativePathClaim& operator=(const CNativePathClaim&) = default;
+    ~CNativePathClaim() override;
+
     /// Returns "/dev/sd".
     std::vector<std::string> getDeviceClaimStrings() override;
 
@@ -59,6 +64,11 @@ public:
 /// std::bad_alloc leaves the operation: a command line is run whole or not at all.
 class CZE_EXPORT CKoDMPSupport : public koze_pdk_4_4::CZeTraceable {
 public:
+    CKoDMPSupport() = default;
+    CKoDMPSupport(const CKoDMPSupport&) = default;
+    CKoDMPSupport& operator=(const CKoDMPSupport&) = default;
+    ~CKoDMPSupport() override;
+
     /// Returns whether the file `directory` + `command`, without the white space around it, can be
     /// executed by the process's real user, as `access` tells: a directory can, too.
     bool isCommandAvailable(ACE_String_Base<char> directory, ACE_String_Base<char> command);

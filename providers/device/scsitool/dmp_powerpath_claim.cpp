@@ -10,6 +10,8 @@ constexpr char nameMarker[] = "emcpower";
 
 } // namespace
 
+CDmpPowerPathClaim::~CDmpPowerPathClaim() = default;
+
 std::vector<std::string> CDmpPowerPathClaim::getDeviceClaimStrings()
 {
     CZE_TRACE_FUNCTION();

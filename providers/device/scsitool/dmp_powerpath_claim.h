@@ -14,6 +14,11 @@
 /// Markers count anywhere in the path.
 class CZE_EXPORT CDmpPowerPathClaim : public CDmpDeviceClaimBase {
 public:
+    CDmpPowerPathClaim() = default;
+    CDmpPowerPathClaim(const CDmpPowerPathClaim&) = default;
+    CDmpPowerPathClaim& operator=(const CDmpPowerPathClaim&) = default;
+    ~CDmpPowerPathClaim() override;
+
     /// Returns "/dev/emcpower".
     std::vector<std::string> getDeviceClaimStrings() override;
 
