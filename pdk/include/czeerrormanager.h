@@ -19,8 +19,8 @@ using CZeMessageHandle = CZeSmartPtr<CZeMessage, CZeNullAllocator<CZeMessage>>;
 /// fills both; the manager's destructor frees the buffer and releases every message.
 class CZE_EXPORT CZeErrorManager : public virtual CZeRefCount {
 protected:
-    std::map<std::uint32_t, CZeMessageHandle> m_messages;
-    std::unique_ptr<char[]> m_buffer;
+    std::map<std::uint32_t, CZeMessageHandle> m_messages{};
+    std::unique_ptr<char[]> m_buffer{};
 };
 
 } // namespace koze_pdk_4_4

@@ -57,6 +57,8 @@ public:
     /// How much of its output, counted in the same way, is kept of a program that passed a bound.
     static constexpr std::size_t floodKept = std::size_t{1} << 20;
 
+    CZeExecPipeBase(const CZeExecPipeBase&) = default;
+    CZeExecPipeBase& operator=(const CZeExecPipeBase&) = default;
     ~CZeExecPipeBase() override;
 
     /// Runs `command` and waits until it has ended. Returns its exit status, 0 to 255, or one of
@@ -127,6 +129,8 @@ public:
     /// output, or 2, standard error too, as one stream in the order in which both were printed.
     /// Throws std::invalid_argument for any other number.
     explicit CZeExecPipePosix(int streams);
+    CZeExecPipePosix(const CZeExecPipePosix&) = default;
+    CZeExecPipePosix& operator=(const CZeExecPipePosix&) = default;
     ~CZeExecPipePosix() override;
 };
 

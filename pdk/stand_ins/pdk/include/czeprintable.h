@@ -30,7 +30,7 @@ inline bool isControlCharacter(char32_t character)
     });
 }
 
-/// Appends each byte as \xNN.
+/// Appends each byte as a backslash, an x and two hexadecimal digits.
 inline void appendEscaped(std::string& text, std::string_view bytes)
 {
     constexpr char digits[] = "0123456789abcdef";

@@ -50,11 +50,11 @@ using CZeTraceSinkHandle = CZeSmartPtr<CZeTraceSink, CZeNullAllocator<CZeTraceSi
 ///     2026-11-21T10:53:24.123+00:00 [4711] 6 Entering Function claim [24, dmp_claim_manager.cpp]
 ///
 /// that is local time with its zone, process id, level, text. The text counts as UTF-8. Bytes that
-/// are not, and control characters (see czeprintable.h), become \xNN, byte by byte: a device name
-/// can neither forge a line nor steer the reader's terminal. A line that cannot be written at once
-/// and whole (disk full, descriptor closed, no reader, a full pipe that does not block) is dropped
-/// and counted; no signal reaches the host. A line that was written in part is ended before the
-/// next one is written.
+/// are not, and control characters (see czeprintable.h), become a backslash, an x and two digits,
+/// byte by byte: a device name can neither forge a line nor steer the reader's terminal. A line
+/// that cannot be written at once and whole (disk full, descriptor closed, no reader, a full pipe
+/// that does not block) is dropped and counted; no signal reaches the host. A line that was written
+/// in part is ended before the next one is written.
 class CZE_EXPORT CZeTraceDescriptorSink : public CZeTraceSink {
 public:
     /// `descriptor` stays the caller's and must outlive the sink's last line.
