@@ -6,6 +6,7 @@
 
 #include "kernel/file_kind.h"
 #include "kovm/command_lines.h"
+#include "multipath/node_paths.h"
 #include "names/tool_name.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "text/shell_word.h"
@@ -94,9 +95,12 @@ public:
                  const FindingReceiver& report)
         : m_knowsOthers(knowsOthers), m_report(report)
     {
-        for (const MultipathDisk& node : nodesOf(answers)) {
-            for (const ExaminedPath& path : node.paths)
-                m_held.insert(path.name);
+        for (const DiskAnswer& answer : answers) {
+            if (answer.outcome != Outcome::answered)
+                continue;
+            kovm::RowReader reader(answer.pathTable);
+            for (kovm::Row row; reader.next(row);)
+                m_held.insert(row.name);
         }
     }
 
@@ -195,23 +199,6 @@ private:
     std::vector<std::string> m_notAsked;
 };
 
-PathState stateOf(const kovm::Row& row)
-{
-    if (!row.isEnabled())
-        return PathState::failed;
-    return row.isActive() ? PathState::active : PathState::standby;
-}
-
-MultipathDisk nodeOf(const DiskAnswer& answer)
-{
-    MultipathDisk disk{answer.node, "kodmp", {}};
-    const std::string used = kovm::bestPath(answer.pathTable).name;
-    kovm::RowReader reader(answer.pathTable);
-    for (kovm::Row row; reader.next(row);)
-        disk.paths.push_back({row.name, stateOf(row), row.isEnabled() && row.name == used});
-    return disk;
-}
-
 } // namespace
 
 bool holdsAny(const std::vector<DiskAnswer>& answers)
@@ -234,13 +221,14 @@ void reportAnswers(const std::vector<DiskAnswer>& answers, bool knowsOthers,
     findings.finish();
 }
 
-std::vector<MultipathDisk> nodesOf(const std::vector<DiskAnswer>& answers)
+std::vector<MultipathDisk> nodesOf(const Inventory& inventory,
+                                   const std::vector<DiskAnswer>& answers)
 {
     std::set<std::string> known;
     std::vector<MultipathDisk> nodes;
     for (const DiskAnswer& answer : answers) {
         if (answer.outcome == Outcome::answered && known.insert(answer.node).second)
-            nodes.push_back(nodeOf(answer));
+            nodes.push_back(examined(nodePaths(inventory, answer)));
     }
     return nodes;
 }

@@ -21,7 +21,8 @@ void reportAnswers(const std::vector<DiskAnswer>& answers, bool knowsOthers,
                    const FindingReceiver& report);
 
 /// The nodes of the volume manager in these answers with their paths, each once.
-std::vector<MultipathDisk> nodesOf(const std::vector<DiskAnswer>& answers);
+std::vector<MultipathDisk> nodesOf(const Inventory& inventory,
+                                   const std::vector<DiskAnswer>& answers);
 
 } // namespace command
 

@@ -1,6 +1,7 @@
 #include "doctor/examination.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <unordered_set>
 
@@ -13,6 +14,7 @@
 #include "doctor/trace_recorder.h"
 #include "kernel/block_devices.h"
 #include "kernel/inventory.h"
+#include "kernel/map_status.h"
 
 using koze_pdk_4_4::CZeTraceLogHandle;
 
@@ -112,7 +114,7 @@ private:
         m_report.end = m_stop->reason();
         if (m_report.end != StopReason::none)
             reportEnd(answers);
-        m_report.disks = nodesOf(answers);
+        m_report.disks = nodesOf(m_kernel, answers);
         for (DiskAnswer& answer : answers) {
             std::move(answer.asked.begin(), answer.asked.end(),
                       std::back_inserter(m_report.commands));
@@ -173,13 +175,16 @@ private:
     void checkMachine()
     {
         const std::unordered_set<std::string> given = givenDevices();
-        const DeviceMapper mapper;
-        for (MultipathDisk& disk : kernelDisks(m_kernel, std::ref(mapper))) {
+        const DeviceMapper deviceMapper;
+        for (MultipathDisk& disk : kernelDisks(m_kernel, std::cref(deviceMapper))) {
             if (m_order.paths.empty() || given.count(disk.device) > 0)
                 m_report.disks.push_back(std::move(disk));
+            else
+                checkGivenPaths(disk, given);
         }
         for (const MultipathDisk& disk : m_report.disks)
             checkRedundancy(disk, m_order.options.expectedPaths, m_receiver);
+        checkStates(m_report.disks, m_receiver);
         checkDevices(m_kernel, driverList, m_readings, m_order.paths, m_receiver);
         if (m_forReport)
             keepMaps();
@@ -198,6 +203,15 @@ private:
                 devices.insert(disk->path());
         }
         return devices;
+    }
+
+    /// Who asks about a path of a disk has not asked about the disk's other paths.
+    void checkGivenPaths(const MultipathDisk& disk, const std::unordered_set<std::string>& given)
+    {
+        for (const ExaminedPath& path : disk.paths) {
+            if (given.count("/dev/" + path.name) > 0)
+                checkPath(disk, path.name, m_receiver);
+        }
     }
 
     void keepMaps()

@@ -9,8 +9,7 @@
 namespace command {
 
 /// The disks that the kernel itself multipaths, with their paths: maps of the device-mapper and
-/// NVMe disks. Without `readMapStatus`' answer, the states of a map's paths are not known, nor
-/// which of them carries the I/O.
+/// NVMe disks.
 std::vector<MultipathDisk> kernelDisks(const Inventory& inventory,
                                        const ReadMapStatus& readMapStatus);
 

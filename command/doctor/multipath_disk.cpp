@@ -1,6 +1,9 @@
 #include "doctor/multipath_disk.h"
 
 #include <algorithm>
+#include <string_view>
+
+#include "text/text.h"
 
 namespace command {
 
@@ -9,6 +12,18 @@ std::size_t MultipathDisk::usablePaths() const
     const auto usable = std::count_if(paths.begin(), paths.end(),
                                       [](const ExaminedPath& path) { return path.canBeUsed(); });
     return static_cast<std::size_t>(usable);
+}
+
+MultipathDisk examined(const DiskPaths& disk)
+{
+    constexpr std::string_view devFolder = "/dev/";
+    MultipathDisk result{disk.name, driverName(disk.driver), {}, disk.error};
+    for (const DiskPath& path : disk.paths) {
+        const bool hasNode = startsWith(path.name, devFolder);
+        result.paths.push_back({hasNode ? path.name.substr(devFolder.size()) : path.name,
+                                path.state, path.isUsed.value_or(false)});
+    }
+    return result;
 }
 
 std::string lostPaths(const MultipathDisk& disk)

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "multipath/disk_paths.h"
@@ -23,9 +24,13 @@ struct MultipathDisk {
     std::string device; // its path, or the name of the volume manager's node
     const char* driver; // "device-mapper", "nvme" or "kodmp"
     std::vector<ExaminedPath> paths;
+    std::error_code error = {}; // why states are not known
 
     std::size_t usablePaths() const;
 };
+
+/// What is examined of a disk.
+MultipathDisk examined(const DiskPaths& disk);
 
 /// Each path that cannot be used and its state: "sdb failed, sdd offline".
 std::string lostPaths(const MultipathDisk& disk);

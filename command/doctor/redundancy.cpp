@@ -75,4 +75,28 @@ void checkRedundancy(const MultipathDisk& disk, std::size_t expectedPaths,
                 checkCables, showPaths(disk)});
 }
 
+void checkPath(const MultipathDisk& disk, const std::string& path, const FindingReceiver& report)
+{
+    for (const ExaminedPath& one : disk.paths) {
+        if (one.name == path && !one.canBeUsed())
+            report({Code::pathFailed, "/dev/" + path,
+                    "a path of " + disk.device + ", and " + pathStateName(one.state), checkCables,
+                    showPaths(disk)});
+    }
+}
+
+void checkStates(const std::vector<MultipathDisk>& disks, const FindingReceiver& report)
+{
+    const auto isUnknown = [](const MultipathDisk& disk) { return bool(disk.error); };
+    const auto first = std::find_if(disks.begin(), disks.end(), isUnknown);
+    if (first == disks.end())
+        return;
+    const auto count = std::count_if(first, disks.end(), isUnknown);
+    report({Code::statesUnknown, first->device,
+            "the states of its paths are not known (" + first->error.message() + "), as of " +
+                std::to_string(count) + " of " + std::to_string(disks.size()) +
+                " disks: of lost paths only those are found that the kernel took offline",
+            "Run this as root."});
+}
+
 } // namespace command

@@ -97,7 +97,11 @@ protected:
         return all;
     }
 
-    const std::vector<DiskAnswer>& answers() const { return m_answers; }
+    /// The nodes in the answers, of disks that the kernel does not have.
+    std::vector<command::MultipathDisk> nodes() const
+    {
+        return command::nodesOf(command::Inventory({"/nonexistent", "/nonexistent"}), m_answers);
+    }
 
     /// "SEVERITY CODE DEVICE: TEXT" for each finding after those about the tools.
     std::vector<std::string> findings() const
@@ -453,12 +457,12 @@ TEST_F(DiskFindings, ANodesPathsAreKnownByTheirStates)
     tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0, paths);
     tools.answer(otherNodeQuery, 0, nodeTable).answer(pathQuery, 0, paths);
     check({"/dev/sdc", "/dev/sdd"});
-    const std::vector<command::MultipathDisk> nodes = command::nodesOf(answers());
-    ASSERT_EQ(nodes.size(), 1U);
-    EXPECT_EQ(nodes[0].device, "arr0_17");
-    EXPECT_STREQ(nodes[0].driver, "kodmp");
+    const std::vector<command::MultipathDisk> found = nodes();
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].device, "arr0_17");
+    EXPECT_STREQ(found[0].driver, "kodmp");
     std::string states;
-    for (const command::ExaminedPath& path : nodes[0].paths)
+    for (const command::ExaminedPath& path : found[0].paths)
         states +=
             path.name + ' ' + command::pathStateName(path.state) + (path.isUsed ? " used; " : "; ");
     EXPECT_EQ(states, "sdb standby; sdc active used; sdd failed; sde standby; ");
@@ -470,8 +474,8 @@ TEST_F(DiskFindings, APathThatIsNotEnabledIsNoPath)
     tools.answer(pathQuery, 0, {"NAME", "====", "sdb DISABLED PRIMARY c1"});
     check({"/dev/sdc"});
     EXPECT_THAT(findings(), IsEmpty()); // the node's redundancy tells of it
-    EXPECT_EQ(command::nodesOf(answers()).at(0).usablePaths(), 0U);
-    EXPECT_FALSE(command::nodesOf(answers()).at(0).paths.at(0).isUsed);
+    EXPECT_EQ(nodes().at(0).usablePaths(), 0U);
+    EXPECT_FALSE(nodes().at(0).paths.at(0).isUsed);
 }
 
 TEST_F(DiskFindings, AnswersAreNotKeptUnlessTheyAreWanted)
