@@ -43,6 +43,7 @@ TEST(Redundancy, PathsThatCanAllBeUsedAreFine)
     ASSERT_EQ(findings.size(), 1U);
     EXPECT_EQ(findings[0].code, Code::pathsUsable);
     EXPECT_EQ(findings[0].text, "2 paths, sdb carries the I/O");
+    EXPECT_EQ(found({active, active})[0].text, "2 paths, sdb and others carry the I/O");
     EXPECT_EQ(found({standby})[0].text, "1 path");
 }
 
