@@ -20,6 +20,7 @@ libraries() {
 
 root=$(realpath "$(mktemp -d)")
 trap 'rm -rf "$root"' EXIT
+chmod 755 "$root" # it becomes the guest's root folder, also for accounts without privileges
 cp -r "$guest/." "$root"
 mkdir -p "$root/opt/dmpclaim"
 cd "$prefix"
