@@ -10,6 +10,7 @@
 #include "library.h"
 #include "list.h"
 #include "names/device_answer.h"
+#include "paths/paths.h"
 #include "partitions.h"
 #include "show.h"
 
@@ -48,6 +49,7 @@ const std::vector<Subcommand>& subcommands()
         stripSubcommand(),
         activeSubcommand(),
         doctorSubcommand(),
+        pathsSubcommand(),
         {"prefixes",
          "Print the path prefixes that the drivers claim",
          bareFooter,

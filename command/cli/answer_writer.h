@@ -11,11 +11,11 @@ namespace command {
 
 /// Writes answers as rows, in the form and with the columns that the user chose.
 template <class Answer>
-class AnswerWriter {
+class AnswerRows {
 public:
     /// `array` names the answers in JSON; `all` are the columns to choose from.
-    AnswerWriter(const Options& options, OutputStream& output, const char* array,
-                 const Columns<Answer>& all)
+    AnswerRows(const Options& options, OutputStream& output, const char* array,
+               const Columns<Answer>& all)
         : m_output(output), m_columns(columnsUnder(options.columns, all)),
           m_writer(
               makeRowWriter(options.form, output, array, options.columns, options.withHeadings))
@@ -23,7 +23,6 @@ public:
 
     void write(const Answer& answer)
     {
-        m_tally.count(answer.owner != nullptr);
         Row row;
         row.reserve(m_columns.size());
         for (const Column<Answer>& column : m_columns)
@@ -38,18 +37,45 @@ public:
         m_output.flush();
     }
 
-    /// Writes what is held back. Returns the exit status.
-    int finish()
+    /// Writes what is held back.
+    void finish()
     {
         m_writer->finish();
         m_output.flush();
-        return m_tally.exitStatus();
     }
 
 private:
     OutputStream& m_output;
     Columns<Answer> m_columns;
     std::unique_ptr<RowWriter> m_writer;
+};
+
+/// The same for answers about paths that a driver may own, which it counts.
+template <class Answer>
+class AnswerWriter {
+public:
+    AnswerWriter(const Options& options, OutputStream& output, const char* array,
+                 const Columns<Answer>& all)
+        : m_rows(options, output, array, all)
+    {}
+
+    void write(const Answer& answer)
+    {
+        m_tally.count(answer.owner != nullptr);
+        m_rows.write(answer);
+    }
+
+    void flush() { m_rows.flush(); }
+
+    /// Writes what is held back. Returns the exit status.
+    int finish()
+    {
+        m_rows.finish();
+        return m_tally.exitStatus();
+    }
+
+private:
+    AnswerRows<Answer> m_rows;
     Tally m_tally;
 };
 

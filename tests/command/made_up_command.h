@@ -1,6 +1,7 @@
 #ifndef TESTS_COMMAND_MADE_UP_COMMAND_H
 #define TESTS_COMMAND_MADE_UP_COMMAND_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,11 +23,11 @@ struct Answered {
 /// Runs subcommands on a made-up machine, in the test's process.
 class MadeUpCommand : public testing::Test {
 protected:
-    using Subcommand = int (*)(const command::Options&, command::OutputStream&,
-                               const command::Machine&);
+    using Subcommand = std::function<int(const command::Options&, command::OutputStream&,
+                                         const command::Machine&)>;
 
     /// `arguments` begin with the subcommand's name.
-    Answered answer(Subcommand run, const std::vector<std::string>& arguments) const
+    Answered answer(const Subcommand& run, const std::vector<std::string>& arguments) const
     {
         using namespace command;
         const Options options = std::get<Options>(parseOptions(arguments, subcommands()));

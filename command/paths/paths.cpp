@@ -1,0 +1,135 @@
+#include "paths/paths.h"
+
+#include "cli/answer_writer.h"
+#include "cli/column_list.h"
+#include "cli/complaint.h"
+#include "cli/wanted_paths.h"
+#include "interrupt/interrupt.h"
+#include "interrupt/start_thread.h"
+#include "paths/path_answer.h"
+#include "providers/device/scsitool/dmp_nativepath_claim.h"
+
+using koze_pdk_4_4::CZeTraceLogHandle;
+
+namespace command {
+
+namespace {
+
+constexpr char usualColumns[] =
+    "DEVICE,DRIVER,PATH,GROUP,STATE,USED,ADDRESS,SIZE,WWID,READS,WRITES";
+constexpr char footer[] =
+    R"(A row for each path of each disk that the device-mapper's multipath, the
+kernel's NVMe multipathing or, where it is installed, the KoVM volume manager
+reaches through several paths. A PATH may be the disk, one of its partitions or
+one of its paths; also a link, a kernel name such as dm-0, a number such as
+254:0, or the name of a node of the volume manager.
+
+USED says through which paths the next request goes. Only root may ask the
+device-mapper for that, and which paths of a map have failed; for others these
+states are 'unknown', but for paths that are offline. The kernel does not tell
+which of several optimized NVMe paths it prefers: all of them are used.
+
+Exit status:
+   0  every disk has a used path, and none has lost one
+  64  some have lost a path: it has failed or is offline
+  32  some have no used path, or a PATH is no disk
+   1  neither is so as far as is known, but not every state is
+
+An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the volume manager's tool
+that runs, and the command with status 130, 143, 129 or 131.)";
+
+WantedDisks wantedDisks(const Options& options)
+{
+    WantedDisks wanted{{}, options.isGiven("--all")};
+    if (options.paths.empty())
+        return wanted;
+    PathSource paths = wantedPaths(options, [] {});
+    while (const std::optional<std::string> path = paths.next())
+        wanted.given.push_back(*path);
+    return wanted;
+}
+
+void complainOf(const DiskList& list)
+{
+    for (const std::string& note : list.notes)
+        complain(note);
+    if (list.disks.empty() && list.notes.empty())
+        complain("no disk of this machine has several paths; to see all disks: dmpclaim paths -a");
+}
+
+void write(const Options& options, OutputStream& output, const DiskList& list)
+{
+    AnswerRows<PathAnswer> rows(options, output, "paths", pathColumns(false));
+    for (const DiskPaths& disk : list.disks) {
+        const DiskFacts facts = factsOf(disk);
+        for (const DiskPath& path : disk.paths)
+            rows.write(pathAnswer(disk, facts, path));
+    }
+    rows.finish();
+}
+
+Headings headings(const Options& /*options*/)
+{
+    return headingsFor(pathColumns(false), usualColumns);
+}
+
+VolumeManager volumeManager(const CZeTraceLogHandle& log, StopRequest& stop)
+{
+    CKoDMPSupport support;
+    support.registerTraceLog(log);
+    if (!support.isKoDMPInstalled())
+        return {};
+    return {[log, &stop](const std::string& path) { return askAboutDisk(path, log, stop, false); },
+            [log, &stop](const std::string& node) { return askAboutNode(node, log, stop); }};
+}
+
+/// Reads the disks in a thread, which is what Interrupt requires of those that start tools.
+DiskList readInThread(const PathSources& sources, const WantedDisks& wanted)
+{
+    DiskList list;
+    runInThread([&] { list = readDisks(sources, wanted); });
+    return list;
+}
+
+int run(const Options& options, OutputStream& output)
+{
+    const CZeTraceLogHandle log = openTraceLog(options.trace);
+    const KernelRoots roots;
+    const DeviceMapper mapper;
+    StopRequest stop;
+    return listPaths(options, output, {roots, std::ref(mapper), volumeManager(log, stop)}, stop);
+}
+
+} // namespace
+
+int listPaths(const Options& options, OutputStream& output, const PathSources& sources,
+              StopRequest& stop)
+{
+    const WantedDisks wanted = wantedDisks(options);
+    DiskList list;
+    try {
+        Interrupt interrupt(stop, [] {});
+        list = readInThread(sources, wanted);
+    } catch (const Interrupted&) {
+        // The signal thread exits the process.
+    }
+    complainOf(list);
+    write(options, output, list);
+    return list.exitStatus();
+}
+
+Subcommand pathsSubcommand()
+{
+    return {"paths",
+            "Show the paths of multipathed disks",
+            footer,
+            Arguments::optionalPaths,
+            {{"-a,--all", nullptr, "Show disks of one path, too"}},
+            Form::table,
+            headings,
+            run,
+            {{"paths", "every path of every multipathed disk"},
+             {"paths -o PATH,STATE,USED /dev/mapper/mpatha", "which paths of a map are used"}}};
+}
+
+} // namespace command
