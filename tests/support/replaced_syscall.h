@@ -1,4 +1,4 @@
-// Replaces syscall() of the test program whose one source includes it.
+// Replaces syscall() of a test program. Include it in one source of the program.
 #ifndef TESTS_SUPPORT_REPLACED_SYSCALL_H
 #define TESTS_SUPPORT_REPLACED_SYSCALL_H
 
@@ -17,7 +17,7 @@ std::optional<long> answerSyscall(long number, const SyscallArguments& arguments
 // Looked up at start: a child that shares this memory must not look symbols up.
 inline auto* const realSyscall = reinterpret_cast<long (*)(long, ...)>(dlsym(RTLD_NEXT, "syscall"));
 
-// NOLINTNEXTLINE(misc-definitions-in-headers): one source of a program includes it
+// NOLINTNEXTLINE(misc-definitions-in-headers): one source includes it
 extern "C" long syscall(long number, ...) noexcept
 {
     std::va_list list;

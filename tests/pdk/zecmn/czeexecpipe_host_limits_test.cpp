@@ -24,7 +24,7 @@ namespace {
 
 class ExecHost : public ExecTest {};
 
-/// Limits the numbers of descriptors while it lives.
+/// Limits the descriptors of this process while it lives.
 class DescriptorLimit {
 public:
     explicit DescriptorLimit(rlim_t limit)

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "exec_test.h"
+#include "tests/support/allocation_operators.h"
 
 namespace {
 
@@ -29,17 +30,7 @@ bool allocationFails()
     return memory;
 }
 
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocationFails() ? nullptr : std::malloc(size);
-}
-
 [[gnu::noinline]] void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }

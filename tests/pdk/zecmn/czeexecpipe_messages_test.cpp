@@ -145,7 +145,7 @@ protected:
         ExecTest::TearDown();
     }
 
-    /// The end of the line `Command [...] took N ms and ...`.
+    /// Matches the line `Command [...] took N ms and ...`.
     static auto Took(int level, const std::string& command, const std::string& ending)
     {
         return AllOf(

@@ -28,7 +28,7 @@ Function* real(const char* name)
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-// Looked up here, because a child that shares this memory must not look symbols up.
+// Looked up at start: a child that shares this memory must not look symbols up.
 auto* const realClone = real<int(int (*)(void*), void*, int, void*, ...)>("clone");
 auto* const realIoctl = real<int(int, unsigned long, ...)>("ioctl");
 auto* const realWaitid = real<int(idtype_t, id_t, siginfo_t*, int)>("waitid");
@@ -173,7 +173,7 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
     return 0;
 }
 
-/// The runner leaks the plan of a child that cannot be killed.
+/// Read by the leak sanitizer: the runner leaks the plan of a child that cannot be killed.
 extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:koze_pdk_4_4::runner::run";

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdarg>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -24,10 +25,10 @@
 
 namespace {
 
-/// Called once, behind the next open for writing.
+/// Called once, after the next open for writing.
 std::function<void()> afterOpen;
 
-/// What the coarse clock shows, if not the time.
+/// What the coarse clock shows; empty for the time.
 std::optional<timespec> coarseTime;
 
 } // namespace
@@ -98,15 +99,30 @@ TEST_F(InASharedFolder, NoRaceIsWonByAnotherAccount)
     EXPECT_GT(outcomes[foreignLink] + outcomes[foreignFifo] + outcomes[foreignFile], 0);
 }
 
+/// Waits until the coarse clock has passed the time of the last change of the file, so that the next
+/// change gets a later time.
+void awaitTickAfter(const std::string& path)
+{
+    struct stat status {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    timespec now{};
+    do
+        clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    while (std::pair(now.tv_sec, now.tv_nsec) <=
+           std::pair(status.st_ctim.tv_sec, status.st_ctim.tv_nsec));
+}
+
 TEST_F(AppendFile, ANameThatIsTakenAwayDuringTheOpenCounts)
 {
     std::ofstream(trace) << "untouched\n";
     std::filesystem::last_write_time(trace, {});
+    awaitTickAfter(trace);
     afterOpen = [this] {
         std::filesystem::rename(trace, folder.file("elsewhere"));
         std::filesystem::rename(folder.file("elsewhere"), trace);
     };
     EXPECT_EQ(refusal(trace), severalNames);
+    EXPECT_FALSE(std::exchange(afterOpen, nullptr)) << "it was not called";
     EXPECT_EQ(textOf(trace), "untouched\n");
 }
 

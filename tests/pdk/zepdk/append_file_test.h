@@ -22,7 +22,7 @@
 /// Another account.
 constexpr uid_t stranger = 4711;
 
-/// Why the path cannot be written, after the path itself; empty when a line was written.
+/// Why the path cannot be opened; empty when a line was written. The message begins with the path.
 inline std::string refusal(const std::string& path)
 {
     try {
@@ -43,7 +43,7 @@ inline void becomeStranger()
         setresuid(stranger, stranger, stranger) != 0)
         _exit(1);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    prctl(PR_SET_DUMPABLE, 1); // its /proc/self/fd is root's without
+    prctl(PR_SET_DUMPABLE, 1); // otherwise its /proc/self/fd belongs to root
 }
 
 /// Why a path is refused in a folder that others may write.

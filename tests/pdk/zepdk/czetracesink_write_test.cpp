@@ -17,6 +17,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "tests/support/allocation_operators.h"
 #include "tests/support/child.h"
 
 using koze_pdk_4_4::CZeTraceDescriptorSink;
@@ -42,7 +43,7 @@ std::deque<Answer> answers;
 std::vector<std::string> written;
 std::vector<int> blocked; // signals, during the last write
 bool memoryIsOut = false;
-int arriving = 0;
+int arriving = 0; // a signal that each write raises
 std::vector<timespec> waits;
 
 std::vector<int> blockedSignals()
@@ -85,27 +86,18 @@ extern "C" int sigtimedwait(const sigset_t* set, siginfo_t* info, const timespec
     return static_cast<int>(syscall(SYS_rt_sigtimedwait, set, info, &noWait, _NSIG / 8));
 }
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+// Not inlined: if only one of the two is, the compiler warns of mismatched allocation functions.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
-    return memoryIsOut ? nullptr : std::malloc(size);
-}
-
-__attribute__((noinline)) void* operator new(std::size_t size)
-{
-    void* memory = operator new(size, std::nothrow);
+    void* memory = memoryIsOut ? nullptr : std::malloc(size);
     if (memory == nullptr)
         throw std::bad_alloc();
     return memory;
 }
 
-__attribute__((noinline)) void operator delete(void* memory) noexcept
+[[gnu::noinline]] void operator delete(void* memory) noexcept
 {
     std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    operator delete(memory);
 }
 
 namespace {

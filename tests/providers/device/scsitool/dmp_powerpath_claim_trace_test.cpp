@@ -1,4 +1,4 @@
-// The trace of each operation.
+// The trace lines of each operation.
 #include "providers/device/scsitool/dmp_powerpath_claim.h"
 
 #include <gmock/gmock.h>
