@@ -99,8 +99,8 @@ TEST_F(InASharedFolder, NoRaceIsWonByAnotherAccount)
     EXPECT_GT(outcomes[foreignLink] + outcomes[foreignFifo] + outcomes[foreignFile], 0);
 }
 
-/// Waits until the coarse clock has passed the time of the last change of the file, so that the next
-/// change gets a later time.
+/// Waits until the coarse clock has passed the file's last change, so that the next change gets a
+/// later time.
 void awaitTickAfter(const std::string& path)
 {
     struct stat status {};
