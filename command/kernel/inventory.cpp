@@ -131,6 +131,13 @@ Inventory::Devices Inventory::memberOf(const BlockDevice& device) const
     return find(relations().memberOf, device);
 }
 
+const NvmeLinks& Inventory::nvmeLinks() const
+{
+    if (!m_nvmeLinks)
+        m_nvmeLinks = readNvmeLinks(m_roots);
+    return *m_nvmeLinks;
+}
+
 const Inventory::Relations& Inventory::relations() const
 {
     if (!m_relations) {

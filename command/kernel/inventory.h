@@ -10,6 +10,7 @@
 
 #include "kernel/block_device.h"
 #include "kernel/file_kind.h"
+#include "kernel/nvme_links.h"
 
 namespace command {
 
@@ -59,6 +60,8 @@ public:
     /// The devices that consist of it. Not its partitions.
     Devices memberOf(const BlockDevice& device) const;
 
+    const NvmeLinks& nvmeLinks() const;
+
 private:
     /// Which devices consist of which.
     struct Relations {
@@ -78,6 +81,7 @@ private:
     std::unordered_map<std::string_view, const BlockDevice*> m_named;
     std::unordered_map<std::string_view, const BlockDevice*> m_mapNamed;
     mutable std::optional<Relations> m_relations;
+    mutable std::optional<NvmeLinks> m_nvmeLinks;
 };
 
 } // namespace command

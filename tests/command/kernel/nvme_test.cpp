@@ -81,6 +81,17 @@ TEST_F(Nvme, ADiskWithoutMultipathingHasItsControllerForAPath)
     EXPECT_EQ(nvmeSubsystem(inventory, *inventory.named("nvme0n1")).value().name, "nvme-subsys1");
 }
 
+TEST_F(Nvme, AKernelWithoutSubsystemsHasThePathAllTheSame)
+{
+    m_machine.add("pci0000:00/nvme/nvme0", "nvme0n1", "259:0");
+    const Inventory inventory(m_machine.roots());
+    const std::vector<NvmePath> paths = nvmePaths(inventory, *inventory.named("nvme0n1"));
+    ASSERT_EQ(paths.size(), 1U);
+    EXPECT_EQ(paths[0].controller.name, "nvme0");
+    EXPECT_EQ(paths[0].controller.state, std::nullopt);
+    EXPECT_FALSE(nvmeSubsystem(inventory, *inventory.named("nvme0n1")).has_value());
+}
+
 TEST_F(Nvme, ASubsystemHasItsNameAndPolicy)
 {
     addMultipathed();
