@@ -78,7 +78,7 @@ TEST(Trace, GoesToStandardErrorAndChangesNoAnswer)
 
 TEST(Trace, LevelsAreFiltered)
 {
-    const std::vector<std::string> command{"append", "/dev/emcpowera", "7"};
+    const std::vector<std::string> command{"show", "/dev/emcpowera7"};
     const auto errors = [&](const char* level) {
         std::vector<std::string> arguments = command;
         arguments.emplace_back(level);
@@ -87,8 +87,9 @@ TEST(Trace, LevelsAreFiltered)
     const auto informational =
         ElementsAre("3 INFO: CDmpPowerPathClaim::claim - returning CLAIM_SECONDARY",
                     "3 INFO: CDmpPowerPathClaim::claim - returning CLAIM_SECONDARY",
-                    "3 INFO: CDmpPowerPathClaim::appendPartitionSuffix device [/dev/emcpowera] "
-                    "partition[/dev/emcpowera7] partnum[7]");
+                    "3 INFO: CDmpPowerPathClaim::removePartitionSuffix device [/dev/emcpowera] "
+                    "partition[/dev/emcpowera7] partnum[7]",
+                    "3 INFO: CDmpPowerPathClaim::claim - returning CLAIM_SECONDARY");
     EXPECT_THAT(errors("--trace=1"), IsEmpty());
     EXPECT_THAT(errors("--trace=2"), IsEmpty());
     EXPECT_THAT(errors("--trace=3"), informational);
@@ -125,7 +126,7 @@ TEST_F(TraceFile, HoldsAllLinesInsteadOfStandardError)
 
 TEST_F(TraceFile, HoldsTheLevelThatTraceSays)
 {
-    EXPECT_EQ(run({"append", "/dev/sda", "1", "--trace=3", "--trace-file", path()}).errors, "");
+    EXPECT_EQ(run({"show", "/dev/sda", "--trace=3", "--trace-file", path()}).errors, "");
     EXPECT_EQ(content(), "");
     run({"append", "/dev/emcpowera", "1", "--trace-file=" + path(), "--trace=3"});
     EXPECT_EQ(textsOf(content()).size(), 3U);
