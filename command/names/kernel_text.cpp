@@ -1,5 +1,6 @@
 #include "names/kernel_text.h"
 
+#include "kernel/nvme.h"
 #include "names/agreement.h"
 
 namespace command {
@@ -43,6 +44,22 @@ std::string deviceText(const Inventory& inventory, const BlockDevice& device)
         text += " (" + number->text() + ')';
     if (const std::optional<std::uint64_t> size = device.size())
         text += ", " + std::to_string(*size) + " bytes";
+    if (device.isReadOnly() == true)
+        text += ", read-only";
+    return text;
+}
+
+/// "nvme-subsys0, nqn.2014-08.org:x, paths chosen by numa"; empty for what is no NVMe disk.
+std::string subsystemText(const Inventory& inventory, const BlockDevice& device)
+{
+    const std::optional<NvmeSubsystem> subsystem = nvmeSubsystem(inventory, device);
+    if (!subsystem)
+        return {};
+    std::string text = subsystem->name;
+    if (subsystem->nqn)
+        text += ", " + *subsystem->nqn;
+    if (subsystem->policy)
+        text += ", paths chosen by " + *subsystem->policy;
     return text;
 }
 
@@ -116,6 +133,7 @@ std::vector<LabelledText> kernelTexts(const DeviceAnswer& answer)
         if (!text.empty())
             texts.push_back({label, text});
     };
+    add("subsystem", subsystemText(inventory, *device));
     add("members", pathList(inventory.membersOf(*device)));
     add("member of", pathList(inventory.memberOf(*device)));
     add("partitions", partitionsText(inventory, *device));

@@ -139,6 +139,20 @@ TEST_F(ExplainOnMultipath, SaysThatADiskHasNoPartitions)
     EXPECT_THAT(explain({"/dev/sdb1"}).output, HasSubstr("  partitions     of /dev/sdb: none\n"));
 }
 
+TEST_F(ExplainOnMultipath, TellsOfReadOnlyDisksAndNvmeSubsystems)
+{
+    const std::string subsystem = "class/nvme-subsystem/nvme-subsys0/";
+    create_directories(m_made.sysfs(subsystem + "nvme0"));
+    std::ofstream(m_made.sysfs(subsystem + "subsysnqn")) << "nqn.x\n";
+    std::ofstream(m_made.sysfs(subsystem + "iopolicy")) << "numa\n";
+    m_made.add("virtual/nvme-subsystem/nvme-subsys0", "nvme0n1", "259:0");
+    m_made.set("nvme0n1", "ro", "1");
+    EXPECT_THAT(explain({"/dev/nvme0n1"}).output,
+                HasSubstr("  kernel         nvme, nvme0n1 (259:0), read-only\n"
+                          "  agrees         yes\n"
+                          "  subsystem      nvme-subsys0, nqn.x, paths chosen by numa\n"));
+}
+
 TEST_F(ExplainOnMultipath, SaysWhyThereAreNoFacts)
 {
     m_made.addNode("sdx", "65:112");
