@@ -89,9 +89,7 @@ void warnOfMissing(const PartitionAnswer& answer, const Machine& machine)
 void warnOfReading(const PartitionAnswer& answer, CDmpClaimManager& manager)
 {
     const DeviceAnswer read = deviceAnswer(manager, *answer.name);
-    const bool comesBack = read.isPartition && read.disk == answer.disk &&
-                           read.partnum.value_or(answer.partnum) == answer.partnum;
-    if (comesBack)
+    if (read.isPartition && read.disk == answer.disk)
         return;
     std::string what = "a whole disk";
     if (read.isPartition)

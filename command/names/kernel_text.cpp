@@ -146,8 +146,7 @@ const BlockDevice* claimedTarget(CDmpClaimManager& manager, const DeviceAnswer& 
     if (answer.owner != nullptr || machine == nullptr)
         return nullptr;
     const BlockDevice* device = machine->resolve(answer.name);
-    const bool leadsElsewhere = device != nullptr && device->path() != answer.name;
-    return leadsElsewhere && manager.claim(device->path()) != CLAIM_NONE ? device : nullptr;
+    return device != nullptr && manager.claim(device->path()) != CLAIM_NONE ? device : nullptr;
 }
 
 } // namespace command
