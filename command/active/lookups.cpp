@@ -125,7 +125,7 @@ bool isOver(const Workers& workers)
            (workers.rules.limit && Timeline::Clock::now() >= *workers.rules.limit + patience);
 }
 
-/// The result of a lookup whose tool does not end.
+/// The result of a lookup that does not end: its tool cannot be ended, or has printed very much.
 LookupResult stuckResult(LookupResult result)
 {
     CDmpClaimManager manager;
@@ -135,7 +135,8 @@ LookupResult stuckResult(LookupResult result)
     result.owner = driverOf(owner);
     result.disk = manager.removePartitionSuffix(result.name, partnum);
     result.active = result.name;
-    result.outcome = {Outcome::Code::timedOut, "the time limit passed, and a tool does not end"};
+    result.outcome = {Outcome::Code::timedOut,
+                      "the time limit passed, and the lookup does not end"};
     return result;
 }
 
