@@ -1,51 +1,40 @@
-// What checking a machine without the volume manager costs: reading the names of its block devices,
-// and comparing them with the kernel's.
+// What examining a machine without the volume manager costs: reading the names of its block
+// devices, looking for lost paths, and comparing the names with the kernel's devices.
 #include <benchmark/benchmark.h>
 
-#include "doctor/device_checks.h"
-#include "tests/command/doctor/fake_machine.h"
-#include "tests/support/disk_letters.h"
+#include "benchmarks/many_disks.h"
+#include "doctor/examination.h"
 
 namespace {
 
-/// A machine with so many disks, and a map for every fourth of them.
-class Machine : public FakeMachine {
-public:
-    explicit Machine(int disks)
-    {
-        for (int number = 0; number < disks; ++number) {
-            addDeviceWithNode("sd" + diskLetters(number));
-            if (number % 4 == 0)
-                addMapWithNode("mpath" + diskLetters(number), "mpath-" + std::to_string(number));
-        }
-    }
-};
-
-void check(benchmark::State& state, const Machine& machine)
+void examine(benchmark::State& state, const ManyDisks& machine)
 {
-    std::size_t findings = 0;
-    for (auto _ : state) {
-        const command::Inventory kernel(machine.roots());
-        command::checkDevices(kernel, machine.drivers(), machine.readings(), {},
-                              [&](const command::Finding&) { ++findings; });
-    }
-    benchmark::DoNotOptimize(findings);
+    const std::vector<command::Module> modules = command::makeModules({});
+    const auto stop = std::make_shared<command::StopRequest>();
+    command::ExaminationOrder order;
+    order.roots = machine.roots();
+    order.showProgress = [](const std::string&) {};
+    std::size_t disks = 0;
+    for (auto _ : state)
+        disks +=
+            command::examine(order, modules, stop, [](const command::Finding&) {}).disks.size();
+    benchmark::DoNotOptimize(disks);
 }
 
-void checkMany(benchmark::State& state)
+void examineMany(benchmark::State& state)
 {
-    static const Machine machine(8192);
-    check(state, machine);
+    static const ManyDisks machine(32768);
+    examine(state, machine);
 }
 
-void checkFew(benchmark::State& state)
+void examineFew(benchmark::State& state)
 {
-    static const Machine machine(819);
-    check(state, machine);
+    static const ManyDisks machine(3277);
+    examine(state, machine);
 }
 
 // Time in proportion: ten times the devices cost ten times the time, at most twelve.
-BENCHMARK(checkMany)->Name("doctor with 8192 disks against 819/ours");
-BENCHMARK(checkFew)->Name("doctor with 8192 disks against 819/reference");
+BENCHMARK(examineMany)->Name("doctor with 32768 disks against 3277/ours");
+BENCHMARK(examineFew)->Name("doctor with 32768 disks against 3277/reference");
 
 } // namespace

@@ -37,7 +37,7 @@ public:
     Examination(const ExaminationOrder& order, const std::vector<Module>& modules,
                 std::shared_ptr<StopRequest> stop, const FindingReceiver& receiver)
         : m_order(order), m_modules(modules), m_stop(std::move(stop)), m_receiver(receiver),
-          m_forReport(order.options.form == DoctorForm::json),
+          m_forReport(order.options.form == DoctorForm::json), m_kernel(order.roots),
           m_recorder(openTraceSink(order.trace)),
           m_log(m_forReport ? m_recorder.openLog() : openTraceLog(order.trace))
     {
@@ -233,8 +233,8 @@ private:
     const std::shared_ptr<StopRequest> m_stop;
     const FindingReceiver& m_receiver;
     const bool m_forReport;
-    const Inventory m_kernel;
     const Clock::time_point m_begin = Clock::now();
+    const Inventory m_kernel;
     TraceRecorder m_recorder;
     CZeTraceLogHandle m_log;
     CDmpClaimManager m_manager;

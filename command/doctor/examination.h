@@ -11,6 +11,7 @@
 #include "doctor/finding.h"
 #include "doctor/report.h"
 #include "interrupt/stop_request.h"
+#include "kernel/kernel_roots.h"
 
 namespace command {
 
@@ -20,6 +21,7 @@ struct ExaminationOrder {
     DoctorOptions options;
     TraceOptions trace;
     std::function<void(const std::string&)> showProgress; // called now and then with a text
+    KernelRoots roots = {};
 };
 
 /// Examines this machine and reports what it finds. Ends early once `stop` is requested; that is a
