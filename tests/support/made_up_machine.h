@@ -101,11 +101,11 @@ public:
     }
 
 private:
-    void link(const std::string& name, const std::string& folder, const std::string& other)
+    void link(const std::string& from, const std::string& folder, const std::string& to)
     {
-        const std::filesystem::path links = sysfs("class/block/" + name + '/' + folder);
+        const std::filesystem::path links = sysfs("class/block/" + from + '/' + folder);
         create_directories(links);
-        create_directory_symlink(sysfs("class/block/" + other), links / other);
+        create_directory_symlink(sysfs("class/block/" + to), links / to);
     }
 
     TemporaryFolder m_folder;
