@@ -57,7 +57,9 @@ const std::vector<Subcommand>& subcommands()
          {},
          Form::bare,
          prefixHeadings,
-         prefixes},
+         prefixes,
+         {{"prefixes", "what the drivers claim"},
+          {"prefixes -o +OWNER", "and which driver claims it"}}},
     };
     return all;
 }

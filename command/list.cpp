@@ -10,6 +10,7 @@
 #include "cli/wanted_paths.h"
 #include "library.h"
 #include "names/device_answer.h"
+#include "whole_output.h"
 
 namespace command {
 
@@ -166,6 +167,7 @@ int listDevices(const Options& options, OutputStream& output, const Machine& mac
 {
     if (const std::error_code error = machine.inventory().error())
         throw std::system_error(error, "cannot read " + machine.roots().blockFolder());
+    const WholeOutput whole(options, output);
     List list(options, output, machine);
     return options.paths.empty() ? list.writeAll() : list.writeGiven();
 }

@@ -1,3 +1,4 @@
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -5,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
+#include "cli/color.h"
 #include "cli/complaint.h"
 #include "cli/options.h"
 #include "cli/usage_error.h"
@@ -26,12 +30,27 @@ void restoreBrokenPipeSignal()
     sigprocmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
+int answer(const command::Options& options, command::OutputStream& output)
+{
+    constexpr std::chrono::milliseconds forever{-1};
+    try {
+        return options.subcommand->run(options, output);
+    } catch (const command::UsageError&) {
+        throw;
+    } catch (...) {
+        output.end(forever);
+        throw;
+    }
+}
+
 int run(const std::vector<std::string>& arguments)
 {
-    command::OutputStream output(stdout);
-    const auto wanted = command::parseOptions(arguments, command::subcommands());
-    if (const auto* options = std::get_if<command::Options>(&wanted))
-        return options->subcommand->run(*options, output);
+    command::OutputStream output(STDOUT_FILENO);
+    const auto wanted = command::parseOptions(arguments, command::subcommands(), output.width());
+    if (const auto* options = std::get_if<command::Options>(&wanted)) {
+        output.setColored(command::showsColors(options->color, output.isTerminal()));
+        return answer(*options, output);
+    }
     output.write(std::get<command::Information>(wanted));
     output.flush();
     return 0;

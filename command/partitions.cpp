@@ -8,6 +8,7 @@
 #include "cli/wanted_paths.h"
 #include "library.h"
 #include "names/device_answer.h"
+#include "whole_output.h"
 
 namespace command {
 
@@ -171,6 +172,7 @@ int runStrip(const Options& options, OutputStream& output)
 
 int appendNumber(const Options& options, OutputStream& output, const Machine& machine)
 {
+    const WholeOutput whole(options, output);
     Library library(options.trace);
     CDmpClaimManager silent; // for questions of the command's own
     AnswerWriter<PartitionAnswer> writer(options, output, "partitions", partitionColumns());
@@ -192,6 +194,7 @@ int appendNumber(const Options& options, OutputStream& output, const Machine& ma
 
 int stripNumbers(const Options& options, OutputStream& output, const Machine& machine)
 {
+    const WholeOutput whole(options, output);
     Library library(options.trace);
     CDmpClaimManager silent; // for questions of the command's own
     AnswerWriter<DeviceAnswer> writer(options, output, "disks", deviceColumns());

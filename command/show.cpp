@@ -9,6 +9,7 @@
 #include "names/explanation_writer.h"
 #include "names/kernel_text.h"
 #include "text/shell_word.h"
+#include "whole_output.h"
 
 namespace command {
 
@@ -18,7 +19,8 @@ constexpr char showFooter[] =
     R"(The first six columns are told from the name alone; the others, which -o
 chooses, are what the kernel has there. PARTNUM is '-' for a whole disk, and for
 a device-mapper partition, whose number the library does not read back.)";
-constexpr char explainFooter[] = "-J, --trace and the exit status: see 'dmpclaim --help'.";
+constexpr char explainFooter[] =
+    "-J, --json-lines, --color, --trace and the exit status: see 'dmpclaim --help'.";
 constexpr OwnOption resolveOption{"--resolve", nullptr,
                                   "Ask about the device's own path: PATH may be a link, a\n"
                                   "kernel name such as dm-0, or a number such as 254:0"};
@@ -72,6 +74,7 @@ int runExplain(const Options& options, OutputStream& output)
 
 int showPaths(const Options& options, OutputStream& output, const Machine& machine)
 {
+    const WholeOutput whole(options, output);
     Library library(options.trace);
     AnswerWriter<DeviceAnswer> writer(options, output, "devices", deviceColumns());
     PathSource paths = wantedPaths(options, [&] { output.flush(); });
@@ -87,6 +90,7 @@ int showPaths(const Options& options, OutputStream& output, const Machine& machi
 
 int explainPaths(const Options& options, OutputStream& output, const Machine& machine)
 {
+    const WholeOutput whole(options, output);
     Library library(options.trace);
     const std::vector<Module> modules = makeModules(library.log);
     ExplanationWriter writer(options.form, output);

@@ -181,8 +181,14 @@ int lookUp(const Options& options, const LookupOptions& lookup, OutputStream& ou
         complain(result.name + ": " + *result.warning);
         hasWarnings = true;
     };
-    const bool hasReadAll = lookUpActivePaths(
-        options, lookup, {write, [&] { writer.flush(); }, [&] { writer.finish(); }});
+    const auto finish = [&](bool isInterrupted) {
+        if (isInterrupted)
+            writer.endEarly();
+        else
+            writer.finish();
+    };
+    const bool hasReadAll =
+        lookUpActivePaths(options, lookup, {write, [&] { writer.flush(); }, finish});
     if (!hasReadAll)
         complain("the time limit passed before standard input ended; later paths have no rows");
     return hasWarnings || !hasReadAll ? 1 : tally.exitStatus();

@@ -192,7 +192,7 @@ bool lookUpActivePaths(const Options& options, const LookupOptions& lookup,
                        [&] { return progressOf(options, *workers, pool.handedOut()); });
         line.erase();
         receiveRest(pool, receiver, workers->stop);
-        receiver.finish();
+        receiver.finish(workers->stop.reason() == StopReason::interrupt);
     } catch (...) {
         interrupt.endTools();
         throw;

@@ -19,8 +19,8 @@ struct LookupOptions {
 /// Takes the results as they come.
 struct ResultReceiver {
     std::function<void(LookupResult)> write;
-    std::function<void()> flush;  // called when the next result is not there yet
-    std::function<void()> finish; // called after the last result
+    std::function<void()> flush;                    // called when the next result is not there yet
+    std::function<void(bool isInterrupted)> finish; // called after the last result
 };
 
 /// Looks up the active paths of `options.paths` and hands the results over in their order. Returns

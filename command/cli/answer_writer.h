@@ -1,6 +1,7 @@
 #ifndef CLI_ANSWER_WRITER_H
 #define CLI_ANSWER_WRITER_H
 
+#include <chrono>
 #include <memory>
 
 #include "cli/options.h"
@@ -42,6 +43,15 @@ public:
     {
         m_writer->finish();
         m_output.flush();
+    }
+
+    /// Writes what is held back when an interrupt left rows out: a JSON document says so. Gives an
+    /// output up that takes no more.
+    void endEarly()
+    {
+        constexpr std::chrono::milliseconds patience{500};
+        m_writer->flush();
+        m_output.end(patience);
     }
 
 private:

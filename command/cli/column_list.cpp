@@ -39,6 +39,8 @@ bool holds(const std::vector<Heading>& headings, const Heading& wanted)
 std::vector<Heading> chosenColumns(std::string_view list, const std::vector<Heading>& usual,
                                    const std::vector<Heading>& all)
 {
+    if (list.empty())
+        throw UsageError("the list of columns is empty; there are " + namesOf(all));
     std::vector<Heading> chosen;
     if (!list.empty() && list.front() == '+') {
         chosen = usual;

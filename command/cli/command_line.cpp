@@ -14,8 +14,21 @@ namespace {
 constexpr char globalFooter[] =
     R"(Who owns a path, and what it names, is told from the path alone, which need not
 exist; 'active' and 'doctor' ask the volume manager's tools as well. Options may
-stand before and behind the subcommand. JSON is {"schema": 1, ARRAY: [...]};
-bytes of names that are not UTF-8 become U+FFFD there.
+stand before and behind the subcommand. JSON is {"schema": 1, ARRAY: [...]}, with
+"interrupted": true when an interrupt cut it short; its schemas are installed
+under share/dmpclaim. Bytes of names that are not UTF-8 become U+FFFD there, and
+a member with "_raw" behind its name holds what -r prints. Tables go out 256
+rows at a time; later rows only widen the columns.
+
+In the words of -r, '-' stands for no value, and '""' for an empty text. In the
+pairs of -P both are empty.
+
+Trace levels; each has the lines of those before it, too:
+  1  an exception around a command
+  2  warnings, and commands that failed
+  3  what is done, and its results
+  4, 5  no more
+  6  entering and leaving functions, and each step
 
 Exit status:
    0  every path is claimed, or none was asked about
@@ -25,26 +38,53 @@ Exit status:
    2  the command line is wrong; nothing was done
 For 'active' a path counts as claimed when it is confirmed or not asked about.)";
 
-constexpr char pathHelp[] = "Device paths; '-' reads them from standard input, one a\n"
-                            "line, or NUL-separated if a NUL is met before a line end";
-constexpr char tableFooter[] =
-    "-J, -o, -n, -r, --trace and the exit status: see 'dmpclaim --help'.";
+const std::vector<Example> globalExamples{
+    {"show /dev/sdc2 /dev/mapper/mpathb", "who owns these paths, and what they name"},
+    {"list -J", "this machine's block devices for a program"}};
 
-/// Help shows an option's value as it is declared, such as " N" or "[=LEVEL]".
+constexpr char pathHelp[] = "Device paths; '-' reads them from standard input, one a line, or "
+                            "NUL-separated if a NUL is met before a line end";
+constexpr char otherOptions[] =
+    "-J, --json-lines, -o, -O, -n, -r, -P, -z, --color, --trace and the exit status: see "
+    "'dmpclaim --help'.";
+
+/// Help shows an option's value as it is declared, such as " N" or "[=LEVEL]", and breaks lines at
+/// the terminal's width.
 class HelpFormatter : public CLI::Formatter {
 public:
-    HelpFormatter() { column_width(24); }
+    explicit HelpFormatter(std::size_t width) : m_width(width) { column_width(24); }
 
-    std::string make_option_name(const CLI::Option* option, bool isPositional) const override
+    std::string make_option(const CLI::Option* option, bool isPositional) const override
     {
-        const std::string name = Formatter::make_option_name(option, isPositional);
-        return name.substr(0, name.find('{'));
+        const std::string name = make_option_name(option, isPositional);
+        return item(name.substr(0, name.find('{')) + option->get_option_text(),
+                    option->get_description());
     }
 
-    std::string make_option_opts(const CLI::Option* option) const override
+    std::string make_subcommand(const CLI::App* subcommand) const override
     {
-        return option->get_option_text();
+        return item(subcommand->get_name(), subcommand->get_description());
     }
+
+    std::string make_footer(const CLI::App* app) const override
+    {
+        return reflowed(app->get_footer(), m_width);
+    }
+
+private:
+    std::string item(const std::string& name, std::string text) const
+    {
+        const std::size_t indent = get_column_width();
+        std::replace(text.begin(), text.end(), '\n', ' ');
+        std::string line = "  " + name;
+        if (line.size() < indent)
+            line.resize(indent, ' ');
+        else
+            line += '\n' + std::string(indent, ' ');
+        return line + wrapped(text, indent, m_width) + '\n';
+    }
+
+    std::size_t m_width;
 };
 
 void addFlag(CLI::App& app, const char* names, const char* help)
@@ -54,20 +94,28 @@ void addFlag(CLI::App& app, const char* names, const char* help)
 
 void addGlobalOptions(CLI::App& app)
 {
-    addFlag(app, "-J,--json", "Print JSON");
+    addFlag(app, "-J,--json", "Print a JSON document");
+    addFlag(app, "--json-lines", "Print a JSON object a line");
     app.add_option("-o,--output")
         ->option_text(" LIST")
-        ->description("Columns to show, separated by commas; with '+' in\n"
-                      "front, besides the usual ones")
+        ->description("Columns to show, separated by commas; with '+' in front, besides the usual "
+                      "ones")
         ->take_last();
+    addFlag(app, "-O,--output-all", "Show all columns");
     addFlag(app, "-n,--noheadings", "Print no headings");
     addFlag(app, "-r,--raw",
-            "Do not align columns; blanks and unprintable bytes in\n"
-            "names become \\xNN");
+            "Do not align columns; blanks and unprintable bytes in names become \\xNN");
+    addFlag(app, "-P,--pairs", "Print NAME=\"value\" pairs, escaped for a shell");
+    addFlag(app, "-z,--zero", "Print one column, each answer unaltered and with a NUL behind it");
+    app.add_flag("--color{always}")
+        ->option_text("[=WHEN]")
+        ->description("Show headings, states and marks in colour: auto (on a terminal without "
+                      "NO_COLOR; the default), always or never")
+        ->take_last();
     app.add_flag("--trace{6}")
         ->option_text("[=LEVEL]")
-        ->description("Print the library's trace lines to standard error, up\n"
-                      "to a level from 1 to 6, which is all of them")
+        ->description("Print the library's trace lines to standard error, up to a level from 1 to "
+                      "6, which is all of them")
         ->take_last();
     app.add_option("--trace-file")
         ->option_text(" FILE")
@@ -124,26 +172,36 @@ void addOwnOption(CLI::App& app, const OwnOption& option)
             ->take_last();
 }
 
-/// What each column tells, a paragraph each.
-std::string columnHelp(const std::vector<Heading>& headings)
+/// A line for each column.
+std::string columnsHelp(const std::vector<Heading>& headings)
 {
-    constexpr std::size_t indent = 12;
-    std::string text = "Columns:\n";
+    std::size_t width = 0;
+    for (const Heading& heading : headings)
+        width = std::max(width, heading.name.size());
+    std::string text = "Columns:";
     for (const Heading& heading : headings) {
-        std::string name = "  " + std::string(heading.name);
-        name.resize(std::max(indent, name.size() + 1), ' ');
-        text += name + wrapped(heading.help, indent) + '\n';
+        std::string name(heading.name);
+        name.resize(width, ' ');
+        text += "\n  " + name + "  " + std::string(heading.help);
     }
+    return text;
+}
+
+std::string examplesHelp(const std::vector<Example>& examples)
+{
+    std::string text = "Examples:";
+    for (const Example& example : examples)
+        text += std::string("\n  dmpclaim ") + example.arguments + "\n      " + example.purpose;
     return text;
 }
 
 /// What follows the options in a subcommand's help.
 std::string footerOf(const Subcommand& subcommand)
 {
-    if (subcommand.headings == nullptr)
-        return subcommand.footer;
-    return subcommand.footer + "\n\n" + columnHelp(subcommand.headings({}).all) + '\n' +
-           tableFooter;
+    std::string footer = subcommand.footer + "\n\n";
+    if (subcommand.headings != nullptr)
+        footer += columnsHelp(subcommand.headings({}).all) + "\n\n" + otherOptions + "\n\n";
+    return footer + examplesHelp(subcommand.examples);
 }
 
 void addSubcommand(CLI::App& app, const Subcommand& subcommand)
@@ -157,18 +215,24 @@ void addSubcommand(CLI::App& app, const Subcommand& subcommand)
 
 } // namespace
 
-void declareCommandLine(CLI::App& app, const std::vector<Subcommand>& subcommands)
+void declareCommandLine(CLI::App& app, const std::vector<Subcommand>& subcommands,
+                        std::size_t width)
 {
-    app.formatter(std::make_shared<HelpFormatter>());
+    app.formatter(std::make_shared<HelpFormatter>(width));
     app.set_help_flag("-h,--help", "Print help and exit");
     app.set_version_flag("-V,--version", "dmpclaim " DMPCLAIM_VERSION,
                          "Print the version and exit");
-    app.footer(globalFooter);
+    app.footer(std::string(globalFooter) + "\n\n" + examplesHelp(globalExamples));
     app.require_subcommand(1);
     app.fallthrough();
     addGlobalOptions(app);
     for (const Subcommand& subcommand : subcommands)
         addSubcommand(app, subcommand);
+    CLI::App* help = app.add_subcommand(helpSubcommand, "Print the help of a subcommand");
+    help->footer(examplesHelp(
+        {{"help", "what the command can do"}, {"help show", "the columns and options of 'show'"}}));
+    help->add_option("SUBCOMMAND")
+        ->description("The subcommand; without it, the help of the whole command");
 }
 
 } // namespace command

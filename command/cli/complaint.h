@@ -5,7 +5,8 @@
 
 namespace command {
 
-/// Writes a line on standard error: "dmpclaim: " and the text, made printable.
+/// Writes a line on standard error: "dmpclaim: " and the text, made printable. A terminal gets long
+/// lines wrapped.
 void complain(const std::string& text);
 
 } // namespace command

@@ -94,40 +94,82 @@ const Subcommand& subcommandNamed(const std::string& name,
                          [&](const Subcommand& subcommand) { return subcommand.name == name; });
 }
 
+/// An option that says how answers look.
+struct FormOption {
+    const char* name;
+    Form form;
+};
+
+constexpr FormOption formOptions[] = {{"--json", Form::json},
+                                      {"--json-lines", Form::jsonLines},
+                                      {"--raw", Form::raw},
+                                      {"--pairs", Form::pairs},
+                                      {"--zero", Form::zero}};
+
 /// For a subcommand that prints no table.
 void rejectTableOptions(const CLI::App& app, const std::string& name)
 {
-    for (const char* option : {"--output", "--noheadings", "--raw"}) {
+    for (const char* option :
+         {"--output", "--output-all", "--noheadings", "--raw", "--pairs", "--zero"}) {
         if (isGiven(app, option))
             throw UsageError(name + " prints no columns and takes no " + option);
     }
 }
 
+/// For options that contradict each other.
+void rejectBoth(const CLI::App& app, const std::string& option, const std::string& other)
+{
+    if (isGiven(app, option.c_str()) && isGiven(app, other.c_str()))
+        throw UsageError(option + " and " + other + " exclude each other: leave one of them out");
+}
+
+/// The form that the user chooses; nothing without a choice.
+std::optional<Form> chosenForm(const CLI::App& app)
+{
+    const FormOption* chosen = nullptr;
+    for (const FormOption& option : formOptions) {
+        if (!isGiven(app, option.name))
+            continue;
+        if (chosen != nullptr)
+            rejectBoth(app, chosen->name, option.name);
+        chosen = &option;
+    }
+    return chosen == nullptr ? std::nullopt : std::optional(chosen->form);
+}
+
 void readColumns(const CLI::App& app, Options& options)
 {
+    rejectBoth(app, "--output", "--output-all");
     const Headings headings = options.subcommand->headings(options);
-    const std::optional<std::string> list = lastValue(app, "--output");
-    if (list && options.form == Form::bare)
-        options.form = Form::table;
-    options.withHeadings = options.form == Form::table && !isGiven(app, "--noheadings");
-    if (isGiven(app, "--raw"))
-        options.form = Form::raw;
-    if (isGiven(app, "--json"))
-        options.form = Form::json;
-    const std::vector<Heading>& usual = options.form == Form::json ? headings.json : headings.usual;
-    options.columns = list ? chosenColumns(*list, usual, headings.all) : usual;
+    const std::vector<Heading>& usual = isJson(options.form) ? headings.json : headings.usual;
+    options.columns = isGiven(app, "--output-all") ? headings.all : usual;
+    if (const std::optional<std::string> list = lastValue(app, "--output"))
+        options.columns = chosenColumns(*list, usual, headings.all);
+    if (options.form == Form::zero && options.columns.size() != 1)
+        throw UsageError("--zero prints one column; choose it with -o: " +
+                         namesOf(options.columns));
 }
 
 void readOutput(const CLI::App& app, Options& options)
 {
-    options.form = options.subcommand->form;
-    if (options.subcommand->headings != nullptr) {
+    const bool choosesColumns = isGiven(app, "--output") || isGiven(app, "--output-all");
+    if (options.subcommand->headings == nullptr)
+        rejectTableOptions(app, options.subcommand->name);
+    const Form given = options.subcommand->form;
+    const Form usual = given == Form::bare && choosesColumns ? Form::table : given;
+    options.form = chosenForm(app).value_or(usual);
+    options.withHeadings = usual == Form::table && !isGiven(app, "--noheadings");
+    if (options.subcommand->headings != nullptr)
         readColumns(app, options);
-        return;
-    }
-    rejectTableOptions(app, options.subcommand->name);
-    if (isGiven(app, "--json"))
-        options.form = Form::json;
+    for (const char* json : {"--json", "--json-lines"})
+        rejectBoth(app, json, "--noheadings");
+}
+
+/// An empty variable of a script would otherwise limit the answer to no disk at all.
+void rejectEmptyPaths(const std::vector<std::string>& paths)
+{
+    if (std::find(paths.begin(), paths.end(), "") != paths.end())
+        throw UsageError("an empty argument names no disk; leave it out to ask about all disks");
 }
 
 void readArguments(const CLI::App& app, Options& options)
@@ -139,6 +181,8 @@ void readArguments(const CLI::App& app, Options& options)
     case Arguments::optionalPaths:
         options.paths = valuesOf(app.get_option("PATH"));
         options.nulSeparated = isGiven(app, "--null");
+        if (options.subcommand->arguments == Arguments::optionalPaths)
+            rejectEmptyPaths(options.paths);
         break;
     case Arguments::diskAndNumber:
         options.paths = valuesOf(app.get_option("DISK"));
@@ -153,6 +197,14 @@ void readArguments(const CLI::App& app, Options& options)
     }
 }
 
+std::string subcommandNames(const CLI::App& app)
+{
+    std::string names;
+    for (const CLI::App* subcommand : app.get_subcommands({}))
+        names += (names.empty() ? "" : ", ") + subcommand->get_name();
+    return names;
+}
+
 /// What is wrong, in the user's terms.
 std::string describe(const CLI::ParseError& error, const CLI::App& app)
 {
@@ -165,6 +217,8 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app)
                                                            : "unexpected argument '";
         return kind + unescaped(argument) + "'";
     }
+    if (app.get_subcommands().empty())
+        return "no subcommand is given; there are " + subcommandNames(app);
     // "--output: 1 required LIST missing", "json was given a disallowed flag override"
     std::string text = error.what();
     const std::size_t end = text.find_first_of(": ");
@@ -174,8 +228,20 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app)
                             : "--" + text.substr(0, end) + " takes no value";
 }
 
+/// --trace takes its level after a '=' only: a path may follow it.
+void rejectLevelApart(const std::vector<std::string>& arguments)
+{
+    for (std::size_t i = 0; i + 1 < arguments.size() && arguments[i] != "--"; ++i) {
+        const std::string& level = arguments[i + 1];
+        if (arguments[i] == "--trace" && level.size() == 1 && parseNumber(level))
+            throw UsageError("'" + level + "' behind --trace is no level: write --trace=" + level +
+                             ", or put the argument '" + level + "' in front of --trace");
+    }
+}
+
 void parse(CLI::App& app, const std::vector<std::string>& arguments)
 {
+    rejectLevelApart(arguments);
     std::vector<std::string> reversed = escaped(arguments);
     rejectEmptyValues(reversed);
     std::reverse(reversed.begin(), reversed.end());
@@ -188,6 +254,15 @@ void parse(CLI::App& app, const std::vector<std::string>& arguments)
     }
 }
 
+ColorChoice parseColor(const std::optional<std::string>& text)
+{
+    if (!text || *text == "auto")
+        return ColorChoice::automatic;
+    if (*text != "always" && *text != "never")
+        throw UsageError("'" + *text + "' is no choice of colours (auto, always, never)");
+    return *text == "always" ? ColorChoice::always : ColorChoice::never;
+}
+
 Options readOptions(const CLI::App& app, const std::vector<Subcommand>& subcommands)
 {
     const CLI::App& given = *app.get_subcommands().front();
@@ -197,7 +272,22 @@ Options readOptions(const CLI::App& app, const std::vector<Subcommand>& subcomma
     readOutput(app, options);
     options.trace.level = parseLevel(lastValue(app, "--trace"));
     options.trace.file = lastValue(app, "--trace-file");
+    options.color = parseColor(lastValue(app, "--color"));
     return options;
+}
+
+/// The help of the subcommand `name`; without a name, of the whole command.
+Information helpOf(CLI::App& app, const std::optional<std::string>& name)
+{
+    if (!name) {
+        app.clear(); // or the help would be that of the subcommand that was given
+        return app.help();
+    }
+    try {
+        return app.get_subcommand(*name)->help(app.get_name());
+    } catch (const CLI::OptionNotFound&) {
+        throw UsageError("unknown subcommand '" + *name + "'; there are " + subcommandNames(app));
+    }
 }
 
 } // namespace
@@ -232,12 +322,15 @@ std::optional<std::string> Options::value(const char* option) const
 }
 
 std::variant<Options, Information> parseOptions(const std::vector<std::string>& arguments,
-                                                const std::vector<Subcommand>& subcommands)
+                                                const std::vector<Subcommand>& subcommands,
+                                                std::size_t width)
 {
     CLI::App app("Shows which multipath driver owns a block device path.", "dmpclaim");
-    declareCommandLine(app, subcommands);
+    declareCommandLine(app, subcommands, width);
     try {
         parse(app, arguments);
+        if (app.got_subcommand(helpSubcommand))
+            return helpOf(app, lastValue(*app.get_subcommand(helpSubcommand), "SUBCOMMAND"));
         return readOptions(app, subcommands);
     } catch (const CLI::CallForHelp&) {
         return app.help();

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "cli/color.h"
 #include "cli/subcommand.h"
 #include "cli/trace.h"
 #include "output/columns.h"
@@ -26,6 +27,7 @@ struct Options {
     bool withHeadings = true;
     std::vector<Heading> columns; // none when the subcommand prints no columns
     TraceOptions trace;
+    ColorChoice color = ColorChoice::automatic;
 
     /// `option` is one of the subcommand's own, such as "--refresh".
     bool isGiven(const char* option) const { return own.count(option) > 0; }
@@ -37,10 +39,11 @@ struct Options {
 /// The help or the version, when the user asks for that instead.
 using Information = std::string;
 
-/// Parses the arguments, without the command's name. `subcommands` must outlive the result. Throws
-/// UsageError.
+/// Parses the arguments, without the command's name. `subcommands` must outlive the result. `width`
+/// is that of the lines of help. Throws UsageError.
 std::variant<Options, Information> parseOptions(const std::vector<std::string>& arguments,
-                                                const std::vector<Subcommand>& subcommands);
+                                                const std::vector<Subcommand>& subcommands,
+                                                std::size_t width = 79);
 
 /// A decimal number of digits only; nothing when the text is anything else or does not fit.
 std::optional<unsigned int> parseNumber(const std::string& text);

@@ -41,7 +41,8 @@ JSON holds besides what somebody who helps from afar needs: versions, modules
 (in the order in which they are asked), names, maps (of the kernel's
 device-mapper), disks with their paths, commands (what the tools answered; for
 the status see 'dmpclaim active --help'), the trace of the tools' runs, with
---trace of everything, and whether the examination was cut short.
+--trace of everything, and whether the examination was cut short. --json-lines
+has a line for each finding, as it is found.
 
 --check tells paths that can be used (paths) from others (failed). --metrics is
 for the textfile collector of node exporter: share/doc/dmpclaim/monitoring.md.
@@ -54,7 +55,7 @@ Exit status:
 An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tools that run, and the
 command with status 130, 143, 129 or 131, once it has reported what it knows.
 
--J, --trace and the statuses 1 and 2: see 'dmpclaim --help'.)";
+-J, --json-lines, --color, --trace and the statuses 1 and 2: see 'dmpclaim --help'.)";
 
 /// A shorter run needs no progress.
 constexpr std::chrono::seconds beforeProgress{1};
@@ -135,12 +136,19 @@ int writeMetrics(const DoctorOptions& options, const Report& report, const Findi
     return 0;
 }
 
+Findings::Use useOf(DoctorForm form)
+{
+    if (form == DoctorForm::text)
+        return Findings::Use::text;
+    return form == DoctorForm::jsonLines ? Findings::Use::line : Findings::Use::keep;
+}
+
 int diagnose(const Options& options, const DoctorOptions& own, OutputStream& output)
 {
     const std::vector<Module> modules = makeModules({});
     const auto stop = std::make_shared<StopRequest>(); // a thread whose tool hangs may outlive us
     Progress progress(options.trace);
-    Findings findings(own.filter, own.form == DoctorForm::text ? &output : nullptr);
+    Findings findings(own.filter, useOf(own.form), output);
     const ExaminationOrder order{givenPaths(options), own, options.trace,
                                  [&](const std::string& text) { progress.show(text); }};
     Interrupt interrupt(

@@ -39,10 +39,12 @@ DoctorForm formOf(const Options& options)
         DoctorForm form;
         bool isGiven;
     };
-    const Choice choices[] = {{"--json", DoctorForm::json, options.form == Form::json},
-                              {"--check", DoctorForm::check, options.isGiven("--check")},
-                              {"--metrics", DoctorForm::metrics, options.isGiven("--metrics")},
-                              {"--codes", DoctorForm::codes, options.isGiven("--codes")}};
+    const Choice choices[] = {
+        {"--json", DoctorForm::json, options.form == Form::json},
+        {"--json-lines", DoctorForm::jsonLines, options.form == Form::jsonLines},
+        {"--check", DoctorForm::check, options.isGiven("--check")},
+        {"--metrics", DoctorForm::metrics, options.isGiven("--metrics")},
+        {"--codes", DoctorForm::codes, options.isGiven("--codes")}};
     const Choice* chosen = nullptr;
     for (const Choice& choice : choices) {
         if (!choice.isGiven)

@@ -13,7 +13,7 @@
 namespace command {
 
 /// What `doctor` prints.
-enum class DoctorForm { text, json, check, metrics, codes };
+enum class DoctorForm { text, json, jsonLines, check, metrics, codes };
 
 /// What the user asks of `doctor`, besides the paths and the trace.
 struct DoctorOptions {

@@ -1,5 +1,6 @@
 #include "doctor/finding_output.h"
 
+#include "output/painted.h"
 #include "text/printable.h"
 #include "text/wrapped.h"
 
@@ -19,6 +20,20 @@ std::string indented(const std::string& lines)
     return std::string(indent, ' ') + lines + '\n';
 }
 
+Tone toneOf(Severity severity)
+{
+    switch (severity) {
+    case Severity::ok:
+        return Tone::good;
+    case Severity::note:
+        return Tone::note;
+    case Severity::warning:
+        return Tone::warning;
+    default:
+        return Tone::bad;
+    }
+}
+
 Field textOrNull(const std::string& text)
 {
     return text.empty() ? Field() : Field(text);
@@ -26,16 +41,16 @@ Field textOrNull(const std::string& text)
 
 } // namespace
 
-std::string findingText(const Finding& finding)
+std::string findingText(const Finding& finding, const OutputStream& output)
 {
-    std::string text = severityName(finding.severity());
-    text.resize(indent, ' ');
-    text += wrapped(printable(factsOf(finding.code).name + (' ' + finding.device) + ": " +
-                              finding.text),
-                    indent) +
-            '\n';
+    const std::string severity = severityName(finding.severity());
+    const std::string about = factsOf(finding.code).name + (' ' + finding.device);
+    std::string text = painted(severity, toneOf(finding.severity()), output) +
+                       std::string(indent - severity.size(), ' ') +
+                       wrapped(printable(about + ": " + finding.text), indent, output.width()) +
+                       '\n';
     if (!finding.advice.empty())
-        text += indented(wrapped("To do: " + printable(finding.advice), indent));
+        text += indented(wrapped("To do: " + printable(finding.advice), indent, output.width()));
     if (!finding.remedy.empty()) // unbroken, so that it can be pasted into a shell
         text += indented("Type: " + printable(finding.remedy));
     return text;

@@ -6,11 +6,12 @@
 
 #include "doctor/finding.h"
 #include "output/document.h"
+#include "output/output_stream.h"
 
 namespace command {
 
-/// The finding for people, with its line ends.
-std::string findingText(const Finding& finding);
+/// The finding for people, with its line ends, in the width and the colours of `output`.
+std::string findingText(const Finding& finding, const OutputStream& output);
 
 /// code, severity, device, text, advice and remedy, which are null when there is none.
 Document findingDocument(const Finding& finding);

@@ -10,11 +10,15 @@
 
 namespace command {
 
-/// Counts the findings that pass a filter. Writes each at once as text, or keeps all.
+/// Counts the findings that pass a filter. Writes each at once as text or as a line of JSON, or
+/// keeps all.
 class Findings {
 public:
-    /// `output` is null when the findings are kept.
-    Findings(FindingFilter filter, OutputStream* output) : m_filter(filter), m_output(output) {}
+    enum class Use { text, line, keep };
+
+    Findings(FindingFilter filter, Use use, OutputStream& output)
+        : m_filter(filter), m_use(use), m_output(output)
+    {}
 
     void take(const Finding& finding);
 
@@ -25,7 +29,8 @@ public:
 
 private:
     FindingFilter m_filter;
-    OutputStream* m_output;
+    Use m_use;
+    OutputStream& m_output;
     FindingCounts m_counts;
     std::vector<Finding> m_kept;
 };

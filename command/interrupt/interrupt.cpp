@@ -94,6 +94,12 @@ void Interrupt::finish()
     m_thread.join();
 }
 
+void Interrupt::skipPatience()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isPatient = false;
+}
+
 void Interrupt::endTools() const
 {
     endTools(StopReason::interrupt);
@@ -151,7 +157,7 @@ void Interrupt::end(int signal)
 {
     endTools(StopReason::interrupt);
     std::unique_lock lock(m_mutex);
-    m_finished.wait_for(lock, patience, [this] { return m_hasFinished; });
+    m_finished.wait_for(lock, patience, [this] { return m_hasFinished || !m_isPatient; });
     _exit(128 + signal);
 }
 

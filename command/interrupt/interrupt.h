@@ -42,6 +42,10 @@ public:
     /// the process.
     void finish();
 
+    /// Says that nothing is left to write after an interrupt: a signal does not wait for `finish`.
+    /// Safe between threads.
+    void skipPatience();
+
     /// Requests `stop` and ends the tools, as a signal does. Reports on standard error when a tool
     /// may still run.
     void endTools() const;
@@ -61,6 +65,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_finished;
     bool m_hasFinished = false;
+    bool m_isPatient = true;
     std::thread m_thread;
 };
 

@@ -5,6 +5,7 @@
 
 #include "names/kernel_text.h"
 #include "output/cell_text.h"
+#include "output/painted.h"
 #include "text/printable.h"
 #include "text/wrapped.h"
 
@@ -70,19 +71,26 @@ std::string answerText(const DeviceAnswer& device, const char* rule)
     return text;
 }
 
-std::string explanationText(const Explanation& explanation)
+std::string warningText(const Warning& warning, const OutputStream& output)
+{
+    const std::string label = padded("warning", labelWidth);
+    return "  " + painted(label, Tone::warning, output) +
+           wrapped(printable(warning.text), labelWidth + 2, output.width()) + '\n';
+}
+
+std::string explanationText(const Explanation& explanation, const OutputStream& output)
 {
     const DeviceAnswer& device = explanation.device;
-    std::string text = printable(device.name) + '\n';
+    std::string text = painted(printable(device.name), Tone::heading, output) + '\n';
     if (!device.given.empty() && device.given != device.name)
         text += labelled("given as", printable(device.given));
     text += answerText(device, explanation.rule);
     for (const LabelledText& fact : kernelTexts(device))
-        text += labelled(fact.label, wrapped(printable(fact.text), labelWidth + 2));
+        text += labelled(fact.label, wrapped(printable(fact.text), labelWidth + 2, output.width()));
     for (const ModuleAnswer& module : explanation.modules)
         text += moduleText(module);
     for (const Warning& warning : explanation.warnings)
-        text += labelled("warning", wrapped(printable(warning.text), labelWidth + 2));
+        text += warningText(warning, output);
     return text;
 }
 
@@ -90,18 +98,18 @@ std::string explanationText(const Explanation& explanation)
 
 void ExplanationWriter::write(const Explanation& explanation)
 {
-    if (m_isJson) {
-        m_json.write(explanationRecord(explanation));
+    if (m_json) {
+        m_json->write(explanationRecord(explanation));
         return;
     }
-    m_output.write((m_isFirst ? "" : "\n") + explanationText(explanation));
+    m_output.write((m_isFirst ? "" : "\n") + explanationText(explanation, m_output));
     m_isFirst = false;
 }
 
 void ExplanationWriter::finish()
 {
-    if (m_isJson)
-        m_json.finish();
+    if (m_json)
+        m_json->finish();
 }
 
 } // namespace command

@@ -1,6 +1,8 @@
 #ifndef NAMES_EXPLANATION_WRITER_H
 #define NAMES_EXPLANATION_WRITER_H
 
+#include <optional>
+
 #include "names/explanation.h"
 #include "output/json_output.h"
 #include "output/make_row_writer.h"
@@ -12,10 +14,12 @@ namespace command {
 /// OutputStream throws.
 class ExplanationWriter {
 public:
-    /// `form` is Form::text or Form::json.
-    ExplanationWriter(Form form, OutputStream& output)
-        : m_isJson(form == Form::json), m_output(output), m_json(output, "explanations", {})
-    {}
+    /// `form` is Form::text or one of JSON.
+    ExplanationWriter(Form form, OutputStream& output) : m_output(output)
+    {
+        if (isJson(form))
+            m_json.emplace(output, "explanations", std::vector<Heading>(), layoutOf(form));
+    }
 
     void write(const Explanation& explanation);
 
@@ -23,10 +27,9 @@ public:
     void finish();
 
 private:
-    bool m_isJson;
     bool m_isFirst = true;
     OutputStream& m_output;
-    JsonOutput m_json;
+    std::optional<JsonOutput> m_json;
 };
 
 } // namespace command

@@ -7,11 +7,10 @@ namespace command {
 
 void BareOutput::write(const Row& row)
 {
-    if (!std::holds_alternative<std::monostate>(row.front())) {
-        const std::string text = cellText(row.front());
-        m_output.write(m_isTerminal ? printable(text) : text);
-    }
-    m_output.write("\n");
+    std::string text;
+    if (!isNone(row.front()))
+        text = cellText(row.front());
+    m_output.write((m_isTerminal ? printable(text) : text) + m_end);
 }
 
 } // namespace command

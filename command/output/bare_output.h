@@ -6,17 +6,19 @@
 
 namespace command {
 
-/// Writes the first field of each row, a line each; an empty line when there is none. Programs get
-/// the field unaltered, a terminal gets it printable.
+/// Writes the first field of each row, with `end` behind it; only `end` when there is none.
+/// Programs get the field unaltered, a terminal gets it printable.
 class BareOutput : public RowWriter {
 public:
-    explicit BareOutput(OutputStream& output) : m_output(output), m_isTerminal(output.isTerminal())
+    BareOutput(OutputStream& output, char end)
+        : m_output(output), m_isTerminal(output.isTerminal()), m_end(end)
     {}
     void write(const Row& row) override;
 
 private:
     OutputStream& m_output;
     bool m_isTerminal;
+    char m_end;
 };
 
 } // namespace command

@@ -53,6 +53,12 @@ struct CellText {
 
 } // namespace
 
+bool isNone(const Field& field)
+{
+    const auto* texts = std::get_if<Texts>(&field);
+    return std::holds_alternative<std::monostate>(field) || (texts != nullptr && texts->empty());
+}
+
 std::string cellText(const Field& field)
 {
     return std::visit(CellText(), field);

@@ -12,6 +12,9 @@ namespace command {
 /// quoted for a shell.
 std::string cellText(const Field& field);
 
+/// Whether tables show "-" for the field: it has no value, or several texts of which there is none.
+bool isNone(const Field& field);
+
 } // namespace command
 
 #endif

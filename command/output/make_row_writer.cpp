@@ -2,6 +2,7 @@
 
 #include "output/bare_output.h"
 #include "output/json_output.h"
+#include "output/pairs_output.h"
 #include "output/raw_output.h"
 #include "output/table_output.h"
 
@@ -12,12 +13,17 @@ std::unique_ptr<RowWriter> makeRowWriter(Form form, OutputStream& output, const 
 {
     switch (form) {
     case Form::json:
-        return std::make_unique<JsonOutput>(output, array, headings);
+    case Form::jsonLines:
+        return std::make_unique<JsonOutput>(output, array, headings, layoutOf(form));
     case Form::raw:
         return std::make_unique<RawOutput>(output,
                                            withHeadings ? headings : std::vector<Heading>());
+    case Form::pairs:
+        return std::make_unique<PairsOutput>(output, headings);
     case Form::bare:
-        return std::make_unique<BareOutput>(output);
+        return std::make_unique<BareOutput>(output, '\n');
+    case Form::zero:
+        return std::make_unique<BareOutput>(output, '\0');
     default:
         return std::make_unique<TableOutput>(output, headings, withHeadings);
     }

@@ -9,7 +9,12 @@
 
 namespace command {
 
-/// Writes rows for programs: fields with one blank between them, blanks within them escaped.
+/// Writes rows for programs: words with one blank between them, so that every row has as many words
+/// as there are columns.
+///
+///     word = "-"       for a field that the library gives no value
+///          | '""'      for an empty text
+///          | text      as printableWord writes it; a text - or "" is all \xNN
 class RawOutput : public RowWriter {
 public:
     /// Writes `headings` first.

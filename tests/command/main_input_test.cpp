@@ -101,13 +101,19 @@ long peakFor(const std::vector<std::string>& arguments, int count)
 /// bytes: 20,000 of them would show. Explanations are larger, and take longer to make.
 TEST(Input, MemoryDoesNotGrowWithTheNumberOfPaths)
 {
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"show", "-"}, {"show", "-", "-r"}, {"strip", "-"}}) {
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"show", "-"},
+                                                      {"show", "-", "-r"},
+                                                      {"strip", "-"},
+                                                      {"show", "-", "-P"},
+                                                      {"show", "-", "-J"},
+                                                      {"show", "-", "--json-lines"}}) {
         const long peak = peakFor(arguments, 1000);
         EXPECT_LT(peakFor(arguments, 20000), peak + 512) << arguments.front();
     }
     const long peak = peakFor({"explain", "-"}, 1000);
     EXPECT_LT(peakFor({"explain", "-"}, 5000), peak + 512);
+    const long jsonPeak = peakFor({"explain", "-J", "-"}, 1000);
+    EXPECT_LT(peakFor({"explain", "-J", "-"}, 5000), jsonPeak + 512);
 }
 
 /// Input and output are larger than any pipe or buffer on the way.

@@ -59,6 +59,58 @@ TEST(Output, JsonReplacesBytesThatAreNotUtf8)
     EXPECT_EQ(devices[0]["disk"], "/dev/sda\ufffd\u00e4\n\x01 ");
 }
 
+TEST(Output, JsonKeepsBytesThatAreNotUtf8BesideTheReadableName)
+{
+    const auto device = runJson({"show", "/dev/sda\xff 1"})["devices"][0];
+    EXPECT_EQ(device["name_raw"], "/dev/sda\\xff\\x201");
+    EXPECT_EQ(device["disk_raw"], "/dev/sda\\xff\\x20");
+    EXPECT_FALSE(runJson({"show", "/dev/sda1"})["devices"][0].contains("name_raw"));
+}
+
+TEST(Output, JsonLinesAreTheRowsOfTheDocument)
+{
+    const std::vector<std::string> paths{"/dev/sda1", "/dev/mapper/mpatha", "x"};
+    for (const char* subcommand : {"show", "explain", "strip", "active"}) {
+        std::vector<std::string> arguments{subcommand, "-o", "NAME"};
+        if (subcommand == std::string("explain"))
+            arguments = {subcommand};
+        arguments.insert(arguments.end(), paths.begin(), paths.end());
+        nlohmann::ordered_json rows;
+        const auto document = runJson(arguments);
+        for (const auto& [key, value] : document.items()) {
+            if (value.is_array())
+                rows = value;
+        }
+        ASSERT_EQ(rows.size(), 3U);
+        arguments.emplace_back("--json-lines");
+        EXPECT_EQ(run(arguments).output,
+                  rows[0].dump() + '\n' + rows[1].dump() + '\n' + rows[2].dump() + '\n');
+    }
+}
+
+TEST(Output, AnswersMayEndInNul)
+{
+    const std::string_view input("/dev/sda b\n1\0/dev/sdb2", 22);
+    EXPECT_EQ(run({"strip", "-", "-0z"}, input).output,
+              std::string("/dev/sda b\n\0/dev/sdb\0", 21));
+    EXPECT_EQ(run({"show", "-0z", "-o", "NAME", "-"}, input).output, std::string(input) + '\0');
+}
+
+TEST(Output, PairsAreReadByAShell)
+{
+    EXPECT_EQ(run({"show", "-P", "/dev/sda\"1", "-o", "NAME,PARTNUM,DISK"}).output,
+              "NAME=\"/dev/sda\\x221\" PARTNUM=\"1\" DISK=\"/dev/sda\\x22\"\n");
+}
+
+TEST(Output, ColoursAreForTerminalsUnlessToldOtherwise)
+{
+    const std::string bold = "\x1b[1mOWNER\x1b[0m\n";
+    EXPECT_EQ(run({"show", "-oowner", "/dev/sda"}).output, "OWNER\nnative\n");
+    EXPECT_EQ(run({"show", "-oowner", "--color", "/dev/sda"}).output, bold + "native\n");
+    EXPECT_THAT(run({"explain", "--color=always", "/dev/mapper/mpathb"}).output,
+                testing::HasSubstr("\x1b[33mwarning        \x1b[0m"));
+}
+
 TEST(Output, JsonHoldsNulBytes)
 {
     const auto document = runJson({"show", "-"}, std::string_view("/dev/sda\n/dev/sdb\0c1\n", 21));

@@ -1,5 +1,6 @@
 // Names that try to steer a terminal, through every form of output and every message.
 #include <algorithm>
+#include <sstream>
 
 #include <gmock/gmock.h>
 
@@ -21,12 +22,24 @@ struct Shown {
     std::string errors;
 };
 
+std::string screenAfter(const std::vector<std::string>& arguments,
+                        const std::vector<std::string>& environment)
+{
+    const Terminal terminal;
+    Setting setting;
+    setting.output = terminal.descriptor();
+    setting.environment = environment;
+    run(arguments, {}, setting);
+    return terminal.written();
+}
+
+/// Without colours, which steer a terminal, too.
 Shown show(const std::vector<std::string>& arguments, const std::string& locale)
 {
     const Terminal terminal;
     Setting setting;
     setting.output = terminal.descriptor();
-    setting.environment = {"LC_ALL=" + locale};
+    setting.environment = {"LC_ALL=" + locale, "NO_COLOR=1"};
     const std::string errors = run(arguments, {}, setting).errors;
     return {terminal.written(), errors};
 }
@@ -90,6 +103,43 @@ TEST(Terminal, NoArgumentSteersItThroughAMessage)
             EXPECT_TRUE(isHarmlessLines(shown.errors, 2)) << shown.errors;
             EXPECT_EQ(shown.screen, "");
         }
+    }
+}
+
+TEST(Terminal, ShowsHeadingsInColourUnlessTheUserWantsNone)
+{
+    const std::vector<std::string> command{"show", "-oowner", "/dev/sda"};
+    const std::string plain = "OWNER\nnative\n";
+    const std::string colored = "\x1b[1mOWNER\x1b[0m\nnative\n";
+    EXPECT_EQ(screenAfter(command, {"TERM=xterm", "NO_COLOR="}), colored);
+    EXPECT_EQ(screenAfter(command, {"TERM=xterm", "NO_COLOR=1"}), plain);
+    EXPECT_EQ(screenAfter(command, {"TERM=dumb", "NO_COLOR="}), plain);
+    EXPECT_EQ(screenAfter({"show", "-oowner", "/dev/sda", "--color=never"}, {"TERM=xterm"}), plain);
+    EXPECT_EQ(screenAfter({"show", "-oowner", "/dev/sda", "--color"}, {"NO_COLOR=1"}), colored);
+}
+
+TEST(Terminal, LongLinesEndAtItsWidthBetweenWords)
+{
+    const Terminal narrow({24, 60, 0, 0});
+    Setting setting;
+    setting.output = narrow.descriptor();
+    setting.environment = {"NO_COLOR=1"};
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"explain", "/dev/mapper/mpathb"}, {"help", "active"}}) {
+        const Result piped = run(arguments);
+        run(arguments, {}, setting);
+        std::istringstream lines(narrow.written());
+        std::vector<std::string> wordsShown;
+        for (std::string line; std::getline(lines, line);) {
+            const bool isTable = line.find("(prefix") != std::string::npos;
+            EXPECT_TRUE(line.size() <= 60 || isTable) << line;
+            std::istringstream words(line);
+            for (std::string word; words >> word;)
+                wordsShown.push_back(word);
+        }
+        std::istringstream words(piped.output);
+        for (std::string word; words >> word;)
+            EXPECT_THAT(wordsShown, testing::Contains(word));
     }
 }
 

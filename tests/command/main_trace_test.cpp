@@ -174,12 +174,21 @@ TEST_F(TraceFile, OneThatAnotherAccountMayHaveLinkedIsRefused)
     EXPECT_EQ(content(), "untouched");
 }
 
-TEST(Trace, AFullDiskDisturbsNothing)
+TEST(Trace, AFullDiskChangesNoAnswerAndIsReported)
 {
+    const std::size_t lines = textsOf(run({"prefixes", "--trace"}).errors).size();
     const Result result = run({"prefixes", "--trace-file", "/dev/full"});
     EXPECT_EQ(result.output, "/dev/mapper/\n/dev/emcpower\n/dev/sd\n");
-    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(result.errors, "dmpclaim: the trace file could not be written; lines lost: " +
+                                 std::to_string(lines) + "\n");
     EXPECT_EQ(result.status, 0);
+}
+
+TEST(Trace, TheLinesThatSeveralJobsLoseAreReportedOnce)
+{
+    const Result result =
+        run({"active", "-j4", "/dev/emcpowera", "/dev/emcpowerb", "--trace-file", "/dev/full"});
+    EXPECT_THAT(result.errors, MatchesRegex("dmpclaim: [^\n]*; lines lost: [0-9]+\n"));
 }
 
 } // namespace

@@ -16,7 +16,8 @@ void expectBadUsage(const std::vector<std::string>& arguments, const std::string
 
 TEST(Usage, BadUsageTellsWhatIsWrongAndWhereHelpIs)
 {
-    expectBadUsage({}, "dmpclaim: A subcommand is required\n"
+    expectBadUsage({}, "dmpclaim: no subcommand is given; there are list, show, explain, append, "
+                       "strip, active, doctor, prefixes, help\n"
                        "Try 'dmpclaim --help' for more information.\n");
     expectBadUsage({"frobnicate"}, "dmpclaim: unknown subcommand 'frobnicate'\n"
                                    "Try 'dmpclaim --help' for more information.\n");

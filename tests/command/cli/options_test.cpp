@@ -86,7 +86,8 @@ TEST(Options, ListAndShowMakeTables)
     EXPECT_EQ(options({"list"}).form, Form::table);
     EXPECT_EQ(options({"show", "x"}).form, Form::table);
     EXPECT_EQ(options({"show", "x", "-r"}).form, Form::raw);
-    EXPECT_EQ(options({"show", "x", "-r", "-J"}).form, Form::json);
+    EXPECT_EQ(options({"show", "x", "-P"}).form, Form::pairs);
+    EXPECT_EQ(options({"show", "x", "--json-lines"}).form, Form::jsonLines);
 }
 
 TEST(Options, TheOthersAnswerBareUnlessColumnsAreChosen)
@@ -98,6 +99,54 @@ TEST(Options, TheOthersAnswerBareUnlessColumnsAreChosen)
     EXPECT_EQ(options({"append", "x", "1", "-o", "NAME", "-r"}).form, Form::raw);
     EXPECT_EQ(options({"explain", "x"}).form, Form::text);
     EXPECT_EQ(options({"explain", "x", "-J"}).form, Form::json);
+    EXPECT_EQ(options({"explain", "x", "--json-lines"}).form, Form::jsonLines);
+    EXPECT_EQ(options({"strip", "x", "-z"}).form, Form::zero);
+}
+
+TEST(Options, ThereIsOneForm)
+{
+    EXPECT_EQ(complaint({"show", "x", "-J", "-r"}),
+              "show: --json and --raw exclude each other: leave one of them out");
+    EXPECT_EQ(complaint({"show", "x", "--json-lines", "-J"}),
+              "show: --json and --json-lines exclude each other: leave one of them out");
+    EXPECT_EQ(complaint({"-P", "explain", "x"}),
+              "explain: explain prints no columns and takes no --pairs");
+    for (const std::string json : {"--json", "--json-lines"})
+        EXPECT_EQ(complaint({"show", "x", json, "-n"}),
+                  "show: " + json + " and --noheadings exclude each other: leave one of them out");
+}
+
+TEST(Options, AnswersThatEndInNulHaveOneColumn)
+{
+    EXPECT_EQ(options({"list", "-z", "-o", "NAME"}).form, Form::zero);
+    EXPECT_EQ(complaint({"list", "-z", "-o", "NAME,DISK"}),
+              "list: --zero prints one column; choose it with -o: NAME, DISK");
+}
+
+TEST(Options, AllColumnsCanBeChosen)
+{
+    EXPECT_EQ(namesOf(options({"append", "x", "1", "-O"}).columns),
+              "PATH, DISK, PARTNUM, OWNER, CLAIM");
+    EXPECT_EQ(options({"append", "x", "1", "-O"}).form, Form::table);
+    EXPECT_EQ(complaint({"list", "-O", "-o", "NAME"}),
+              "list: --output and --output-all exclude each other: leave one of them out");
+}
+
+TEST(Options, ColoursAreAChoice)
+{
+    using command::ColorChoice;
+    EXPECT_EQ(options({"list"}).color, ColorChoice::automatic);
+    EXPECT_EQ(options({"list", "--color"}).color, ColorChoice::always);
+    EXPECT_EQ(options({"--color=never", "list"}).color, ColorChoice::never);
+    EXPECT_EQ(options({"list", "--color=auto"}).color, ColorChoice::automatic);
+    EXPECT_EQ(complaint({"list", "--color=x"}),
+              "list: 'x' is no choice of colours (auto, always, never)");
+}
+
+TEST(Options, AnEmptyArgumentDoesNotLimitDoctorToNoDisk)
+{
+    EXPECT_EQ(complaint({"doctor", ""}),
+              "doctor: an empty argument names no disk; leave it out to ask about all disks");
 }
 
 TEST(Options, HeadingsAreForTables)
@@ -140,9 +189,16 @@ TEST(Options, TracingIsOffUnlessAskedFor)
 
 TEST(Options, TraceHasALevelAndNeverTakesTheNextArgument)
 {
-    const Options parsed = options({"show", "--trace", "3"});
+    const Options parsed = options({"show", "--trace", "x3"});
     EXPECT_EQ(parsed.trace.level, 6);
-    EXPECT_THAT(parsed.paths, ElementsAre("3"));
+    EXPECT_THAT(parsed.paths, ElementsAre("x3"));
+    EXPECT_THAT(options({"show", "3", "--trace"}).paths, ElementsAre("3"));
+    EXPECT_THAT(options({"show", "--", "--trace", "3"}).paths, ElementsAre("--trace", "3"));
+    for (const Arguments& arguments :
+         {Arguments{"show", "--trace", "3", "x"}, Arguments{"append", "x", "--trace", "3"}})
+        EXPECT_THAT(complaint(arguments), HasSubstr("'3' behind --trace is no level: write "
+                                                    "--trace=3, or put the argument '3' in "
+                                                    "front of --trace"));
     EXPECT_EQ(options({"--trace", "list"}).trace.level, 6);
     for (int level = 1; level <= 6; ++level)
         EXPECT_EQ(options({"list", "--trace=" + std::to_string(level)}).trace.level, level);
@@ -203,7 +259,10 @@ TEST(Options, WhatIsNotKnownIsNamed)
 
 TEST(Options, WhatIsMissingIsNamed)
 {
-    EXPECT_EQ(complaint({}), ": A subcommand is required");
+    EXPECT_THAT(complaint({}), testing::StartsWith(": no subcommand is given; there are list, "));
+    EXPECT_THAT(complaint({"-J"}), testing::StartsWith(": no subcommand is given; there are "));
+    EXPECT_THAT(complaint({"list", "-o", ""}),
+                testing::StartsWith("list: the list of columns is empty; there are NAME, "));
     EXPECT_EQ(complaint({"show"}), "show: PATH is required");
     EXPECT_EQ(complaint({"append"}), "append: DISK is required");
     EXPECT_EQ(complaint({"append", "x"}), "append: N is required");
@@ -251,6 +310,62 @@ TEST(Options, HelpIsAnAnswer)
                     HasSubstr("Usage: dmpclaim " + subcommand.name));
     }
     EXPECT_THAT(information({"show", "--frob", "-h"}), HasSubstr("Usage: dmpclaim show"));
+}
+
+TEST(Options, HelpIsASubcommandToo)
+{
+    EXPECT_EQ(information({"help"}), information({"--help"}));
+    for (const command::Subcommand& subcommand : command::subcommands())
+        EXPECT_EQ(information({"help", subcommand.name}), information({subcommand.name, "-h"}));
+    EXPECT_THAT(complaint({"help", "x"}),
+                testing::StartsWith("help: unknown subcommand 'x'; there are list, "));
+    EXPECT_EQ(complaint({"help", "show", "x"}), "help: unexpected argument 'x'");
+}
+
+TEST(Options, HelpEndsWithTwoExamplesThatCanBeTyped)
+{
+    for (const command::Subcommand& subcommand : command::subcommands()) {
+        EXPECT_EQ(subcommand.examples.size(), 2U) << subcommand.name;
+        const std::string help = information({"help", subcommand.name});
+        const std::string examples = help.substr(help.find("\nExamples:\n"));
+        for (const command::Example& example : subcommand.examples) {
+            EXPECT_THAT(examples, HasSubstr(std::string("  dmpclaim ") + example.arguments));
+            std::istringstream words(example.arguments);
+            Arguments arguments;
+            for (std::string word; words >> word && word.find_first_of("<>|") != 0;)
+                arguments.push_back(word);
+            EXPECT_EQ(options(arguments).subcommand, &subcommand);
+        }
+    }
+}
+
+TEST(Options, HelpExplainsEachColumnAndTraceLevel)
+{
+    for (const command::Subcommand& subcommand : command::subcommands()) {
+        if (subcommand.headings == nullptr)
+            continue;
+        const std::string help = information({subcommand.name, "-h"});
+        for (const command::Heading& heading : subcommand.headings({}).all) {
+            const std::string name(heading.name);
+            EXPECT_THAT(help, testing::ContainsRegex("\n  " + name + " +[a-z]")) << name;
+        }
+    }
+    EXPECT_THAT(information({"-h"}), testing::ContainsRegex("\n  1  .*\n  2  .*\n  3  .*\n"
+                                                            "  4, 5  .*\n  6  .*\n"));
+}
+
+TEST(Options, HelpHasTheWidthOfTheTerminal)
+{
+    for (const std::size_t width : {40U, 60U, 200U}) {
+        const auto help = std::get<command::Information>(
+            command::parseOptions({"active", "-h"}, command::subcommands(), width));
+        std::istringstream lines(help);
+        std::size_t longest = 0;
+        for (std::string line; std::getline(lines, line);)
+            longest = std::max(longest, line.size());
+        EXPECT_LE(longest, width);
+        EXPECT_GT(longest, width - 10);
+    }
 }
 
 TEST(Options, HelpTellsWhatIsAskedBesidesNames)

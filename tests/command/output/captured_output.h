@@ -1,8 +1,12 @@
 #ifndef TESTS_COMMAND_OUTPUT_CAPTURED_OUTPUT_H
 #define TESTS_COMMAND_OUTPUT_CAPTURED_OUTPUT_H
 
-#include <cstdlib>
 #include <string>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
 
 #include "output/output_stream.h"
 
@@ -12,11 +16,7 @@ public:
     CapturedOutput() = default;
     CapturedOutput(const CapturedOutput&) = delete;
     CapturedOutput& operator=(const CapturedOutput&) = delete;
-    ~CapturedOutput()
-    {
-        std::fclose(m_file);
-        std::free(m_text);
-    }
+    ~CapturedOutput() { close(m_file); }
 
     command::OutputStream& stream() { return m_stream; }
 
@@ -24,13 +24,19 @@ public:
     std::string text()
     {
         m_stream.flush();
-        return {m_text, m_size};
+        return written();
+    }
+
+    /// What has left the stream's buffer.
+    std::string written() const
+    {
+        std::string text(static_cast<std::size_t>(lseek(m_file, 0, SEEK_END)), '\0');
+        EXPECT_EQ(pread(m_file, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
+        return text;
     }
 
 private:
-    char* m_text = nullptr;
-    std::size_t m_size = 0;
-    std::FILE* m_file = open_memstream(&m_text, &m_size);
+    int m_file = memfd_create("output", MFD_CLOEXEC);
     command::OutputStream m_stream{m_file};
 };
 

@@ -34,6 +34,55 @@ TEST(JsonOutput, FieldsKeepTheirTypesAndTheChosenOrder)
               R"({"schema":1,"disks":[{"partnum":7,"name":"a"},{"partnum":null,"name":"b"}]})");
 }
 
+TEST(JsonOutput, ADocumentLooksTheSameHoweverLongItIs)
+{
+    CapturedOutput output;
+    JsonOutput json(output.stream(), "disks", {name});
+    json.write({"a"});
+    json.write({"b"});
+    json.finish();
+    EXPECT_EQ(output.text(), Json::parse(output.text()).dump(2) + '\n');
+}
+
+TEST(JsonOutput, RowsGoOutAtOnce)
+{
+    CapturedOutput output;
+    JsonOutput json(output.stream(), "disks", {name});
+    json.write({"a"});
+    EXPECT_EQ(output.text(),
+              "{\n  \"schema\": 1,\n  \"disks\": [\n    {\n      \"name\": \"a\"\n    }");
+}
+
+TEST(JsonOutput, ADocumentThatIsCutShortIsClosedAndSaysSo)
+{
+    for (const int rows : {0, 1, 2}) {
+        CapturedOutput output;
+        JsonOutput json(output.stream(), "disks", {name});
+        for (int row = 0; row < rows; ++row)
+            json.write({"a"});
+        output.stream().end(std::chrono::seconds(1));
+        json.write({"late"});
+        json.finish();
+        const Json document = Json::parse(output.text());
+        EXPECT_EQ(document["disks"].size(), static_cast<std::size_t>(rows));
+        EXPECT_TRUE(document["interrupted"]);
+        EXPECT_EQ(output.text(), document.dump(2) + '\n');
+    }
+}
+
+TEST(JsonOutput, LinesHaveARecordEach)
+{
+    CapturedOutput output;
+    JsonOutput json(output.stream(), "disks", {name, partnum}, command::JsonText::Layout::line);
+    json.write({"a", Field(std::int64_t{7})});
+    json.write({"b\n", Field()});
+    json.write(Document::Record{{"rule", "nobody"}, {"modules", Document::List{1, 2}}});
+    json.finish();
+    EXPECT_EQ(output.text(), "{\"name\":\"a\",\"partnum\":7}\n"
+                             "{\"name\":\"b\\n\",\"partnum\":null}\n"
+                             "{\"rule\":\"nobody\",\"modules\":[1,2]}\n");
+}
+
 TEST(JsonOutput, ValuesHaveTheirTypes)
 {
     const auto text = [](const Field& field) { return command::jsonText(field); };

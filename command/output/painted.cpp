@@ -1,0 +1,41 @@
+#include "output/painted.h"
+
+namespace command {
+
+namespace {
+
+/// The control sequence of ECMA-48 that switches the colour on.
+const char* sequenceOf(Tone tone)
+{
+    switch (tone) {
+    case Tone::heading:
+        return "\x1b[1m"; // bold
+    case Tone::good:
+        return "\x1b[32m"; // green
+    case Tone::note:
+        return "\x1b[36m"; // cyan
+    case Tone::warning:
+        return "\x1b[33m"; // yellow
+    case Tone::bad:
+        return "\x1b[1;31m"; // bold red
+    default:
+        return "";
+    }
+}
+
+} // namespace
+
+std::string painted(const std::string& text, Tone tone, const OutputStream& output)
+{
+    if (tone == Tone::plain || text.empty() || !output.isColored())
+        return text;
+    return sequenceOf(tone) + text + "\x1b[0m";
+}
+
+Tone toneOf(const Field& field)
+{
+    const auto* mark = std::get_if<Mark>(&field);
+    return mark == nullptr ? Tone::plain : mark->tone;
+}
+
+} // namespace command
