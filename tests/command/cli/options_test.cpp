@@ -126,7 +126,7 @@ TEST(Options, AnswersThatEndInNulHaveOneColumn)
 TEST(Options, AllColumnsCanBeChosen)
 {
     EXPECT_EQ(namesOf(options({"append", "x", "1", "-O"}).columns),
-              "PATH, DISK, PARTNUM, OWNER, CLAIM");
+              "NAME, DISK, PARTNUM, OWNER, CLAIM");
     EXPECT_EQ(options({"append", "x", "1", "-O"}).form, Form::table);
     EXPECT_EQ(complaint({"list", "-O", "-o", "NAME"}),
               "list: --output and --output-all exclude each other: leave one of them out");
