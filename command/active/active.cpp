@@ -239,7 +239,9 @@ Subcommand activeSubcommand()
              {"--no-progress", nullptr, "Show no progress"}},
             Form::table,
             headings,
-            run};
+            run,
+            {{"active /dev/sdc", "the path that carries the disk's I/O now"},
+             {"active --dry-run --refresh /dev/sdc", "what would run to find it"}}};
 }
 
 } // namespace command

@@ -267,7 +267,7 @@ TEST_F(ActiveInterrupt, AtATerminalTheProgressIsErased)
     useFault({{"subcommand", "getdmpnode"}, {"exit", 3}});
     const std::filesystem::path typescript = folder() / "typescript";
     std::string line;
-    for (const std::string& word : active({"/dev/sdc"}, "60000"))
+    for (const std::string& word : active({"--color=never", "/dev/sdc"}, "60000"))
         line += "'" + word + "' ";
     Process process({"script", "-qefc", line, typescript});
     while (textOf(typescript).find("next one in") == std::string::npos && !process.endsWithin(5))
