@@ -23,12 +23,13 @@ rows at a time; later rows only widen the columns.
 In the words of -r, '-' stands for no value, and '""' for an empty text. In the
 pairs of -P both are empty.
 
-Trace levels; each has the lines of those before it, too:
+Trace levels:
   1  an exception around a command
-  2  warnings, and commands that failed
-  3  what is done, and its results
-  4, 5  no more
-  6  entering and leaving functions, and each step
+  2  that, warnings, and commands that failed
+  3  that, what is done, and its results
+  4  as 3
+  5  as 3
+  6  that, entering and leaving functions, and each step
 
 Exit status:
    0  every path is claimed, or none was asked about

@@ -1,6 +1,9 @@
 #include "text/wrapped.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <system_error>
 
 #include <sys/ioctl.h>
 
@@ -32,13 +35,22 @@ std::string_view takeLine(std::string_view& text)
     return line;
 }
 
+std::size_t widthOfEnvironment()
+{
+    const char* columns = std::getenv("COLUMNS");
+    const std::string_view text = columns == nullptr ? "" : columns;
+    std::size_t width = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), width);
+    return result.ec == std::errc() && width > 0 ? width : usualWidth;
+}
+
 } // namespace
 
 std::size_t lineWidth(int descriptor)
 {
     winsize size{};
     const bool isKnown = ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return isKnown ? size.ws_col : usualWidth;
+    return isKnown ? size.ws_col : widthOfEnvironment();
 }
 
 std::string wrapped(std::string_view text, std::size_t indent, std::size_t width)

@@ -10,7 +10,8 @@ namespace command {
 /// The columns of a line of text where no terminal says another number.
 inline constexpr std::size_t usualWidth = 79;
 
-/// The columns of the terminal at `descriptor`; usualWidth when there is none.
+/// The columns of the terminal at `descriptor`. Without a terminal, what the environment has as
+/// COLUMNS, or usualWidth.
 std::size_t lineWidth(int descriptor);
 
 /// Breaks `text` at runs of blanks, so that lines indented by `indent` stay within `width` columns.

@@ -351,7 +351,7 @@ TEST(Options, HelpExplainsEachColumnAndTraceLevel)
         }
     }
     EXPECT_THAT(information({"-h"}), testing::ContainsRegex("\n  1  .*\n  2  .*\n  3  .*\n"
-                                                            "  4, 5  .*\n  6  .*\n"));
+                                                            "  4  .*\n  5  .*\n  6  .*\n"));
 }
 
 TEST(Options, HelpHasTheWidthOfTheTerminal)

@@ -1,9 +1,15 @@
 #include "text/wrapped.h"
 
+#include <clocale>
+#include <cstdlib>
+
 #include <gtest/gtest.h>
+
+#include "tests/support/terminal.h"
 
 namespace {
 
+using command::reflowed;
 using command::wrapped;
 
 TEST(Wrapped, ALineEndsAtColumn79)
@@ -45,6 +51,43 @@ TEST(Wrapped, AWordThatFitsNoLineGetsItsOwn)
 TEST(Wrapped, NothingStaysNothing)
 {
     EXPECT_EQ(wrapped("", 9), "");
+}
+
+TEST(Wrapped, WideCharactersCountTheirCells)
+{
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
+    EXPECT_EQ(wrapped("\u6f22\u5b57 ab", 0, 7), "\u6f22\u5b57 ab");
+    EXPECT_EQ(wrapped("\u6f22\u5b57 ab", 0, 6), "\u6f22\u5b57\nab");
+    std::setlocale(LC_CTYPE, "C");
+}
+
+TEST(Reflowed, TheLinesOfAParagraphAreBrokenAnew)
+{
+    EXPECT_EQ(reflowed("one two\nthree\n\nfour", 20), "one two three\n\nfour\n");
+    EXPECT_EQ(reflowed("one two\nthree\n\nfour", 7), "one two\nthree\n\nfour\n");
+    EXPECT_EQ(reflowed("", 7), "");
+}
+
+TEST(Reflowed, ItemsStandByThemselvesAndAreIndented)
+{
+    EXPECT_EQ(reflowed("Status:\n  32  no path is claimed\n   0  all", 16),
+              "Status:\n  32  no path is\n      claimed\n   0  all\n");
+    EXPECT_EQ(reflowed("  dmpclaim show x y z", 16), "  dmpclaim show\n  x y z\n");
+}
+
+TEST(LineWidth, IsTheTerminalsOrTheEnvironments)
+{
+    const Terminal terminal({24, 47, 0, 0});
+    const Terminal unknown({0, 0, 0, 0});
+    setenv("COLUMNS", "60", 1);
+    EXPECT_EQ(command::lineWidth(terminal.descriptor()), 47U);
+    EXPECT_EQ(command::lineWidth(unknown.descriptor()), 60U);
+    for (const char* odd : {"", "0", "x", "-1", "99999999999999999999999"}) {
+        setenv("COLUMNS", odd, 1);
+        EXPECT_EQ(command::lineWidth(-1), command::usualWidth) << odd;
+    }
+    unsetenv("COLUMNS");
+    EXPECT_EQ(command::lineWidth(-1), command::usualWidth);
 }
 
 } // namespace
