@@ -32,8 +32,8 @@ expect() {
 }
 
 expect show dmpclaim sho
-expect --json dmpclaim --js
-expect --json dmpclaim show --js
+expect $'--json\n--json-lines' dmpclaim --js
+expect $'--json\n--json-lines' dmpclaim show --js
 expect --refresh dmpclaim active --ref
 expect '' dmpclaim list --ref
 expect ACTIVE dmpclaim active -o ACT
