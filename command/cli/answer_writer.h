@@ -76,6 +76,7 @@ public:
     }
 
     void flush() { m_rows.flush(); }
+    void endEarly() { m_rows.endEarly(); }
 
     /// Writes what is held back. Returns the exit status.
     int finish()
