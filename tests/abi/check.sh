@@ -71,6 +71,7 @@ exports zeutil "$build/lib/libzeutilST.so"
 
 build_as g++-O0 -DCMAKE_CXX_COMPILER=g++ -DCMAKE_CXX_FLAGS=-O0
 build_as g++-O2 -DCMAKE_CXX_COMPILER=g++ -DCMAKE_CXX_FLAGS="-O2 -g"
+build_as g++-O3 -DCMAKE_CXX_COMPILER=g++ -DCMAKE_CXX_FLAGS=-O3
 build_as g++-LTO -DCMAKE_CXX_COMPILER=g++ -DCMAKE_CXX_FLAGS=-O2 \
     -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=ON
 build_as clang++-O0 -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS=-O0
