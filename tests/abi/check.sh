@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Holds what the libraries export against the checked-in lists: the same names from every compiler
-# and optimisation, and, with libabigail, the same types behind the names.
+# and optimisation, the same slots, and, with libabigail, the same types behind the names.
 #
 # usage: check.sh [--accept] BUILD WORK    BUILD is a built tree with the stand-ins, WORK a folder for
 #                                          what is made here; --accept renews the lists
@@ -76,6 +76,10 @@ build_as g++-LTO -DCMAKE_CXX_COMPILER=g++ -DCMAKE_CXX_FLAGS=-O2 \
     -DCMAKE_INTERPROCEDURAL_OPTIMIZATION=ON
 build_as clang++-O0 -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS=-O0
 build_as clang++-O2 -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS=-O2
+
+step "slots and sizes of the public classes"
+checked layout.txt "$here/layout.sh" g++ "$source/tests/headers/use.cpp" "$here/layout.txt" "$work" \
+    "$source"
 
 step "types behind the names"
 checked dmpclaim.abi types "$work/g++-O2/lib/libdmpclaim.so"
