@@ -182,7 +182,11 @@ Subcommand listSubcommand()
              {"--owner", " LIST",
               "Show only devices of these owners: native, powerpath,\n"
               "device-mapper, none"},
-             {"--kind", " LIST", "Show only devices of these kinds, as in column KIND"}},
+             {"--kind", " LIST",
+              "Show only devices of these kinds: disk, partition,\n"
+              "multipath, multipath-partition, crypt, lvm, raid, map,\n"
+              "nvme, nvme-path, virtio, powerpath, loop, ram, zram,\n"
+              "optical, other"}},
             Form::table,
             headings,
             run,

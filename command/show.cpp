@@ -17,8 +17,9 @@ namespace {
 
 constexpr char showFooter[] =
     R"(The first six columns are told from the name alone; the others, which -o
-chooses, are what the kernel has there. PARTNUM is '-' for a whole disk, and for
-a device-mapper partition, whose number the library does not read back.)";
+chooses, with -J too, are what the kernel has there. PARTNUM is '-' for a whole
+disk, and for a device-mapper partition, whose number the library does not read
+back.)";
 constexpr char explainFooter[] =
     "-J, --json-lines, --color, --trace and the exit status: see 'dmpclaim --help'.";
 constexpr OwnOption resolveOption{"--resolve", nullptr,

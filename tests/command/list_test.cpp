@@ -4,9 +4,11 @@
 #include <gmock/gmock.h>
 
 #include "cli/usage_error.h"
+#include "names/drivers.h"
 #include "tests/command/made_up_command.h"
 
 using namespace command;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 
 namespace {
@@ -96,6 +98,18 @@ TEST_F(List, KnowsOwnersAndKindsByTheirWordsOnly)
         },
         testing::ThrowsMessage<UsageError>(
             HasSubstr("--kind knows no ''; there are disk, partition, multipath, ")));
+}
+
+TEST_F(List, NamesEveryOwnerAndKindInItsHelp)
+{
+    const command::Subcommand list = listSubcommand();
+    const std::string owners = list.options[1].help;
+    for (const Driver& driver : drivers())
+        EXPECT_THAT(owners, HasSubstr(driver.name));
+    std::string kinds = list.options[2].help;
+    std::replace(kinds.begin(), kinds.end(), '\n', ' ');
+    for (const std::string& kind : kindNames())
+        EXPECT_THAT(kinds, ContainsRegex("[ :]" + kind + "(,|$)"));
 }
 
 TEST_F(List, MayBeOfGivenDevicesOnly)
