@@ -107,6 +107,7 @@ static void use_framework(void* library)
     find(library, "_ZN13CKoDMPSupport16isKoDMPInstalledEv", &is_installed);
     require(run(&support, "/bin/echo one", lines) == 0, "/bin/echo can be run");
     require((char*)lines[1] - (char*)lines[0] == sizeof(struct string), "it prints one line");
+    require(run(&support, "/none", lines) == 1, "an exception of the framework is caught");
     is_installed(&support);
     free(lines[0]);
 }
