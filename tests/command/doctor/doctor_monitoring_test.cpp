@@ -4,9 +4,12 @@
 #include "doctor_command.h"
 #include "tests/support/terminal.h"
 
+#include <algorithm>
+
 namespace {
 
 using testing::AllOf;
+using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -196,6 +199,27 @@ TEST_F(DoctorMonitoring, TheTimeLimitHoldsForToolsThatHangAndFlood)
         EXPECT_FALSE(process.endsWithin(900));
         EXPECT_TRUE(process.endsWithin(4000));
         EXPECT_EQ(process.finish().status, 3);
+    }
+}
+
+TEST_F(DoctorMonitoring, TheTimeLimitHoldsForToolsThatIgnoreTermAndFlood)
+{
+    machine.addDeviceWithNode("sdb");
+    const std::filesystem::path tools = folder() / "tools";
+    std::filesystem::create_directory(tools);
+    for (const char* work : {"while :; do sleep 1; done", "yes"}) {
+        for (const char* tool : {"kodmpadm", "kodisk"}) {
+            std::ofstream(tools / tool) << "#!/bin/sh\ntrap '' TERM\n" << work << '\n';
+            permissions(tools / tool, std::filesystem::perms(0755));
+        }
+        std::vector<std::string> command = doctor({"--check", "--timeout", "1"});
+        std::replace(command.begin(), command.end(), std::string(SIMULATOR_TOOLS), tools.string());
+        Process process(command);
+        EXPECT_TRUE(process.endsWithin(8000)) << work;
+        const Result ended = process.finish();
+        EXPECT_EQ(ended.errors, "");
+        EXPECT_THAT(ended.output, AnyOf(StartsWith("DMPCLAIM UNKNOWN - the time limit of 1 s "),
+                                        StartsWith("DMPCLAIM CRITICAL - tool-floods: ")));
     }
 }
 

@@ -39,6 +39,11 @@ check_existing() {
     check "strip --existing $3 gives $1 and $2" "0 $1 $2" "$? $answer"
 }
 
+# as_nobody ARGS...: what dmpclaim prints without privileges.
+as_nobody() {
+    start-stop-daemon -S -c nobody -x /opt/dmpclaim/bin/dmpclaim -- "$@"
+}
+
 # check_append DISK NUMBER NODE: the partition's name is that of the node which exists.
 check_append() {
     ask 0 append "$1" "$2"
