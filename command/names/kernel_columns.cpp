@@ -93,10 +93,18 @@ Field hctl(Answer answer)
     return ofDevice(answer, [](const BlockDevice& device) { return presentText(device.hctl()); });
 }
 
+/// SCSI disks and maps are "running", NVMe controllers "live".
+Tone toneOf(const std::string& state)
+{
+    return state == "running" || state == "live" ? Tone::good : Tone::bad;
+}
+
 Field state(Answer answer)
 {
-    return ofDevice(answer,
-                    [](const BlockDevice& device) { return optionalField(device.state()); });
+    return ofDevice(answer, [](const BlockDevice& device) {
+        const std::optional<std::string> state = device.state();
+        return state ? Field(Mark{*state, toneOf(*state)}) : Field();
+    });
 }
 
 Field links(Answer answer)
