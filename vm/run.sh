@@ -11,7 +11,7 @@ total_limit=900   # seconds; a guest that is alive needs far less on a busy mach
 kernel_options='console=ttyS0 panic=-1 no_timer_check dont_del_part_nodes'
 
 # Checks that change nothing come first.
-all_checks=(list partitions powerpath kinds doctor active)
+all_checks=(list partitions powerpath kinds doctor active paths)
 
 usage() {
     cat <<'USAGE'

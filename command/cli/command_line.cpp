@@ -49,6 +49,14 @@ constexpr char otherOptions[] =
     "-J, --json-lines, -o, -O, -n, -r, -P, -z, --color, --trace and the exit status: see "
     "'dmpclaim --help'.";
 
+/// The names of an option without the values that they stand for:  --trace{6} becomes --trace
+std::string withoutBraces(std::string names)
+{
+    for (std::size_t begin = names.find('{'); begin != std::string::npos; begin = names.find('{'))
+        names.erase(begin, names.find('}', begin) - begin + 1);
+    return names;
+}
+
 /// Help shows an option's value as it is declared, such as " N" or "[=LEVEL]", and breaks lines at
 /// the terminal's width.
 class HelpFormatter : public CLI::Formatter {
@@ -57,9 +65,8 @@ public:
 
     std::string make_option(const CLI::Option* option, bool isPositional) const override
     {
-        const std::string name = make_option_name(option, isPositional);
-        return item(name.substr(0, name.find('{')) + option->get_option_text(),
-                    option->get_description());
+        const std::string name = withoutBraces(make_option_name(option, isPositional));
+        return item(name + option->get_option_text(), option->get_description());
     }
 
     std::string make_subcommand(const CLI::App* subcommand) const override
@@ -166,6 +173,11 @@ void addOwnOption(CLI::App& app, const OwnOption& option)
 {
     if (option.value == nullptr)
         addFlag(app, option.names, option.help);
+    else if (option.hasOptionalValue())
+        app.add_flag(option.names)
+            ->option_text(option.value)
+            ->description(option.help)
+            ->take_last();
     else
         app.add_option(option.names)
             ->option_text(option.value)

@@ -36,6 +36,44 @@ std::vector<std::string> escaped(const std::vector<std::string>& arguments)
     return result;
 }
 
+bool isNumber(const std::string& text)
+{
+    return !text.empty() && text.find_first_not_of("0123456789.") == std::string::npos;
+}
+
+/// The option whose value may be left out, by one of its names; null when it is no such option.
+const OwnOption* optionalValueOption(const std::string& name,
+                                     const std::vector<Subcommand>& subcommands)
+{
+    for (const Subcommand& subcommand : subcommands) {
+        for (const OwnOption& option : subcommand.options) {
+            if (option.hasOptionalValue() &&
+                (name == option.longName() || name == option.shortName()))
+                return &option;
+        }
+    }
+    return nullptr;
+}
+
+/// Puts a '=' before a number behind an option whose value may be left out, which is where CLI11
+/// looks for the value:  -w 5  becomes  --watch=5
+std::vector<std::string> withJoinedValues(const std::vector<std::string>& arguments,
+                                          const std::vector<Subcommand>& subcommands)
+{
+    std::vector<std::string> result;
+    const OwnOption* option = nullptr;
+    bool onlyValues = false;
+    for (const std::string& argument : arguments) {
+        if (option != nullptr && isNumber(argument))
+            result.back() = option->longName() + '=' + argument;
+        else
+            result.push_back(argument);
+        onlyValues = onlyValues || argument == "--";
+        option = onlyValues ? nullptr : optionalValueOption(result.back(), subcommands);
+    }
+    return result;
+}
+
 std::string unescaped(const std::string& value)
 {
     return !value.empty() && value.front() == escape ? value.substr(1) : value;
@@ -191,7 +229,7 @@ void readArguments(const CLI::App& app, Options& options)
         break;
     }
     for (const OwnOption& option : options.subcommand->options) {
-        const std::string name = std::strstr(option.names, "--");
+        const std::string name = option.longName();
         if (isGiven(app, name.c_str()))
             options.own[name] = lastValue(app, name.c_str()).value_or("");
     }
@@ -328,7 +366,7 @@ std::variant<Options, Information> parseOptions(const std::vector<std::string>& 
     CLI::App app("Shows which multipath driver owns a block device path.", "dmpclaim");
     declareCommandLine(app, subcommands, width);
     try {
-        parse(app, arguments);
+        parse(app, withJoinedValues(arguments, subcommands));
         if (app.got_subcommand(helpSubcommand))
             return helpOf(app, lastValue(*app.get_subcommand(helpSubcommand), "SUBCOMMAND"));
         return readOptions(app, subcommands);

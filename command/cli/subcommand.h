@@ -14,9 +14,18 @@ struct Options;
 
 /// An option of one subcommand.
 struct OwnOption {
-    const char* names; // as declared: "-j,--jobs"
-    const char* value; // as help shows it: " N"; null for a flag
+    const char* names; // as declared: "-j,--jobs"; with the value of an option that goes without one: "-w{2}"
+    const char* value; // as help shows it: " N", or "[=N]" if it may be left out; null for a flag
     const char* help;
+
+    /// Whether a value may be left out.
+    bool hasOptionalValue() const { return value != nullptr && *value == '['; }
+
+    /// "--jobs"
+    std::string longName() const;
+
+    /// "-j"; empty when there is none.
+    std::string shortName() const;
 };
 
 /// A command line that help shows, and what it is for.

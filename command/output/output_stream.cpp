@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "text/wrapped.h"
@@ -44,6 +45,20 @@ OutputStream::OutputStream(int descriptor)
 std::size_t OutputStream::width() const
 {
     return lineWidth(m_descriptor);
+}
+
+std::size_t OutputStream::height() const
+{
+    constexpr std::size_t usualHeight = 24;
+    winsize size{};
+    const bool isKnown = ioctl(m_descriptor, TIOCGWINSZ, &size) == 0 && size.ws_row > 0;
+    return isKnown ? size.ws_row : usualHeight;
+}
+
+bool OutputStream::wait(std::chrono::milliseconds time) const
+{
+    pollfd reader{m_descriptor, 0, 0}; // errors are told without being asked for
+    return poll(&reader, 1, static_cast<int>(time.count())) <= 0;
 }
 
 void OutputStream::write(std::string_view bytes)

@@ -23,6 +23,12 @@ public:
     /// The columns of a line of text: the terminal's; 79 without a terminal.
     std::size_t width() const;
 
+    /// The lines of the terminal; 24 without one.
+    std::size_t height() const;
+
+    /// Waits for the time. Returns false, at once, when nobody can read the output any more.
+    bool wait(std::chrono::milliseconds time) const;
+
     /// Whether words get colours. They get none at first.
     bool isColored() const { return m_isColored; }
     void setColored(bool isColored) { m_isColored = isColored; }

@@ -1,5 +1,9 @@
 #include "paths/paths.h"
 
+#include <chrono>
+
+#include <unistd.h>
+
 #include "cli/answer_writer.h"
 #include "cli/column_list.h"
 #include "cli/complaint.h"
@@ -7,6 +11,7 @@
 #include "interrupt/interrupt.h"
 #include "interrupt/start_thread.h"
 #include "paths/path_answer.h"
+#include "paths/watch.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 
 using koze_pdk_4_4::CZeTraceLogHandle;
@@ -17,6 +22,9 @@ namespace {
 
 constexpr char usualColumns[] =
     "DEVICE,DRIVER,PATH,GROUP,STATE,USED,ADDRESS,SIZE,WWID,READS,WRITES";
+constexpr char watchedColumns[] =
+    "DEVICE,PATH,GROUP,STATE,USED,ADDRESS,RPS,WPS,RBPS,WBPS,CHANGE,TIME,WAS";
+constexpr std::chrono::milliseconds patience{500};
 constexpr char footer[] =
     R"(A row for each path of each disk that the device-mapper's multipath, the
 kernel's NVMe multipathing or, where it is installed, the KoVM volume manager
@@ -28,6 +36,10 @@ USED says through which paths the next request goes. Only root may ask the
 device-mapper for that, and which paths of a map have failed; for others these
 states are 'unknown', but for paths that are offline. The kernel does not tell
 which of several optimized NVMe paths it prefers: all of them are used.
+
+With --watch, a terminal shows the paths again and again, what each does in a
+second, and how and when it last changed; paths that are gone stay in view.
+When the output is no terminal, each path that changes becomes a line of JSON.
 
 Exit status:
    0  every disk has a used path, and none has lost one
@@ -68,9 +80,14 @@ void write(const Options& options, OutputStream& output, const DiskList& list)
     rows.finish();
 }
 
-Headings headings(const Options& /*options*/)
+/// A line of JSON for each change has all columns, as other JSON has.
+Headings headings(const Options& options)
 {
-    return headingsFor(pathColumns(false), usualColumns);
+    const std::vector<Heading> all = headingsOf(pathColumns(true));
+    if (!options.isGiven(watchOption))
+        return {all, chosenColumns(usualColumns, {}, all), headingsOf(pathColumns(false))};
+    const bool drawsTable = isatty(STDOUT_FILENO) == 1;
+    return {all, drawsTable ? chosenColumns(watchedColumns, {}, all) : all, all};
 }
 
 VolumeManager volumeManager(const CZeTraceLogHandle& log, StopRequest& stop)
@@ -91,6 +108,19 @@ DiskList readInThread(const PathSources& sources, const WantedDisks& wanted)
     return list;
 }
 
+/// Shows readings until a signal comes, or nobody reads any more. Returns the last one's status.
+int watch(const Options& options, OutputStream& output, const PathSources& sources,
+          const WantedDisks& wanted, std::chrono::milliseconds interval)
+{
+    WatchOutput shown(options, output);
+    for (;;) {
+        const DiskList list = readInThread(sources, wanted);
+        shown.show(list, Moment());
+        if (!output.wait(interval))
+            return list.exitStatus();
+    }
+}
+
 int run(const Options& options, OutputStream& output)
 {
     const CZeTraceLogHandle log = openTraceLog(options.trace);
@@ -105,17 +135,21 @@ int run(const Options& options, OutputStream& output)
 int listPaths(const Options& options, OutputStream& output, const PathSources& sources,
               StopRequest& stop)
 {
+    const std::optional<std::chrono::milliseconds> interval = watchInterval(options);
     const WantedDisks wanted = wantedDisks(options);
-    DiskList list;
+    Interrupt interrupt(stop, [&output] { output.end(patience); });
+    interrupt.skipPatience();
     try {
-        Interrupt interrupt(stop, [] {});
-        list = readInThread(sources, wanted);
+        if (interval)
+            return watch(options, output, sources, wanted, *interval);
+        const DiskList list = readInThread(sources, wanted);
+        complainOf(list);
+        write(options, output, list);
+        return list.exitStatus();
     } catch (const Interrupted&) {
-        // The signal thread exits the process.
+        interrupt.finish(); // The signal thread exits the process.
+        return 0;
     }
-    complainOf(list);
-    write(options, output, list);
-    return list.exitStatus();
 }
 
 Subcommand pathsSubcommand()
@@ -124,12 +158,15 @@ Subcommand pathsSubcommand()
             "Show the paths of multipathed disks",
             footer,
             Arguments::optionalPaths,
-            {{"-a,--all", nullptr, "Show disks of one path, too"}},
+            {{"-a,--all", nullptr, "Show disks of one path, too"},
+             {"-w{2},--watch{2}", "[=SECONDS]",
+              "Show the paths every 2 or SECONDS seconds, or on a\n"
+              "pipe the changes; '-w 0.5' will do, too"}},
             Form::table,
             headings,
             run,
-            {{"paths", "every path of every multipathed disk"},
-             {"paths -o PATH,STATE,USED /dev/mapper/mpatha", "which paths of a map are used"}}};
+            {{"paths -o PATH,STATE,USED /dev/mapper/mpatha", "which paths of a map are used"},
+             {"paths --watch", "a failover as it happens"}}};
 }
 
 } // namespace command

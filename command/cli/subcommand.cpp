@@ -1,0 +1,30 @@
+#include "cli/subcommand.h"
+
+#include <string_view>
+
+namespace command {
+
+namespace {
+
+/// The name from `begin` on, without what follows it in the declaration.
+std::string nameFrom(std::string_view names, std::size_t begin)
+{
+    const std::string_view rest = names.substr(begin);
+    return std::string(rest.substr(0, rest.find_first_of(",{")));
+}
+
+} // namespace
+
+std::string OwnOption::longName() const
+{
+    const std::string_view all = names;
+    return nameFrom(all, all.find("--"));
+}
+
+std::string OwnOption::shortName() const
+{
+    const std::string_view all = names;
+    return all.substr(0, 2) == "--" ? "" : nameFrom(all, 0);
+}
+
+} // namespace command
