@@ -36,7 +36,7 @@ std::string usableText(const MultipathDisk& disk)
 {
     const auto isUsed = [](const ExaminedPath& path) { return path.isUsed; };
     const auto first = std::find_if(disk.paths.begin(), disk.paths.end(), isUsed);
-    const std::string text = counted(disk.paths.size());
+    std::string text = counted(disk.paths.size());
     if (first == disk.paths.end())
         return text;
     const bool hasOthers = std::any_of(first + 1, disk.paths.end(), isUsed);
