@@ -49,7 +49,7 @@ int linesOf(int paths)
     const int file = memfd_create("paths", MFD_CLOEXEC);
     std::FILE* lines = fdopen(dup(file), "w");
     for (int number = 0; number < paths; ++number)
-        std::fprintf(lines, "%s\n", pathNumber(number).c_str());
+        expect(std::fprintf(lines, "%s\n", pathNumber(number).c_str()) > 0, "cannot write a path");
     expect(std::fclose(lines) == 0, "cannot write the paths");
     return file;
 }
@@ -59,6 +59,7 @@ int linesOf(int paths)
 double processorTime(std::vector<std::string> words, int lines, int output)
 {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

@@ -266,14 +266,20 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app)
                             : "--" + text.substr(0, end) + " takes no value";
 }
 
+UsageError levelApart(const std::string& level)
+{
+    const std::string quoted = '\'' + level + '\'';
+    return UsageError(quoted + " behind --trace is no level: write --trace=" + level +
+                      ", or put the argument " + quoted + " in front of --trace");
+}
+
 /// --trace takes its level after a '=' only: a path may follow it.
 void rejectLevelApart(const std::vector<std::string>& arguments)
 {
     for (std::size_t i = 0; i + 1 < arguments.size() && arguments[i] != "--"; ++i) {
         const std::string& level = arguments[i + 1];
         if (arguments[i] == "--trace" && level.size() == 1 && parseNumber(level))
-            throw UsageError("'" + level + "' behind --trace is no level: write --trace=" + level +
-                             ", or put the argument '" + level + "' in front of --trace");
+            throw levelApart(level);
     }
 }
 
