@@ -71,7 +71,7 @@ void complainOf(const DiskList& list)
 
 void write(const Options& options, OutputStream& output, const DiskList& list)
 {
-    AnswerRows<PathAnswer> rows(options, output, "paths", pathColumns(false));
+    AnswerRows<PathAnswer> rows(options, output, "paths", pathColumns(true));
     for (const DiskPaths& disk : list.disks) {
         const DiskFacts facts = factsOf(disk);
         for (const DiskPath& path : disk.paths)

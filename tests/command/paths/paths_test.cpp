@@ -103,6 +103,15 @@ TEST_F(Paths, HaveFurtherFacts)
               "- - - - - optimized - nvme0c1n1 259:11 nvme1 connecting tcp nvme-subsys0\n");
 }
 
+TEST_F(Paths, HaveEveryColumnWhenAllAreWanted)
+{
+    const std::string output = paths({"-r", "-O", "sda"}).output;
+    EXPECT_EQ(output.substr(0, output.find('\n')),
+              "DEVICE DRIVER PATH GROUP STATE USED ADDRESS SIZE WWID READS WRITES RBYTES WBYTES "
+              "INFLIGHT BUSY FAILURES ACCESS PREFERRED KNAME MAJMIN CTL CTLSTATE TRANSPORT "
+              "SUBSYSTEM RPS WPS RBPS WBPS CHANGE TIME WAS");
+}
+
 TEST_F(Paths, AreRecordsInJson)
 {
     const nlohmann::json document = nlohmann::json::parse(paths({"-J", "dm-0"}).output);
