@@ -8,26 +8,13 @@
 #include <gtest/gtest.h>
 
 #include "captured_output.h"
-#include "tests/support/descriptor.h"
+#include "tests/support/process.h"
 #include "tests/support/terminal.h"
 
 using command::OutputStream;
 using namespace std::chrono_literals;
 
 namespace {
-
-struct Pipe {
-    explicit Pipe(int flags = 0)
-    {
-        int ends[2] = {-1, -1};
-        EXPECT_EQ(pipe2(ends, O_CLOEXEC | flags), 0);
-        reading = Descriptor(ends[0]);
-        writing = Descriptor(ends[1]);
-    }
-
-    Descriptor reading;
-    Descriptor writing;
-};
 
 TEST(OutputStream, WritesOutWhatIsFlushedOrFillsTheBuffer)
 {
@@ -73,9 +60,9 @@ TEST(OutputStream, AnEarlyEndMakesItWholeAndIgnoresLaterWrites)
 
 TEST(OutputStream, AnEarlyEndGivesUpAPipeThatNobodyReads)
 {
-    const Pipe pipe;
-    ASSERT_EQ(fcntl(pipe.writing.number(), F_SETPIPE_SZ, 4096), 4096);
-    OutputStream output(pipe.writing.number());
+    const Pipe pipe = makePipe();
+    ASSERT_EQ(fcntl(pipe.writer.number(), F_SETPIPE_SZ, 4096), 4096);
+    OutputStream output(pipe.writer.number());
     output.write(std::string(10'000, 'x'));
     const auto begin = std::chrono::steady_clock::now();
     output.end(100ms);
@@ -84,29 +71,30 @@ TEST(OutputStream, AnEarlyEndGivesUpAPipeThatNobodyReads)
 
 TEST(OutputStream, AnEarlyEndGivesUpAWriteThatHangs)
 {
-    const Pipe pipe;
-    OutputStream output(pipe.writing.number());
+    const Pipe pipe = makePipe();
+    OutputStream output(pipe.writer.number());
     std::thread writer([&] { output.write(std::string(200'000, 'x')); });
     char block[4096];
-    ASSERT_EQ(read(pipe.reading.number(), block, sizeof block), 4096); // the writer has begun
+    ASSERT_EQ(read(pipe.reader.number(), block, sizeof block), 4096); // the writer has begun
     output.end(100ms);
     std::size_t size = 4096;
     while (size < 200'000)
-        size += static_cast<std::size_t>(read(pipe.reading.number(), block, sizeof block));
+        size += static_cast<std::size_t>(read(pipe.reader.number(), block, sizeof block));
     writer.join();
 }
 
 TEST(OutputStream, WaitsForADescriptorThatDoesNotBlock)
 {
-    const Pipe pipe(O_NONBLOCK);
+    const Pipe pipe = makePipe();
+    fcntl(pipe.writer.number(), F_SETFL, O_NONBLOCK);
     std::size_t received = 0;
     std::thread reader([&] {
         char block[4096];
-        pollfd input{pipe.reading.number(), POLLIN, 0};
+        pollfd input{pipe.reader.number(), POLLIN, 0};
         while (received < 200'000 && poll(&input, 1, 10'000) == 1)
             received += static_cast<std::size_t>(read(input.fd, block, sizeof block));
     });
-    OutputStream output(pipe.writing.number());
+    OutputStream output(pipe.writer.number());
     output.write(std::string(200'000, 'x'));
     reader.join();
     EXPECT_EQ(received, 200'000U);
