@@ -2,11 +2,10 @@
 // name, and writing the rows.
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
-
 #include "benchmarks/many_disks.h"
 #include "commands.h"
 #include "list.h"
+#include "tests/support/descriptor.h"
 
 namespace {
 
@@ -14,11 +13,10 @@ void list(benchmark::State& state, const ManyDisks& machine)
 {
     const command::Options options =
         std::get<command::Options>(command::parseOptions({"list"}, command::subcommands()));
-    std::FILE* nowhere = std::fopen("/dev/null", "w");
-    command::OutputStream output(nowhere);
+    const Descriptor nowhere = openFile("/dev/null", O_WRONLY);
+    command::OutputStream output(nowhere.number());
     for (auto _ : state)
         command::listDevices(options, output, command::Machine(machine.roots()));
-    std::fclose(nowhere);
 }
 
 void listMany(benchmark::State& state)
