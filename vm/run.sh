@@ -10,8 +10,13 @@ total_limit=900   # seconds; a guest that is alive needs far less on a busy mach
 # dont_del_part_nodes: the partitions of a multipathed disk's paths keep their nodes.
 kernel_options='console=ttyS0 panic=-1 no_timer_check dont_del_part_nodes'
 
+# Two controllers of one subsystem, through which the kernel multipaths the disk.
+nvme_devices=(-device 'nvme-subsys,id=subsystem,nqn=two-ways'
+    -device 'nvme,serial=1,subsys=subsystem' -device 'nvme,serial=1,subsys=subsystem'
+    -device 'nvme-ns,drive=namespace,nsid=1')
+
 # Checks that change nothing come first.
-all_checks=(list partitions powerpath kinds doctor active paths)
+all_checks=(list partitions powerpath kinds doctor active paths nvme)
 
 usage() {
     cat <<'USAGE'
@@ -35,10 +40,12 @@ memory() { echo $((400 + 3 * $(stat -c %s "$1") / 1048576)); }
 # Starts the guest. Its report comes on $report, its console goes to a file.
 start() {
     local image=$1 checks=$2
+    truncate -s 16M "$work/namespace"
     exec {report}< <(exec timeout "$total_limit" qemu-system-x86_64 -nodefaults -display none \
         -accel "$(accelerator)" -cpu max -machine q35 -smp 2 -m "$(memory "$work/initrd")" \
         -kernel "$image/vmlinuz" -initrd "$work/initrd" \
         -append "$kernel_options NONCE=$nonce CHECKS=$checks" \
+        -drive "if=none,id=namespace,format=raw,file=$work/namespace" "${nvme_devices[@]}" \
         -no-reboot -serial "file:$work/console" -serial stdio </dev/null 2>&1)
     guest=$!
 }

@@ -14,6 +14,11 @@ scan() {
     wait_for 60 [ -b "/dev/$2" ]
 }
 
+# The NVMe disk stays away until a scan of the bus: the other checks count devices.
+for controller in /sys/bus/pci/drivers/nvme/0*; do
+    [ ! -e "$controller" ] || echo 1 >"$controller/remove"
+done
+
 modprobe -a sd_mod sg
 modprobe scsi_debug vpd_use_hostno=0 add_host=1 max_luns=1 dev_size_mb=16 delay=0
 wait_for 60 [ -b /dev/sda ]
