@@ -17,7 +17,7 @@ void expectBadUsage(const std::vector<std::string>& arguments, const std::string
 TEST(Usage, BadUsageTellsWhatIsWrongAndWhereHelpIs)
 {
     expectBadUsage({}, "dmpclaim: no subcommand is given; there are list, show, explain, append, "
-                       "strip, active, doctor, prefixes, help\n"
+                       "strip, active, doctor, paths, prefixes, help\n"
                        "Try 'dmpclaim --help' for more information.\n");
     expectBadUsage({"frobnicate"}, "dmpclaim: unknown subcommand 'frobnicate'\n"
                                    "Try 'dmpclaim --help' for more information.\n");

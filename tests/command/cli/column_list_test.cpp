@@ -59,9 +59,15 @@ TEST(ColumnList, AnUnknownHeadingIsAnErrorThatNamesTheKnownOnes)
     EXPECT_THAT(complaint("NAME+"), testing::HasSubstr("'NAME+'"));
 }
 
+TEST(ColumnList, AnEmptyListIsAnErrorThatNamesTheColumns)
+{
+    EXPECT_EQ(complaint(""), "the list of columns is empty; there are NAME, OWNER, CLAIM, "
+                             "PARTITION, DISK, PARTNUM");
+}
+
 TEST(ColumnList, AMissingHeadingIsAnError)
 {
-    for (const char* list : {"", "+", ",", "NAME,", ",NAME", "NAME,,DISK"})
+    for (const char* list : {"+", ",", "NAME,", ",NAME", "NAME,,DISK"})
         EXPECT_THAT(complaint(list), testing::StartsWith("the list of columns lacks a heading"))
             << list;
 }
