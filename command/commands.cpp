@@ -10,8 +10,8 @@
 #include "library.h"
 #include "list.h"
 #include "names/device_answer.h"
-#include "paths/paths.h"
 #include "partitions.h"
+#include "paths/paths.h"
 #include "show.h"
 
 namespace command {

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>
@@ -130,6 +131,9 @@ int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& 
 
 extern "C" int access(const char* name, int type) noexcept
 {
+    // Libraries ask before the first test.
+    if (ScriptedTools::current() == nullptr)
+        return static_cast<int>(syscall(SYS_faccessat, AT_FDCWD, name, type));
     ScriptedTools& tools = *ScriptedTools::current();
     tools.events.push_back("access " + std::string(name) + " " + std::to_string(type));
     const bool isDenied = type == X_OK && tools.notExecutable.count(name) > 0;
