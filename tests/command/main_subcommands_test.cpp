@@ -71,7 +71,8 @@ TEST(List, HoldsEveryBlockDeviceOfTheKernel)
 
 TEST(List, PrintsEveryColumnAsJson)
 {
-    for (const auto& device : runJson({"list", "--all"})["devices"])
+    const auto document = runJson({"list", "--all"});
+    for (const auto& device : document["devices"])
         EXPECT_EQ(device.size(), 20U) << device;
 }
 
