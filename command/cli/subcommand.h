@@ -14,7 +14,8 @@ struct Options;
 
 /// An option of one subcommand.
 struct OwnOption {
-    const char* names; // as declared: "-j,--jobs"; with the value of an option that goes without one: "-w{2}"
+    const char* names; // as declared: "-j,--jobs"; with the value of an option that goes without
+                       // one: "-w{2}"
     const char* value; // as help shows it: " N", or "[=N]" if it may be left out; null for a flag
     const char* help;
 

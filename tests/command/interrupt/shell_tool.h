@@ -69,7 +69,16 @@ public:
 
     pid_t id() const { return m_id; }
     bool isReaped() const { return m_status != unknown; }
-    bool isSessionGone() const { return ::isSessionGone(m_id); }
+
+    /// Whether no process of the tool's session is left, after a second at most: the kernel takes a
+    /// moment to end what was killed.
+    bool isSessionGone() const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+        while (!::isSessionGone(m_id) && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return ::isSessionGone(m_id);
+    }
 
     /// The runner's result once it has reaped the tool; -1 when that takes more than ten seconds.
     int status() const
