@@ -3,9 +3,9 @@
 // usage: active_host SECONDS PATH...
 
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <future>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,7 +21,7 @@ namespace {
 void show(int level, std::string_view text)
 {
     if (level <= 2 || text.find("ExecuteCommand command") == 0)
-        std::fprintf(stderr, "  %.*s\n", static_cast<int>(text.size()), text.data());
+        std::cerr << "  " << text << '\n';
 }
 
 /// The active path, found on a thread with a manager and a log of its own: neither may be shared.
@@ -57,12 +57,11 @@ std::string activePathWithin(std::chrono::seconds budget, const std::string& pat
 int main(int count, char** arguments)
 {
     if (count < 3) {
-        std::fprintf(stderr, "usage: active_host SECONDS PATH...\n");
+        std::cerr << "usage: active_host SECONDS PATH...\n";
         return 2;
     }
     const std::chrono::seconds budget(std::atoi(arguments[1]));
     for (int i = 2; i < count; ++i)
-        std::printf("%s: %s\n", arguments[i], activePathWithin(budget, arguments[i]).c_str());
-    std::fflush(stdout);
+        std::cout << arguments[i] << ": " << activePathWithin(budget, arguments[i]) << std::endl;
     std::_Exit(0); // A lookup that is late still runs, and must not see what exit() destroys.
 }

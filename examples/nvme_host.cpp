@@ -63,7 +63,7 @@ int main()
     CDmpClaimManager manager;
     auto module = std::make_unique<NvmeClaim>();
     manager.registerClaimModule(module.get());
-    module.release(); // The manager deletes it from here on.
+    static_cast<void>(module.release()); // The manager deletes it from here on.
 
     for (const char* path : {"/dev/nvme0n1", "/dev/nvme0n1p1", "/dev/sdc2"}) {
         unsigned int partnum = 0;
