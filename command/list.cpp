@@ -10,6 +10,7 @@
 #include "cli/wanted_paths.h"
 #include "library.h"
 #include "names/device_answer.h"
+#include "text/word_list.h"
 #include "whole_output.h"
 
 namespace command {
@@ -35,28 +36,15 @@ bool holds(const Words& words, const std::string& word)
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-std::string joined(const Words& words)
-{
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : ", ") + word;
-    return text;
-}
-
 /// The words of an option's list, each of which is one of `known`; none when it is not given.
-///
-///     list = word { "," word }                    multipath,crypt
 Words wordsOf(const Options& options, const char* option, const Words& known)
 {
-    Words words;
-    std::optional<std::string> list = options.value(option);
-    while (list) {
-        const std::size_t comma = list->find(',');
-        words.push_back(list->substr(0, comma));
-        if (!holds(known, words.back()))
-            throw UsageError(std::string(option) + " knows no '" + words.back() + "'; there are " +
+    const std::optional<std::string> list = options.value(option);
+    const Words words = list ? splitAtCommas(*list) : Words();
+    for (const std::string& word : words) {
+        if (!holds(known, word))
+            throw UsageError(std::string(option) + " knows no '" + word + "'; there are " +
                              joined(known));
-        list = comma == std::string::npos ? std::nullopt : std::optional(list->substr(comma + 1));
     }
     return words;
 }

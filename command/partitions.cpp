@@ -147,6 +147,22 @@ void useExisting(DeviceAnswer& answer, const Machine& machine, Missing& missing)
         complain("by its name " + quoted(answer.name) + " would be on " + quoted(*byName));
 }
 
+/// Writes what `answerTo` says of each path. Returns the exit status.
+template <class Answer, class AnswerTo>
+int answerEach(const Options& options, OutputStream& output, const char* array,
+               const Columns<Answer>& columns, AnswerTo answerTo)
+{
+    const WholeOutput whole(options, output);
+    Library library(options.trace);
+    AnswerWriter<Answer> writer(options, output, array, columns);
+    Missing missing;
+    PathSource paths = wantedPaths(options, [&] { output.flush(); });
+    while (const std::optional<std::string> path = paths.next())
+        writer.write(answerTo(library.manager, *path, missing));
+    const int status = writer.finish();
+    return options.isGiven(existing) ? missing.exitStatus() : status;
+}
+
 Headings appendHeadings(const Options& /*options*/)
 {
     return headingsFor(partitionColumns(), "NAME");
@@ -172,44 +188,34 @@ int runStrip(const Options& options, OutputStream& output)
 
 int appendNumber(const Options& options, OutputStream& output, const Machine& machine)
 {
-    const WholeOutput whole(options, output);
-    Library library(options.trace);
-    CDmpClaimManager silent; // for questions of the command's own
-    AnswerWriter<PartitionAnswer> writer(options, output, "partitions", partitionColumns());
-    Missing missing;
-    PathSource disks = wantedPaths(options, [&] { output.flush(); });
-    while (const std::optional<std::string> disk = disks.next()) {
-        PartitionAnswer answer = partitionAnswer(library.manager, *disk, options.partnum);
+    CDmpClaimManager untraced; // the trace holds what the user asked for, and no checks
+    const auto answerTo = [&](CDmpClaimManager& manager, const std::string& disk,
+                              Missing& missing) {
+        PartitionAnswer answer = partitionAnswer(manager, disk, options.partnum);
         if (options.isGiven(existing)) {
             useExisting(answer, machine, missing);
         } else if (answer.name) {
             warnOfMissing(answer, machine);
-            warnOfReading(answer, silent);
+            warnOfReading(answer, untraced);
         }
-        writer.write(answer);
-    }
-    const int status = writer.finish();
-    return options.isGiven(existing) ? missing.exitStatus() : status;
+        return answer;
+    };
+    return answerEach(options, output, "partitions", partitionColumns(), answerTo);
 }
 
 int stripNumbers(const Options& options, OutputStream& output, const Machine& machine)
 {
-    const WholeOutput whole(options, output);
-    Library library(options.trace);
-    CDmpClaimManager silent; // for questions of the command's own
-    AnswerWriter<DeviceAnswer> writer(options, output, "disks", deviceColumns());
-    Missing missing;
-    PathSource paths = wantedPaths(options, [&] { output.flush(); });
-    while (const std::optional<std::string> path = paths.next()) {
-        DeviceAnswer answer = deviceAnswer(library.manager, *path, DeviceLookup(machine));
+    CDmpClaimManager untraced; // the trace holds what the user asked for, and no checks
+    const auto answerTo = [&](CDmpClaimManager& manager, const std::string& path,
+                              Missing& missing) {
+        DeviceAnswer answer = deviceAnswer(manager, path, DeviceLookup(machine));
         if (options.isGiven(existing))
             useExisting(answer, machine, missing);
         else if (answer.disk)
-            warnOfDisk(answer, silent, machine);
-        writer.write(answer);
-    }
-    const int status = writer.finish();
-    return options.isGiven(existing) ? missing.exitStatus() : status;
+            warnOfDisk(answer, untraced, machine);
+        return answer;
+    };
+    return answerEach(options, output, "disks", deviceColumns(), answerTo);
 }
 
 Subcommand appendSubcommand()

@@ -4,10 +4,8 @@
 
 #include "active/short_command.h"
 #include "kovm/command_lines.h"
+#include "multipath/ending_text.h"
 #include "text/text.h"
-#include "zecmn/ending.h"
-
-using koze_pdk_4_4::runner::Ending;
 
 namespace command {
 
@@ -32,25 +30,12 @@ std::string adminTool()
     return query.substr(0, query.find(' '));
 }
 
-/// What a tool printed says why it failed only when it ended by itself.
-std::string endingText(const std::optional<int>& result, const std::string& words)
+std::string failureText(const ToolAnswer& answer)
 {
-    if (!result)
-        return "could not be run";
-    const Ending ending = koze_pdk_4_4::runner::endingOf(*result);
-    switch (ending.kind) {
-    case Ending::Kind::exited:
-        return "ended with status " + std::to_string(ending.number) +
-               (words.empty() ? "" : ", '" + words + "'");
-    case Ending::Kind::killed:
-        return "was ended by signal " + std::to_string(ending.number);
-    case Ending::Kind::deadlinePassed:
-        return "took more than 600 seconds";
-    case Ending::Kind::boundExceeded:
-        return "printed too much";
-    default:
-        return "ended, and its status was lost";
-    }
+    constexpr unsigned long limitSeconds = 600; // of the library's lookups
+    return answer.tool + ' ' +
+           (answer.result ? endingText(*answer.result, limitSeconds, answer.words)
+                          : "could not be run");
 }
 
 bool contains(std::string_view text, std::string_view part)
@@ -63,9 +48,9 @@ bool contains(std::string_view text, std::string_view part)
 std::optional<Outcome> faultIn(const ToolAnswer& answer, const std::string& unknown)
 {
     if (answer.result != 0) {
-        const std::string ending = answer.tool + " " + endingText(answer.result, answer.words);
-        return answer.result == unknownName ? Outcome{Code::notFound, unknown + ": " + ending}
-                                            : Outcome{Code::toolFailed, ending};
+        const std::string failure = failureText(answer);
+        return answer.result == unknownName ? Outcome{Code::notFound, unknown + ": " + failure}
+                                            : Outcome{Code::toolFailed, failure};
     }
     if (answer.fault != kovm::Fault::none)
         return Outcome{Code::noTable, std::string(kovm::textOf(answer.fault)) +

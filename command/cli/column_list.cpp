@@ -6,6 +6,7 @@
 #include <strings.h>
 
 #include "cli/usage_error.h"
+#include "text/word_list.h"
 
 namespace command {
 
@@ -42,19 +43,16 @@ std::vector<Heading> chosenColumns(std::string_view list, const std::vector<Head
     if (list.empty())
         throw UsageError("the list of columns is empty; there are " + namesOf(all));
     std::vector<Heading> chosen;
-    if (!list.empty() && list.front() == '+') {
+    if (list.front() == '+') {
         chosen = usual;
         list.remove_prefix(1);
     }
-    for (;;) {
-        const std::size_t comma = std::min(list.find(','), list.size());
-        const Heading& heading = findColumn(list.substr(0, comma), all);
+    for (const std::string& name : splitAtCommas(list)) {
+        const Heading& heading = findColumn(name, all);
         if (!holds(chosen, heading))
             chosen.push_back(heading);
-        if (comma == list.size())
-            return chosen;
-        list.remove_prefix(comma + 1);
     }
+    return chosen;
 }
 
 } // namespace command

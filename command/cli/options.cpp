@@ -10,6 +10,7 @@
 #include "cli/command_line.h"
 #include "cli/usage_error.h"
 #include "text/text.h"
+#include "text/word_list.h"
 
 namespace command {
 
@@ -237,10 +238,10 @@ void readArguments(const CLI::App& app, Options& options)
 
 std::string subcommandNames(const CLI::App& app)
 {
-    std::string names;
+    std::vector<std::string> names;
     for (const CLI::App* subcommand : app.get_subcommands({}))
-        names += (names.empty() ? "" : ", ") + subcommand->get_name();
-    return names;
+        names.push_back(subcommand->get_name());
+    return joined(names);
 }
 
 /// What is wrong, in the user's terms.

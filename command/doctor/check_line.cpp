@@ -7,6 +7,7 @@
 
 #include "text/printable.h"
 #include "text/text.h"
+#include "text/word_list.h"
 
 namespace command {
 
@@ -93,16 +94,16 @@ private:
     /// Errors come before warnings, problems of disks before others.
     std::string text() const
     {
-        std::string text;
+        std::vector<std::string> problems;
         for (const Severity severity : {Severity::error, Severity::warning}) {
             for (const auto& [code, devices] : m_found) {
                 if (factsOf(code).severity == severity)
-                    text += (text.empty() ? "" : "; ") + problemText(code, devices);
+                    problems.push_back(problemText(code, devices));
             }
         }
-        return text.empty() ? counted(m_report.disks.size(), "disk") + ", " +
-                                  counted(countPaths(true), "path")
-                            : text;
+        return problems.empty() ? counted(m_report.disks.size(), "disk") + ", " +
+                                      counted(countPaths(true), "path")
+                                : joined(problems, "; ");
     }
 
     std::string problemText(Code code, const Devices& devices) const
@@ -122,13 +123,11 @@ private:
 
     std::string listOf(const Devices& devices) const
     {
-        std::string list;
+        std::vector<std::string> texts;
         for (std::size_t i = 0; i < std::min(devices.size(), mostDevices); ++i)
-            list += (i == 0 ? "" : ", ") + shortName(devices[i]->device) +
-                    lostPathsOf(devices[i]->device);
-        if (devices.size() > mostDevices)
-            list += " and " + std::to_string(devices.size() - mostDevices) + " more";
-        return list;
+            texts.push_back(shortName(devices[i]->device) + lostPathsOf(devices[i]->device));
+        const std::size_t left = devices.size() - texts.size();
+        return joined(texts) + (left == 0 ? "" : " and " + std::to_string(left) + " more");
     }
 
     /// " (sdb failed)"; empty for what is no disk of several paths, or has all of them.
@@ -137,11 +136,6 @@ private:
         const auto disk = m_disks.find(device);
         const std::string lost = disk == m_disks.end() ? "" : lostPaths(*disk->second);
         return lost.empty() ? "" : " (" + lost + ")";
-    }
-
-    static std::string counted(std::size_t count, const char* noun)
-    {
-        return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
     }
 
     std::size_t countPaths(bool usable) const

@@ -11,6 +11,7 @@
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "text/shell_word.h"
 #include "text/text.h"
+#include "text/word_list.h"
 
 namespace command {
 
@@ -76,14 +77,6 @@ struct FailedDisks {
     }
 };
 
-std::string listOf(const std::vector<std::string>& names)
-{
-    std::string list;
-    for (const std::string& name : names)
-        list += (list.empty() ? "" : ", ") + name;
-    return list;
-}
-
 bool isAsUnknown(const DiskAnswer& answer)
 {
     return answer.outcome == Outcome::noNode || answer.outcome == Outcome::refused;
@@ -115,8 +108,8 @@ public:
         else if (isNotHeld(answer))
             m_report(
                 {Code::diskNotHeld, answer.path,
-                 "the volume manager does not hold it (" + answer.reason +
-                     "), as it holds other disks",
+                 "the volume manager does not hold it (" + questionOf(answer.command) + ' ' +
+                     answer.reason + "), as it holds other disks",
                  "Have it scanned, unless it is a local disk.",
                  shellCommand(kovm::rescan({CNativePathClaim().removeDevPrefix(answer.path)}))});
         else if (answer.outcome == Outcome::notAsked)
@@ -156,12 +149,11 @@ private:
     {
         const Failure& failure = *failureOf(failed.first->outcome);
         const std::string& command = failed.first->command;
-        const std::string disks =
-            std::to_string(failed.disks.size()) + (failed.disks.size() == 1 ? " disk" : " disks");
+        const std::string disks = counted(failed.disks.size(), "disk");
         const bool isHeldBack = failure.code != Code::noDiskHeld;
         m_report({failure.code, questionOf(command),
                   failed.first->reason + (isHeldBack ? "; it kept " : " for ") + disks +
-                      (isHeldBack ? " from being examined: " : ": ") + listOf(failed.disks),
+                      (isHeldBack ? " from being examined: " : ": ") + joined(failed.disks),
                   failure.advice, shellCommand(isHeldBack ? command : kovm::rescan({}))});
     }
 

@@ -15,6 +15,7 @@
 #include "kernel/block_devices.h"
 #include "kernel/inventory.h"
 #include "kernel/map_status.h"
+#include "text/word_list.h"
 
 using koze_pdk_4_4::CZeTraceLogHandle;
 
@@ -153,16 +154,14 @@ private:
 
     void reportEnd(const std::vector<DiskAnswer>& answers)
     {
-        std::string disks;
-        std::size_t count = 0;
+        std::vector<std::string> disks;
         for (const DiskAnswer& answer : answers) {
-            if (answer.outcome != DiskAnswer::Outcome::notAsked)
-                continue;
-            disks += (disks.empty() ? ": " : ", ") + answer.path;
-            ++count;
+            if (answer.outcome == DiskAnswer::Outcome::notAsked)
+                disks.push_back(answer.path);
         }
-        const std::string left = std::to_string(count) + " of " + std::to_string(answers.size()) +
-                                 " disks were not examined" + disks;
+        const std::string left = std::to_string(disks.size()) + " of " +
+                                 std::to_string(answers.size()) + " disks were not examined" +
+                                 (disks.empty() ? "" : ": " + joined(disks));
         if (m_report.end == StopReason::interrupt)
             m_receiver({Code::interrupted, "dmpclaim doctor", "a signal came; " + left});
         else

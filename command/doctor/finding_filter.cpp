@@ -1,21 +1,18 @@
 #include "doctor/finding_filter.h"
 
-#include <algorithm>
 #include <optional>
 
 #include "cli/usage_error.h"
+#include "text/word_list.h"
 
 namespace command {
 
 namespace {
 
-/// list = code { "," code }
 std::bitset<codeCount> codesIn(const std::string& list)
 {
     std::bitset<codeCount> codes;
-    for (std::size_t begin = 0; begin <= list.size();) {
-        const std::size_t end = std::min(list.find(',', begin), list.size());
-        const std::string name = list.substr(begin, end - begin);
+    for (const std::string& name : splitAtCommas(list)) {
         const std::optional<Code> code = codeNamed(name);
         if (!code)
             throw UsageError("'" + name +
@@ -23,7 +20,6 @@ std::bitset<codeCount> codesIn(const std::string& list)
                                  "lists them",
                              "doctor");
         codes.set(static_cast<std::size_t>(*code));
-        begin = end + 1;
     }
     return codes;
 }

@@ -2,6 +2,7 @@
 
 #include "output/painted.h"
 #include "text/printable.h"
+#include "text/word_list.h"
 #include "text/wrapped.h"
 
 namespace command {
@@ -9,11 +10,6 @@ namespace command {
 namespace {
 
 constexpr std::size_t indent = 9;
-
-std::string counted(std::size_t count, const char* noun)
-{
-    return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
-}
 
 std::string indented(const std::string& lines)
 {

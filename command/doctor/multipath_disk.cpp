@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "text/text.h"
+#include "text/word_list.h"
 
 namespace command {
 
@@ -28,12 +29,12 @@ MultipathDisk examined(const DiskPaths& disk)
 
 std::string lostPaths(const MultipathDisk& disk)
 {
-    std::string text;
+    std::vector<std::string> lost;
     for (const ExaminedPath& path : disk.paths) {
         if (!path.canBeUsed())
-            text += (text.empty() ? "" : ", ") + path.name + ' ' + pathStateName(path.state);
+            lost.push_back(path.name + ' ' + pathStateName(path.state));
     }
-    return text;
+    return joined(lost);
 }
 
 } // namespace command

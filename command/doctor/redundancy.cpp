@@ -5,15 +5,11 @@
 
 #include "kovm/command_lines.h"
 #include "text/shell_word.h"
+#include "text/word_list.h"
 
 namespace command {
 
 namespace {
-
-std::string counted(std::size_t count)
-{
-    return std::to_string(count) + (count == 1 ? " path" : " paths");
-}
 
 /// A command that shows the paths of the disk.
 std::string showPaths(const MultipathDisk& disk)
@@ -28,7 +24,7 @@ constexpr char checkCables[] = "Check the cables, the switches and the array.";
 
 std::string leftOf(const MultipathDisk& disk)
 {
-    return std::to_string(disk.usablePaths()) + " of " + counted(disk.paths.size());
+    return std::to_string(disk.usablePaths()) + " of " + counted(disk.paths.size(), "path");
 }
 
 /// "2 paths, sdb carries the I/O"
@@ -36,7 +32,7 @@ std::string usableText(const MultipathDisk& disk)
 {
     const auto isUsed = [](const ExaminedPath& path) { return path.isUsed; };
     const auto first = std::find_if(disk.paths.begin(), disk.paths.end(), isUsed);
-    std::string text = counted(disk.paths.size());
+    std::string text = counted(disk.paths.size(), "path");
     if (first == disk.paths.end())
         return text;
     const bool hasOthers = std::any_of(first + 1, disk.paths.end(), isUsed);
@@ -69,8 +65,8 @@ void checkRedundancy(const MultipathDisk& disk, std::size_t expectedPaths,
     report(stateOf(disk));
     if (disk.paths.size() < expectedPaths)
         report({Code::fewerPaths, disk.device,
-                "has " + counted(disk.paths.size()) + ", but " + std::to_string(expectedPaths) +
-                    " are expected: " +
+                "has " + counted(disk.paths.size(), "path") + ", but " +
+                    std::to_string(expectedPaths) + " are expected: " +
                     (expectedPaths - disk.paths.size() == 1 ? "one is gone" : "some are gone"),
                 checkCables, showPaths(disk)});
 }

@@ -177,4 +177,13 @@ void Inventory::relate(const BlockDevice& device, Relations& relations) const
     relations.members.emplace(&device, std::move(below));
 }
 
+std::vector<std::string> pathsOf(const Inventory::Devices& devices)
+{
+    std::vector<std::string> paths;
+    paths.reserve(devices.size());
+    for (const BlockDevice* device : devices)
+        paths.push_back(device->path());
+    return paths;
+}
+
 } // namespace command

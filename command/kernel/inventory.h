@@ -84,6 +84,9 @@ private:
     mutable std::optional<NvmeLinks> m_nvmeLinks;
 };
 
+/// Their paths, in the same order.
+std::vector<std::string> pathsOf(const Inventory::Devices& devices);
+
 } // namespace command
 
 #endif

@@ -3,6 +3,7 @@
 #include <climits>
 
 #include "kovm/command_lines.h"
+#include "multipath/ending_text.h"
 #include "names/tool_name.h"
 #include "pdk/include/czeexecpipe.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
@@ -39,19 +40,18 @@ bool isTooLong(const std::string& name)
     return name.size() >= PATH_MAX;
 }
 
-std::string endingText(const Ending& ending)
+/// What it means when a tool ended in this way. `exited` is for a status other than 0.
+Outcome outcomeOf(Ending::Kind kind, Outcome exited)
 {
-    switch (ending.kind) {
+    switch (kind) {
     case Ending::Kind::exited:
-        return "status " + std::to_string(ending.number);
-    case Ending::Kind::killed:
-        return "signal " + std::to_string(ending.number) + " ended it";
+        return exited;
     case Ending::Kind::deadlinePassed:
-        return "no answer within " + std::to_string(limitSeconds) + " seconds";
+        return Outcome::hangs;
     case Ending::Kind::boundExceeded:
-        return "too much output";
+        return Outcome::floods;
     default:
-        return "its status was lost";
+        return Outcome::failed;
     }
 }
 
@@ -97,9 +97,9 @@ private:
             return;
         std::string node = kovm::firstNode(*table).name;
         if (node.empty())
-            return end(Outcome::noNode, "no node in its table");
+            return end(Outcome::noNode, "names no node");
         if (isTooLong(node))
-            return end(Outcome::unreadable, "a node's name that is longer than a path can be");
+            return end(Outcome::unreadable, "names a node whose name is longer than a path can be");
         m_answer.node = std::move(node);
         askForPaths();
     }
@@ -155,15 +155,7 @@ private:
     void storeFailure(int status, const kovm::Lines& output, Outcome exited)
     {
         const Ending ending = koze_pdk_4_4::runner::endingOf(status);
-        std::string reason = endingText(ending);
-        if (ending.kind == Ending::Kind::deadlinePassed)
-            return end(Outcome::hangs, reason);
-        if (ending.kind == Ending::Kind::boundExceeded)
-            return end(Outcome::floods, reason);
-        const std::string words = firstWords(output);
-        if (!words.empty())
-            reason += ", '" + words + "'";
-        end(ending.kind == Ending::Kind::exited ? exited : Outcome::failed, reason);
+        end(outcomeOf(ending.kind, exited), endingText(status, limitSeconds, firstWords(output)));
     }
 
     void end(Outcome outcome, const std::string& reason = {})

@@ -7,6 +7,7 @@
 #include "output/cell_text.h"
 #include "output/painted.h"
 #include "text/printable.h"
+#include "text/word_list.h"
 #include "text/wrapped.h"
 
 namespace command {
@@ -19,14 +20,6 @@ std::string padded(std::string text, std::size_t width)
 {
     text.resize(std::max(width, text.size()), ' ');
     return text;
-}
-
-std::string prefixList(const std::vector<std::string>& prefixes)
-{
-    std::string list;
-    for (const std::string& prefix : prefixes)
-        list += (list.empty() ? "" : ", ") + prefix;
-    return list;
 }
 
 std::string labelled(const char* label, std::string_view text)
@@ -55,7 +48,7 @@ std::string moduleText(const ModuleAnswer& module)
     return "  " + padded(module.driver->name, labelWidth) +
            padded(std::string(2 - claim.size(), ' ') + claim, 4) +
            padded(claimMeaning(module.claim), widestMeaning) + "(prefix " +
-           prefixList(module.prefixes) + ")\n";
+           joined(module.prefixes) + ")\n";
 }
 
 std::string answerText(const DeviceAnswer& device, const char* rule)

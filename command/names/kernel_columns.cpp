@@ -21,19 +21,6 @@ Field ofDevice(Answer answer, FieldOf fieldOf)
     return device == nullptr ? Field() : Field(fieldOf(*device));
 }
 
-Field presentText(const std::string& text)
-{
-    return text.empty() ? Field() : Field(text);
-}
-
-Texts pathsOf(const Inventory::Devices& devices)
-{
-    Texts paths;
-    for (const BlockDevice* device : devices)
-        paths.push_back(device->path());
-    return paths;
-}
-
 Field kind(Answer answer)
 {
     return ofDevice(answer,
@@ -90,7 +77,7 @@ Field wwid(Answer answer)
 
 Field hctl(Answer answer)
 {
-    return ofDevice(answer, [](const BlockDevice& device) { return presentText(device.hctl()); });
+    return ofDevice(answer, [](const BlockDevice& device) { return nonEmptyField(device.hctl()); });
 }
 
 /// SCSI disks and maps are "running", NVMe controllers "live".

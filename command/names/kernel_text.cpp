@@ -2,26 +2,18 @@
 
 #include "kernel/nvme.h"
 #include "names/agreement.h"
+#include "text/word_list.h"
 
 namespace command {
 
 namespace {
 
-std::string pathList(const Inventory::Devices& devices)
-{
-    std::string list;
-    for (const BlockDevice* device : devices)
-        list += (list.empty() ? "" : ", ") + device->path();
-    return list;
-}
-
 std::string partitionList(const Inventory::Devices& partitions)
 {
-    std::string list;
+    std::vector<std::string> texts;
     for (const BlockDevice* partition : partitions)
-        list += (list.empty() ? "" : ", ") + std::to_string(*partition->partnum()) + " is " +
-                partition->path();
-    return list;
+        texts.push_back(std::to_string(*partition->partnum()) + " is " + partition->path());
+    return joined(texts);
 }
 
 /// "partition 2 of /dev/sda"; empty for a whole device.
@@ -134,8 +126,8 @@ std::vector<LabelledText> kernelTexts(const DeviceAnswer& answer)
             texts.push_back({label, text});
     };
     add("subsystem", subsystemText(inventory, *device));
-    add("members", pathList(inventory.membersOf(*device)));
-    add("member of", pathList(inventory.memberOf(*device)));
+    add("members", joined(pathsOf(inventory.membersOf(*device))));
+    add("member of", joined(pathsOf(inventory.memberOf(*device))));
     add("partitions", partitionsText(inventory, *device));
     return texts;
 }

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "text/shell_word.h"
+#include "text/word_list.h"
 
 namespace command {
 
@@ -34,20 +35,15 @@ struct CellText {
 
     std::string operator()(const Texts& texts) const
     {
-        if (texts.empty())
-            return (*this)(std::monostate());
-        std::string joined;
-        for (const std::string& text : texts)
-            joined += (joined.empty() ? "" : ",") + text;
-        return joined;
+        return texts.empty() ? (*this)(std::monostate()) : joined(texts, ",");
     }
 
     std::string operator()(const Steps& steps) const
     {
-        std::string text;
+        std::vector<std::string> texts;
         for (const Step& step : steps)
-            text += (text.empty() ? "" : "; ") + stepText(step);
-        return text;
+            texts.push_back(stepText(step));
+        return joined(texts, "; ");
     }
 };
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "text/word_list.h"
+
 namespace command {
 
 std::string Heading::key() const
@@ -15,10 +17,10 @@ std::string Heading::key() const
 
 std::string namesOf(const std::vector<Heading>& headings)
 {
-    std::string names;
+    std::vector<std::string> names;
     for (const Heading& heading : headings)
-        (names += names.empty() ? "" : ", ") += heading.name;
-    return names;
+        names.emplace_back(heading.name);
+    return joined(names);
 }
 
 } // namespace command

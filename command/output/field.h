@@ -49,6 +49,11 @@ Field optionalField(const std::optional<Value>& value)
     return value ? Field(*value) : Field();
 }
 
+inline Field nonEmptyField(const std::string& text)
+{
+    return text.empty() ? Field() : Field(text);
+}
+
 /// The fields of one answer, in the order of the columns.
 using Row = std::vector<Field>;
 

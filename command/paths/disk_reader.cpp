@@ -5,7 +5,7 @@
 #include <system_error>
 
 #include "multipath/node_paths.h"
-#include "providers/device/scsitool/dmp_nativepath_claim.h"
+#include "text/word_list.h"
 
 namespace command {
 
@@ -18,19 +18,6 @@ bool isUnheld(const DiskAnswer& answer)
 {
     return answer.outcome == Outcome::refused || answer.outcome == Outcome::noNode ||
            answer.outcome == Outcome::misnamed;
-}
-
-std::string counted(std::size_t disks)
-{
-    return std::to_string(disks) + (disks == 1 ? " disk" : " disks");
-}
-
-std::string joined(const Inventory::Devices& devices)
-{
-    std::string text;
-    for (const BlockDevice* device : devices)
-        text += (text.empty() ? "" : ", ") + device->path();
-    return text;
 }
 
 class DiskReader {
@@ -80,9 +67,9 @@ private:
         if (error == std::errc::permission_denied || error == std::errc::operation_not_permitted)
             return "only root may ask the device-mapper which paths of a map are used, and which "
                    "have failed: run this as root to see GROUP, STATE and USED of " +
-                   counted(count);
-        return "the device-mapper does not tell GROUP, STATE and USED of " + counted(count) + ": " +
-               error.message();
+                   counted(count, "disk");
+        return "the device-mapper does not tell GROUP, STATE and USED of " +
+               counted(count, "disk") + ": " + error.message();
     }
 
     void readDiskOf(const std::string& text, const BlockDevice& device)
@@ -91,7 +78,7 @@ private:
             readDisk(*disk, true);
             return;
         }
-        const std::string below = joined(m_inventory.membersOf(device));
+        const std::string below = joined(pathsOf(m_inventory.membersOf(device)));
         refuse("'" + text + "' is no disk, and no partition or path of one" +
                (below.empty() ? "" : "; it consists of " + below));
     }
@@ -147,7 +134,7 @@ private:
     {
         m_hasGivenUp = answer.mustBeLast();
         m_list.notes.push_back("the volume manager's paths of " + answer.path +
-                               " are not known: " + answer.reason + " from: " + answer.command +
+                               " are not known: " + answer.command + ": " + answer.reason +
                                (m_hasGivenUp ? "; nothing more was asked" : ""));
     }
 

@@ -8,11 +8,6 @@ namespace {
 
 using Answer = const PathAnswer&;
 
-Field presentText(const std::string& text)
-{
-    return text.empty() ? Field() : Field(text);
-}
-
 Field number(const std::optional<std::uint64_t>& value)
 {
     return value ? Field(static_cast<std::int64_t>(*value)) : Field();
@@ -73,13 +68,13 @@ Field address(Answer answer)
 {
     if (answer.path.controller)
         return optionalField(answer.path.controller->address);
-    return ofDevice(answer, [](const BlockDevice& device) { return presentText(device.hctl()); });
+    return ofDevice(answer, [](const BlockDevice& device) { return nonEmptyField(device.hctl()); });
 }
 
 Field access(Answer answer)
 {
     if (answer.path.controller)
-        return presentText(answer.path.group);
+        return nonEmptyField(answer.path.group);
     return ofDevice(answer,
                     [](const BlockDevice& device) { return optionalField(device.accessState()); });
 }
@@ -123,7 +118,7 @@ Field transport(Answer answer)
 Field subsystem(Answer answer)
 {
     const bool isNvme = answer.disk.driver == PathDriver::nvme;
-    return isNvme ? presentText(answer.disk.device->container()) : Field();
+    return isNvme ? nonEmptyField(answer.disk.device->container()) : Field();
 }
 
 Field changeKind(Answer answer)
@@ -154,7 +149,7 @@ Field changeTime(Answer answer)
 
 Field was(Answer answer)
 {
-    return answer.change == nullptr ? Field() : presentText(answer.change->was);
+    return answer.change == nullptr ? Field() : nonEmptyField(answer.change->was);
 }
 
 Columns<PathAnswer> usualColumns()
@@ -166,7 +161,7 @@ Columns<PathAnswer> usualColumns()
         {{"PATH", Kind::text, "a path of the disk; one of NVMe has a name, but no node"},
          [](Answer answer) -> Field { return answer.path.name; }},
         {{"GROUP", Kind::text, "the map's group, by number; NVMe's ANA state; KoDMP's type"},
-         [](Answer answer) { return presentText(answer.path.group); }},
+         [](Answer answer) { return nonEmptyField(answer.path.group); }},
         {{"STATE", Kind::text, "active, standby, failed, offline or unknown"}, state},
         {{"USED", Kind::text, "whether requests go through the path, alone or by turns"},
          [](Answer answer) { return optionalField(answer.path.isUsed); }},

@@ -253,10 +253,11 @@ TEST_F(DiskFindings, ADiskThatIsNotHeldIsANoteBesideOneThatIs)
     tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0, pathTable);
     tools.answer(otherNodeQuery, 1, {"ERROR disk sdd is not known"});
     check({"/dev/sdc", "/dev/sdd"});
-    EXPECT_THAT(findings(), ElementsAre(StartsWith("ok active-path /dev/sdc: "),
-                                        "note disk-not-held /dev/sdd: the volume manager does not "
-                                        "hold it (status 1, 'ERROR disk sdd is not known'), as it "
-                                        "holds other disks"));
+    EXPECT_THAT(findings(),
+                ElementsAre(StartsWith("ok active-path /dev/sdc: "),
+                            "note disk-not-held /dev/sdd: the volume manager does not "
+                            "hold it (/usr/sbin/kodmpadm getdmpnode ended with status "
+                            "1, 'ERROR disk sdd is not known'), as it holds other disks"));
     EXPECT_EQ(last().remedy, "/usr/sbin/kodisk   scandisks  device=sdd");
 }
 
@@ -266,7 +267,8 @@ TEST_F(DiskFindings, ATableWithoutANodeIsANoteBesideADiskThatIsHeld)
     tools.answer(otherNodeQuery, 0, nodeTable).answer(pathQuery, 0, pathTable);
     check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(findings(), ElementsAre("note disk-not-held /dev/sdc: the volume manager does not "
-                                        "hold it (no node in its table), as it holds other disks",
+                                        "hold it (/usr/sbin/kodmpadm getdmpnode names no node), as "
+                                        "it holds other disks",
                                         StartsWith("ok active-path /dev/sdd: ")));
 }
 
@@ -275,9 +277,10 @@ TEST_F(DiskFindings, AFailureForAPathOfAKnownNodeIsTheTools)
     tools.answer(otherNodeQuery, 3).answer(nodeQuery, 0, nodeTable);
     tools.answer(pathQuery, 0, {"NAME", "====", "sdb ENABLED(A)", "sdd ENABLED"});
     check({"/dev/sdd", "/dev/sdc"});
-    EXPECT_THAT(findings(), ElementsAre(StartsWith("ok active-path /dev/sdc: "),
-                                        "error tool-failed /usr/sbin/kodmpadm getdmpnode: status "
-                                        "3; it kept 1 disk from being examined: /dev/sdd"));
+    EXPECT_THAT(findings(),
+                ElementsAre(StartsWith("ok active-path /dev/sdc: "),
+                            "error tool-failed /usr/sbin/kodmpadm getdmpnode: ended "
+                            "with status 3; it kept 1 disk from being examined: /dev/sdd"));
 }
 
 TEST_F(DiskFindings, TablesWithoutANodeAreOneWarningWhenNoDiskIsHeld)
@@ -285,8 +288,8 @@ TEST_F(DiskFindings, TablesWithoutANodeAreOneWarningWhenNoDiskIsHeld)
     tools.answer(nodeQuery, 0, {"NAME", "===="}).answer(otherNodeQuery, 0, {"NAME", "===="});
     check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(findings(),
-                ElementsAre("warning no-disk-held /usr/sbin/kodmpadm getdmpnode: no node in its "
-                            "table for 2 disks: /dev/sdc, /dev/sdd"));
+                ElementsAre("warning no-disk-held /usr/sbin/kodmpadm getdmpnode: names no node "
+                            "for 2 disks: /dev/sdc, /dev/sdd"));
     EXPECT_EQ(last().remedy, "/usr/sbin/kodisk   scandisks ");
 }
 
@@ -295,10 +298,12 @@ TEST_F(DiskFindings, AToolThatFailsIsOneErrorThatNamesTheDisks)
     tools.answer(nodeQuery, 1, {"", " \t\r", "ERROR sdc is not found", "more"});
     tools.answer(otherNodeQuery, 1, {"ERROR sdd is not found"});
     check({"/dev/sdc", "/dev/sdd"});
-    EXPECT_THAT(findings(),
-                ElementsAre("error tool-failed /usr/sbin/kodmpadm getdmpnode: status 1, 'ERROR sdc "
-                            "is not found'; it kept 2 disks from being examined: /dev/sdc, "
-                            "/dev/sdd"));
+    EXPECT_THAT(
+        findings(),
+        ElementsAre(
+            "error tool-failed /usr/sbin/kodmpadm getdmpnode: ended with "
+            "status 1, 'ERROR sdc is not found'; it kept 2 disks from being examined: /dev/sdc, "
+            "/dev/sdd"));
     EXPECT_EQ(last().remedy, nodeQuery);
     EXPECT_EQ(commands()[0].status, 1);
     EXPECT_EQ(commands()[0].output.size(), 4U);
@@ -310,27 +315,29 @@ TEST_F(DiskFindings, FailuresOfDifferentKindsAreFindingsOfTheirOwn)
     check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(
         findings(),
-        ElementsAre("error tool-failed /usr/sbin/kodmpadm getdmpnode: status 1; it kept 1 disk "
-                    "from being examined: /dev/sdc",
-                    "error tool-failed /usr/sbin/kodmpadm getdmpnode: signal 9 ended it; it kept 1 "
-                    "disk from being examined: /dev/sdd"));
+        ElementsAre(
+            "error tool-failed /usr/sbin/kodmpadm getdmpnode: ended with status 1; it kept "
+            "1 disk from being examined: /dev/sdc",
+            "error tool-failed /usr/sbin/kodmpadm getdmpnode: was ended by signal 9; it kept "
+            "1 disk from being examined: /dev/sdd"));
 }
 
 TEST_F(DiskFindings, AFailureForANodeIsToldOfItsDisk)
 {
     tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 3);
     check({"/dev/sdc"});
-    EXPECT_THAT(findings(), ElementsAre("error tool-failed /usr/sbin/kodmpadm getsubpaths: status "
-                                        "3; it kept 1 disk from being examined: /dev/sdc"));
+    EXPECT_THAT(findings(),
+                ElementsAre("error tool-failed /usr/sbin/kodmpadm getsubpaths: ended "
+                            "with status 3; it kept 1 disk from being examined: /dev/sdc"));
     EXPECT_EQ(last().remedy, pathQuery);
 }
 
 TEST_F(DiskFindings, EachEndingHasItsWords)
 {
     const std::pair<int, const char*> endings[] = {
-        {255, ": status 255; it kept"},
-        {CZeExecPipeBase::killedBySignal + 9, ": signal 9 ended it; it kept"},
-        {CZeExecPipeBase::statusUnknown, ": its status was lost; it kept"}};
+        {255, ": ended with status 255; it kept"},
+        {CZeExecPipeBase::killedBySignal + 9, ": was ended by signal 9; it kept"},
+        {CZeExecPipeBase::statusUnknown, ": ended, and its status was lost; it kept"}};
     for (const auto& [status, words] : endings) {
         tools.answer(nodeQuery, status);
         check({"/dev/sdc"});
@@ -343,7 +350,7 @@ TEST_F(DiskFindings, AToolThatHangsIsNotAskedAgain)
     tools.answer(nodeQuery, CZeExecPipeBase::deadlinePassed);
     check({"/dev/sdc", "/dev/sdd", "/dev/sde"});
     EXPECT_THAT(findings(),
-                ElementsAre("error tool-hangs /usr/sbin/kodmpadm getdmpnode: no answer within 30 "
+                ElementsAre("error tool-hangs /usr/sbin/kodmpadm getdmpnode: took more than 30 "
                             "seconds; it kept 3 disks from being examined: /dev/sdc, /dev/sdd, "
                             "/dev/sde"));
     EXPECT_EQ(commands()[0].status, 1100);
@@ -368,7 +375,7 @@ TEST_F(DiskFindings, AFloodingToolIsNotAskedAgain)
     check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(findings(),
                 ElementsAre(StartsWith("error tool-floods /usr/sbin/kodmpadm "
-                                       "getdmpnode: too much output; it kept 2 disks")));
+                                       "getdmpnode: printed too much; it kept 2 disks")));
     EXPECT_EQ(commands()[0].status, 1101);
 }
 
@@ -444,8 +451,8 @@ TEST_F(DiskFindings, ANodesNameThatIsTooLongForAToolIsNoFaultOfTheTool)
     check({"/dev/sdc", "/dev/sdd"});
     EXPECT_THAT(findings(),
                 ElementsAre(StartsWith("ok active-path /dev/sdd: "),
-                            "error tool-unreadable /usr/sbin/kodmpadm getdmpnode: a node's name "
-                            "that is longer than a path can be; it kept 1 disk from being "
+                            "error tool-unreadable /usr/sbin/kodmpadm getdmpnode: names a node "
+                            "whose name is longer than a path can be; it kept 1 disk from being "
                             "examined: /dev/sdc"));
 }
 

@@ -77,8 +77,8 @@ TEST_F(Doctor, AToolThatKnowsNoDiskIsAnError)
     const Result ended = run();
     EXPECT_EQ(ended.status, 32);
     EXPECT_THAT(ended.output, HasSubstr("\nerror    tool-failed /usr/sbin/kodmpadm getdmpnode: "
-                                        "status 3, 'ERROR the volume\n"));
-    EXPECT_THAT(ended.output, HasSubstr("it kept 2 disks from being examined"));
+                                        "ended with status 3, 'ERROR\n"));
+    EXPECT_THAT(ended.output, HasSubstr("it kept 2 disks from being\n"));
     EXPECT_EQ(run({"/dev/sdb"}).status, 32);
 }
 
@@ -274,7 +274,7 @@ TEST_F(Doctor, AnAnswerThatChangesIsReplayedAsItWas)
     const Json recorded = report(both);
     write(Json{{"replay", recorded["commands"]}});
     EXPECT_EQ(report(both)["findings"], recorded["findings"]);
-    EXPECT_THAT(recorded["findings"].dump(), HasSubstr("signal 11 ended it"));
+    EXPECT_THAT(recorded["findings"].dump(), HasSubstr("was ended by signal 11"));
 }
 
 TEST_F(Doctor, ADiskWithoutAnEnabledPathIsAnError)

@@ -130,7 +130,7 @@ TEST_F(DiskReading, TellsWhyTheVolumeManagerDidNotAnswerAndAsksNothingMore)
         DiskAnswer answer;
         answer.path = path;
         answer.outcome = Outcome::hangs;
-        answer.reason = "no answer within 30 seconds";
+        answer.reason = "took more than 30 seconds";
         answer.command = "kodmpadm x";
         return answer;
     };
@@ -138,8 +138,8 @@ TEST_F(DiskReading, TellsWhyTheVolumeManagerDidNotAnswerAndAsksNothingMore)
     EXPECT_THAT(m_asked, ElementsAre("/dev/sdc"));
     EXPECT_THAT(
         list.notes,
-        ElementsAre("the volume manager's paths of /dev/sdc are not known: no answer within "
-                    "30 seconds from: kodmpadm x; nothing more was asked"));
+        ElementsAre("the volume manager's paths of /dev/sdc are not known: kodmpadm x: took "
+                    "more than 30 seconds; nothing more was asked"));
     EXPECT_EQ(names(list).size(), 5U);
 }
 
