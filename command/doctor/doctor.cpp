@@ -3,6 +3,7 @@
 #include <ctime>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,8 @@
 #include "doctor/findings.h"
 #include "doctor/metrics.h"
 #include "doctor/replace_file.h"
+#include "doctor/report.h"
 #include "interrupt/interrupt.h"
-#include "output/json_output.h"
 
 namespace command {
 
@@ -104,14 +105,13 @@ TimeLimit limitOf(const DoctorOptions& options)
                            : TimeLimit();
 }
 
-/// Writes what was found in the form that is wanted, all but the metrics. Returns the exit status.
-int writeResult(const DoctorOptions& options, const Report& report,
-                const std::vector<Module>& modules, const Findings& findings, OutputStream& output)
+/// Writes what was found in the form that is wanted, but for the metrics and the report. Returns
+/// the exit status.
+int writeResult(const DoctorOptions& options, const Report& report, const Findings& findings,
+                OutputStream& output)
 {
     int status = exitStatus(findings.counts());
-    if (options.form == DoctorForm::json) {
-        output.write(jsonText(reportDocument(report, modules, findings.kept())));
-    } else if (options.form == DoctorForm::check) {
+    if (options.form == DoctorForm::check) {
         const CheckResult result = checkResult(report, findings.kept());
         output.write(result.line);
         status = result.status;
@@ -149,8 +149,16 @@ int diagnose(const Options& options, const DoctorOptions& own, OutputStream& out
     const auto stop = std::make_shared<StopRequest>(); // a thread whose tool hangs may outlive us
     Progress progress(options.trace);
     Findings findings(own.filter, useOf(own.form), output);
-    const ExaminationOrder order{givenPaths(options), own, options.trace,
-                                 [&](const std::string& text) { progress.show(text); }};
+    std::optional<ReportWriter> document;
+    ExaminationOrder order{givenPaths(options), own, options.trace,
+                           [&](const std::string& text) { progress.show(text); }};
+    if (own.form == DoctorForm::json) {
+        document.emplace(output, modules);
+        order.takeName = [&](const Explanation& name) {
+            progress.line().erase();
+            document->addName(name);
+        };
+    }
     Interrupt interrupt(
         *stop, [&] { progress.line().close(); }, limitOf(own));
     const Report report = examine(order, modules, stop, [&](const Finding& finding) {
@@ -162,7 +170,9 @@ int diagnose(const Options& options, const DoctorOptions& own, OutputStream& out
         interrupt.finish(); // an interrupted run replaces no metrics
         return writeMetrics(own, report, findings, output);
     }
-    const int status = writeResult(own, report, modules, findings, output);
+    if (document)
+        document->finish(report, findings.kept());
+    const int status = writeResult(own, report, findings, output);
     interrupt.finish();
     return status;
 }

@@ -10,6 +10,7 @@
 #include "doctor/disk_inquiry.h"
 #include "doctor/kernel_disks.h"
 #include "doctor/redundancy.h"
+#include "doctor/same_disk.h"
 #include "doctor/tool_files.h"
 #include "doctor/trace_recorder.h"
 #include "kernel/block_devices.h"
@@ -38,7 +39,7 @@ public:
     Examination(const ExaminationOrder& order, const std::vector<Module>& modules,
                 std::shared_ptr<StopRequest> stop, const FindingReceiver& receiver)
         : m_order(order), m_modules(modules), m_stop(std::move(stop)), m_receiver(receiver),
-          m_forReport(order.options.form == DoctorForm::json), m_kernel(order.roots),
+          m_forReport(static_cast<bool>(order.takeName)), m_kernel(order.roots),
           m_recorder(openTraceSink(order.trace)),
           m_log(m_forReport ? m_recorder.openLog() : openTraceLog(order.trace))
     {
@@ -55,8 +56,9 @@ public:
         if (isAsked && checkTools(m_log, m_receiver))
             askTools(disks);
         keepTrace(m_recorder.takeLines());
-        if (m_report.end != StopReason::interrupt)
+        if (!isInterrupted())
             checkMachine();
+        reportInterrupt();
         m_report.duration = Clock::now() - m_begin;
         return std::move(m_report);
     }
@@ -66,10 +68,12 @@ private:
     {
         const KernelRoots& roots = m_kernel.roots();
         for (const std::string& path : blockDevices(roots.blockFolder(), roots.dev)) {
-            Explanation name = explanation(m_manager, m_modules, path);
+            if (isInterrupted())
+                return;
+            const Explanation name = explanation(m_manager, m_modules, path);
             m_readings.push_back(deviceReading(name));
             if (m_forReport)
-                m_report.names.push_back(std::move(name));
+                m_order.takeName(name);
             if (m_readings.size() % namesPerProgress == 0)
                 m_order.showProgress(std::to_string(m_readings.size()) + " names read");
         }
@@ -171,16 +175,29 @@ private:
                         "Find out what the tools wait for, or give more time with --timeout."});
     }
 
+    bool isInterrupted() const { return m_stop->reason() == StopReason::interrupt; }
+
+    /// A signal may also come while no tool is asked.
+    void reportInterrupt()
+    {
+        if (!isInterrupted() || m_report.end == StopReason::interrupt)
+            return;
+        m_report.end = StopReason::interrupt;
+        m_receiver({Code::interrupted, "dmpclaim doctor", "a signal came; not all was examined"});
+    }
+
     void checkMachine()
     {
         const std::unordered_set<std::string> given = givenDevices();
         const DeviceMapper deviceMapper;
+        std::vector<MultipathDisk> disks;
         for (MultipathDisk& disk : kernelDisks(m_kernel, std::cref(deviceMapper))) {
             if (m_order.paths.empty() || given.count(disk.device) > 0)
-                m_report.disks.push_back(std::move(disk));
+                disks.push_back(std::move(disk));
             else
                 checkGivenPaths(disk, given);
         }
+        m_report.disks = eachDiskOnce(std::move(m_report.disks), std::move(disks));
         for (const MultipathDisk& disk : m_report.disks)
             checkRedundancy(disk, m_order.options.expectedPaths, m_receiver);
         checkStates(m_report.disks, m_receiver);

@@ -22,6 +22,9 @@ struct ExaminationOrder {
     TraceOptions trace;
     std::function<void(const std::string&)> showProgress; // called now and then with a text
     KernelRoots roots = {};
+    /// Takes each name as it is read. Empty when no report is made: then no trace, outputs of tools
+    /// and maps are kept either.
+    std::function<void(const Explanation&)> takeName = {};
 };
 
 /// Examines this machine and reports what it finds. Ends early once `stop` is requested; that is a

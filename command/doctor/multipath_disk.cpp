@@ -32,7 +32,8 @@ std::string lostPaths(const MultipathDisk& disk)
     std::vector<std::string> lost;
     for (const ExaminedPath& path : disk.paths) {
         if (!path.canBeUsed())
-            lost.push_back(path.name + ' ' + pathStateName(path.state));
+            lost.push_back(path.name + ' ' + pathStateName(path.state) +
+                           (path.isNodes ? " in node " + disk.node : ""));
     }
     return joined(lost);
 }

@@ -14,7 +14,8 @@ namespace command {
 struct ExaminedPath {
     std::string name; // of the kernel, or of the volume manager
     PathState state;
-    bool isUsed = false; // carries the I/O now
+    bool isUsed = false;  // carries the I/O now
+    bool isNodes = false; // the state is that of a kernel's disk's node
 
     bool canBeUsed() const { return state < PathState::offline; }
 };
@@ -25,6 +26,7 @@ struct MultipathDisk {
     const char* driver; // "device-mapper", "nvme" or "kodmp"
     std::vector<ExaminedPath> paths;
     std::error_code error = {}; // why states are not known
+    std::string node = {};      // of the volume manager, for a disk that the kernel has too
 
     std::size_t usablePaths() const;
 };
@@ -32,7 +34,8 @@ struct MultipathDisk {
 /// What is examined of a disk.
 MultipathDisk examined(const DiskPaths& disk);
 
-/// Each path that cannot be used and its state: "sdb failed, sdd offline".
+/// Each path that cannot be used and its state: "sdb failed, sdd offline", with "in node arr0_17"
+/// behind a state that the kernel does not share.
 std::string lostPaths(const MultipathDisk& disk);
 
 } // namespace command

@@ -11,12 +11,19 @@ namespace command {
 
 namespace {
 
-/// A command that shows the paths of the disk.
+bool isLostInNode(const ExaminedPath& path)
+{
+    return path.isNodes && !path.canBeUsed();
+}
+
+/// A command that shows the paths of the disk, as the driver has them that has lost one.
 std::string showPaths(const MultipathDisk& disk)
 {
     const std::string driver = disk.driver;
     if (driver == "kodmp")
         return shellCommand(kovm::pathQuery(disk.device));
+    if (std::any_of(disk.paths.begin(), disk.paths.end(), isLostInNode))
+        return shellCommand(kovm::pathQuery(disk.node));
     return (driver == "nvme" ? "nvme list-subsys " : "multipath -ll ") + shellWord(disk.device);
 }
 
@@ -27,12 +34,14 @@ std::string leftOf(const MultipathDisk& disk)
     return std::to_string(disk.usablePaths()) + " of " + counted(disk.paths.size(), "path");
 }
 
-/// "2 paths, sdb carries the I/O"
+/// "2 paths, sdb carries the I/O", of a disk that is a node, too "2 paths (node arr0_17), sdb ..."
 std::string usableText(const MultipathDisk& disk)
 {
     const auto isUsed = [](const ExaminedPath& path) { return path.isUsed; };
     const auto first = std::find_if(disk.paths.begin(), disk.paths.end(), isUsed);
     std::string text = counted(disk.paths.size(), "path");
+    if (!disk.node.empty())
+        text += " (node " + disk.node + ')';
     if (first == disk.paths.end())
         return text;
     const bool hasOthers = std::any_of(first + 1, disk.paths.end(), isUsed);

@@ -2,6 +2,7 @@
 
 #include <ctime>
 #include <string>
+#include <utility>
 
 #include "doctor/finding_output.h"
 #include "doctor/versions.h"
@@ -41,6 +42,7 @@ Document diskDocument(const MultipathDisk& disk)
 {
     return Document::Record{{"device", disk.device},
                             {"driver", disk.driver},
+                            {"node", disk.node.empty() ? Field() : Field(disk.node)},
                             {"paths", Document::list(disk.paths, pathDocument)}};
 }
 
@@ -51,22 +53,73 @@ Document commandDocument(const AskedCommand& command)
                             {"output", Document::list(command.output)}};
 }
 
+/// The rest of a document that is cut short after a name.
+std::string endAfterNames(JsonText document)
+{
+    document.clear();
+    document.endList();
+    document.addMember("interrupted", Field(true));
+    for (const char* key : {"maps", "disks", "commands", "findings", "trace"})
+        document.addMember(key, Document(Document::List()));
+    document.endRecord();
+    document.endLine();
+    return document.text();
+}
+
 } // namespace
 
-Document reportDocument(const Report& report, const std::vector<Module>& modules,
-                        const std::vector<Finding>& findings)
+ReportWriter::ReportWriter(OutputStream& output, const std::vector<Module>& modules)
+    : m_output(output)
 {
-    return Document::Record{{"schema", 1},
-                            {"recorded", now()},
-                            {"interrupted", report.end != StopReason::none},
-                            {"versions", versions()},
-                            {"modules", Document::list(modules, moduleDocument)},
-                            {"names", Document::list(report.names, explanationRecord)},
-                            {"maps", Document::list(report.maps, mapDocument)},
-                            {"disks", Document::list(report.disks, diskDocument)},
-                            {"commands", Document::list(report.commands, commandDocument)},
-                            {"findings", Document::list(findings, findingDocument)},
-                            {"trace", report.trace}};
+    m_json.beginRecord();
+    m_json.addMember("schema", Field(std::int64_t{1}));
+    m_json.addMember("recorded", Field(now()));
+    m_json.addMember("versions", versions());
+    m_json.addMember("modules", Document::list(modules, moduleDocument));
+    m_json.key("names");
+    m_json.beginList();
+}
+
+void ReportWriter::addName(const Explanation& name)
+{
+    m_json.add(explanationRecord(name));
+    if (!std::exchange(m_hasNames, true))
+        m_output.write({}, endAfterNames(m_json));
+    handOver();
+}
+
+void ReportWriter::finish(const Report& report, const std::vector<Finding>& findings)
+{
+    m_output.write({}, {});
+    m_json.endList();
+    m_json.addMember("interrupted", Field(report.end != StopReason::none));
+    addList("maps", report.maps, mapDocument);
+    addList("disks", report.disks, diskDocument);
+    addList("commands", report.commands, commandDocument);
+    addList("findings", findings, findingDocument);
+    addList("trace", report.trace, [](const Document& line) { return line; });
+    m_json.endRecord();
+    m_json.endLine();
+    handOver();
+}
+
+/// Each element goes out before the next one is made.
+template <class Values, class DocumentOf>
+void ReportWriter::addList(const char* key, const Values& values, DocumentOf documentOf)
+{
+    m_json.key(key);
+    m_json.beginList();
+    for (const auto& value : values) {
+        m_json.add(documentOf(value));
+        handOver();
+    }
+    m_json.endList();
+}
+
+void ReportWriter::handOver()
+{
+    m_output.write(m_json.text());
+    m_json.clear();
 }
 
 } // namespace command

@@ -208,6 +208,7 @@ TEST_F(Doctor, JsonHoldsWhatASupportEngineerNeeds)
     EXPECT_EQ(found["disks"][0],
               Json({{"device", "arr0_17"},
                     {"driver", "kodmp"},
+                    {"node", nullptr},
                     {"paths",
                      {{{"name", "sdb"}, {"state", "active"}, {"used", true}},
                       {{"name", "sdc"}, {"state", "standby"}, {"used", false}}}}}));
