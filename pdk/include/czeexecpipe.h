@@ -44,8 +44,9 @@ public:
     /// every child itself, and the kernel (before 6.15) keeps no other record.
     static constexpr int statusUnknown = 1102;
 
-    /// The time limit that a limit of 0 stands for, and the longest.
+    /// The time limit that a limit of 0 stands for.
     static constexpr unsigned long defaultLimitSeconds = 600;
+    /// The longest time limit.
     static constexpr unsigned long longestLimitSeconds = 1'000'000'000;
     /// Between SIGTERM and SIGKILL, for a program that has to be ended.
     static constexpr unsigned long graceSeconds = 2;
@@ -116,6 +117,7 @@ public:
              const std::string& environment, const std::string& input);
 
 protected:
+    /// `streams` as for CZeExecPipePosix.
     explicit CZeExecPipeBase(int streams);
 
 private:

@@ -26,6 +26,7 @@ public:
     /// Counts one reference to `pointee`; null makes an empty handle.
     CZeSmartPtr(T* pointee) : m_pointee(pointee) { acquire(); }
 
+    /// Counts one reference to the object of `other`, which may be empty.
     CZeSmartPtr(const CZeSmartPtr& other) : m_pointee(other.m_pointee) { acquire(); }
 
     ~CZeSmartPtr() { release(); }
@@ -65,6 +66,7 @@ public:
     /// The object. REQUIRES: the handle is not empty.
     T* operator->() const { return m_pointee; }
 
+    /// Whether there is an object.
     explicit operator bool() const { return m_pointee != nullptr; }
 
 private:

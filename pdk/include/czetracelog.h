@@ -17,6 +17,7 @@
 #include "pdk/include/czetracesink.h"
 #endif
 
+/// The provider framework, as far as the library uses it, and what only its stand-ins have.
 namespace koze_pdk_4_4 {
 
 /// The host's trace log. The library only calls `trace`; what the texts, flags and the setting
@@ -46,10 +47,10 @@ public:
     void trace(int level, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
 protected:
-    ACE_String_Base<char> m_texts[5];
-    bool m_flags[3] = {false, false, false};
-    std::int32_t m_setting = 12345;
-    CZeTraceLogObjectHandle m_object{};
+    ACE_String_Base<char> m_texts[5];        ///< The framework's.
+    bool m_flags[3] = {false, false, false}; ///< The framework's.
+    std::int32_t m_setting = 12345;          ///< The framework's.
+    CZeTraceLogObjectHandle m_object{};      ///< With the stand-ins, the sink.
 };
 
 /// Handle to the host's trace log; an empty one silences all tracing.
@@ -77,6 +78,7 @@ public:
 #pragma GCC diagnostic pop
 
 protected:
+    /// Empty while the object is silent. Operations of derived classes trace to it.
     CZeTraceLogHandle m_traceLog{};
 };
 

@@ -11,6 +11,7 @@ namespace koze_pdk_4_4 {
 /// that of the stand-ins is a sink, which takes the log's lines.
 class CZE_EXPORT CZeTraceLogObject : public virtual CZeRefCount {};
 
+/// Handle to such an object; empty in a log that has none.
 using CZeTraceLogObjectHandle = CZeSmartPtr<CZeTraceLogObject, CZeNullAllocator<CZeTraceLogObject>>;
 
 } // namespace koze_pdk_4_4

@@ -8,10 +8,15 @@
 #include "pdk/include/czeexport.h"
 #include "pdk/include/czetracelog.h"
 
-/// How strongly a module claims a path; larger is stronger. A multipath pseudo-device outranks the
-/// plain SCSI disk behind it.
+/// @file
+/// The contract of a claim module. How strongly a module claims a path is a number; larger is
+/// stronger. A multipath pseudo-device outranks the plain SCSI disk behind it.
+
+/// Nobody claims the path.
 constexpr std::uint32_t CLAIM_NONE = 0;
+/// The claim of a plain disk's driver.
 constexpr std::uint32_t CLAIM_DEFAULT = 2;
+/// The claim of a multipath driver.
 constexpr std::uint32_t CLAIM_SECONDARY = 16;
 
 /// A claim module: knows the device paths of one multipath driver by their names alone.

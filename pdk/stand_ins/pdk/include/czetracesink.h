@@ -23,8 +23,10 @@ public:
     /// The level that wants every line.
     static constexpr int everything = 6;
 
+    /// `level` is the highest that is wanted; 0 wants nothing.
     explicit CZeTraceSink(int level) : m_level(level) {}
 
+    /// Whether a line of that level is wanted.
     bool wants(int level) const { return level <= m_level; }
 
     /// Stores one line that is wanted, given without its line end. `text` is valid during the call
@@ -42,6 +44,7 @@ private:
     std::uint64_t m_dropped = 0;
 };
 
+/// Handle to a sink, as logs and their callers share it.
 using CZeTraceSinkHandle = CZeSmartPtr<CZeTraceSink, CZeNullAllocator<CZeTraceSink>>;
 
 /// Writes lines to an open descriptor, each with a single `write`, so that the lines of several
@@ -64,6 +67,7 @@ public:
     void write(int level, std::string_view text) override;
 
 protected:
+    /// The descriptor that lines are written to.
     int descriptor() const { return m_descriptor; }
 
 private:
@@ -74,6 +78,7 @@ private:
 /// Writes lines to standard error.
 class CZE_EXPORT CZeTraceStderrSink : public CZeTraceDescriptorSink {
 public:
+    /// `level` is the highest that is wanted.
     explicit CZeTraceStderrSink(int level) : CZeTraceDescriptorSink(level, 2) {}
 };
 
@@ -97,8 +102,10 @@ public:
 /// log.
 class CZE_EXPORT CZeTraceCallbackSink : public CZeTraceSink {
 public:
+    /// Gets a line that is wanted, without its line end. `text` is valid during the call only.
     using Callback = std::function<void(int level, std::string_view text)>;
 
+    /// `callback` is copied or moved into the sink, and must not be empty.
     CZeTraceCallbackSink(int level, Callback callback)
         : CZeTraceSink(level), m_callback(std::move(callback))
     {}
