@@ -99,7 +99,7 @@ public:
     {
         for (const BlockDevice& device : m_machine.inventory().devices()) {
             if (m_filter.wantsUse(device))
-                write(device);
+                write(device, "");
         }
         m_writer.finish();
         return 0;
@@ -115,19 +115,21 @@ public:
             if (device == nullptr)
                 complain("'" + *path + "' is no block device of this machine");
             else
-                write(*device);
+                write(*device, *path);
         }
         m_writer.finish();
         return tally.exitStatus();
     }
 
 private:
-    void write(const BlockDevice& device)
+    /// `given` is the PATH that led to the device; empty when all devices are listed.
+    void write(const BlockDevice& device, const std::string& given)
     {
         if (!m_filter.wantsKind(device))
             return;
-        const DeviceAnswer answer =
+        DeviceAnswer answer =
             deviceAnswer(m_library.manager, device.path(), DeviceLookup(m_machine, device));
+        answer.given = given;
         if (m_filter.wantsOwner(answer))
             m_writer.write(answer);
     }
@@ -167,14 +169,8 @@ Subcommand listSubcommand()
             footer,
             Arguments::optionalPaths,
             {{"--all", nullptr, "Leave no device out"},
-             {"--owner", " LIST",
-              "Show only devices of these owners: native, powerpath,\n"
-              "device-mapper, none"},
-             {"--kind", " LIST",
-              "Show only devices of these kinds: disk, partition,\n"
-              "multipath, multipath-partition, crypt, lvm, raid, map,\n"
-              "nvme, nvme-path, virtio, powerpath, loop, ram, zram,\n"
-              "optical, other"}},
+             {"--owner", " LIST", "Show only devices of these owners: " + joined(ownerNames())},
+             {"--kind", " LIST", "Show only devices of these kinds: " + joined(kindNames())}},
             Form::table,
             headings,
             run,

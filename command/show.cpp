@@ -22,9 +22,13 @@ disk, and for a device-mapper partition, whose number the library does not read
 back.)";
 constexpr char explainFooter[] =
     "-J, --json-lines, --color, --trace and the exit status: see 'dmpclaim --help'.";
-constexpr OwnOption resolveOption{"--resolve", nullptr,
-                                  "Ask about the device's own path: PATH may be a link, a\n"
-                                  "kernel name such as dm-0, or a number such as 254:0"};
+
+OwnOption resolveOption()
+{
+    return {"--resolve", nullptr,
+            "Ask about the device's own path: PATH may be a link, a kernel name such as dm-0, or "
+            "a number such as 254:0"};
+}
 
 /// A path that the user asks about, and what it was before --resolve.
 struct AskedPath {
@@ -115,7 +119,7 @@ Subcommand showSubcommand()
             "Show who owns paths, and what they name",
             showFooter,
             Arguments::paths,
-            {resolveOption},
+            {resolveOption()},
             Form::table,
             showHeadings,
             runShow,
@@ -129,7 +133,7 @@ Subcommand explainSubcommand()
             "Tell why, and warn of ambiguous names",
             explainFooter,
             Arguments::paths,
-            {resolveOption},
+            {resolveOption()},
             Form::text,
             nullptr,
             runExplain,

@@ -95,7 +95,7 @@ private:
     std::size_t m_width;
 };
 
-void addFlag(CLI::App& app, const char* names, const char* help)
+void addFlag(CLI::App& app, const char* names, const std::string& help)
 {
     app.add_flag(names)->description(help)->disable_flag_override();
 }

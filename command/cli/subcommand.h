@@ -17,7 +17,7 @@ struct OwnOption {
     const char* names; // as declared: "-j,--jobs"; with the value of an option that goes without
                        // one: "-w{2}"
     const char* value; // as help shows it: " N", or "[=N]" if it may be left out; null for a flag
-    const char* help;
+    std::string help;
 
     /// Whether a value may be left out.
     bool hasOptionalValue() const { return value != nullptr && *value == '['; }

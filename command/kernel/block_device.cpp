@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include "kernel/sysfs_file.h"
 #include "kernel/udev_links.h"
+#include "text/text.h"
 
 namespace command {
 
@@ -27,6 +29,28 @@ bool isHctl(std::string_view text)
 {
     return std::count(text.begin(), text.end(), ':') == 3 &&
            text.find_first_not_of("0123456789:") == std::string_view::npos;
+}
+
+/// The kinds of SCSI identifiers: how the kernel's text begins, and multipath's.
+constexpr std::pair<std::string_view, char> identifierKinds[] = {
+    {"naa.", '3'}, {"eui.", '2'}, {"t10.", '1'}};
+
+/// A SCSI identifier as multipath has it. Others stay as they are.
+///
+///     naa.60014050 = 360014050        t10.ATA     DISK = 1ATA_DISK
+std::string multipathWwid(const std::string& wwid)
+{
+    for (const auto& [beginning, digit] : identifierKinds) {
+        if (!startsWith(wwid, beginning))
+            continue;
+        std::string text = digit + wwid.substr(beginning.size());
+        text.erase(std::unique(text.begin(), text.end(),
+                               [](char a, char b) { return a == ' ' && b == ' '; }),
+                   text.end());
+        std::replace(text.begin(), text.end(), ' ', '_');
+        return text;
+    }
+    return wwid;
 }
 
 } // namespace
@@ -100,8 +124,10 @@ std::optional<std::string> BlockDevice::wwid() const
 {
     if (!m_mapWwid.empty())
         return m_mapWwid;
-    const std::optional<std::string> own = attribute("wwid"); // of NVMe
-    return own ? own : attribute("device/wwid");
+    if (std::optional<std::string> own = attribute("wwid")) // of NVMe
+        return own;
+    const std::optional<std::string> scsi = attribute("device/wwid");
+    return scsi ? std::optional(multipathWwid(*scsi)) : std::nullopt;
 }
 
 std::optional<std::string> BlockDevice::state() const

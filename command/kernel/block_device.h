@@ -58,7 +58,7 @@ public:
     std::optional<std::uint64_t> size() const; // bytes
     std::optional<bool> isReadOnly() const;
 
-    /// As the kernel writes it; of a multipath map as multipathd does, without "mpath-".
+    /// As multipath's tools and multipath.conf have it, so that a disk and its map have the same.
     std::optional<std::string> wwid() const;
 
     /// "running" or what else the driver says; of a map "running" or "suspended".

@@ -13,40 +13,50 @@ namespace {
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view partitionMark = "part";
 
-struct KindName {
+/// A kind of devices, and how it is known.
+struct KindEntry {
     DeviceKind kind;
-    const char* name;
+    const char* name;            // as users read it
+    std::string_view kernelName; // how the driver begins its devices' names, if that tells the kind
+    std::string_view uuid;       // how a program marks its maps, if one makes such maps
 };
 
-constexpr KindName names[] = {
-    {DeviceKind::disk, "disk"},           {DeviceKind::partition, "partition"},
-    {DeviceKind::multipath, "multipath"}, {DeviceKind::multipathPartition, "multipath-partition"},
-    {DeviceKind::crypt, "crypt"},         {DeviceKind::lvm, "lvm"},
-    {DeviceKind::raid, "raid"},           {DeviceKind::map, "map"},
-    {DeviceKind::nvme, "nvme"},           {DeviceKind::nvmePath, "nvme-path"},
-    {DeviceKind::virtio, "virtio"},       {DeviceKind::powerPath, "powerpath"},
-    {DeviceKind::loop, "loop"},           {DeviceKind::ram, "ram"},
-    {DeviceKind::zram, "zram"},           {DeviceKind::optical, "optical"},
-    {DeviceKind::other, "other"}};
+constexpr KindEntry kinds[] = {{DeviceKind::disk, "disk", "sd", ""},
+                               {DeviceKind::partition, "partition", "", ""},
+                               {DeviceKind::multipath, "multipath", "", "mpath-"},
+                               {DeviceKind::multipathPartition, "multipath-partition", "", ""},
+                               {DeviceKind::crypt, "crypt", "", "CRYPT-"},
+                               {DeviceKind::lvm, "lvm", "", "LVM-"},
+                               {DeviceKind::raid, "raid", "md", "DMRAID-"},
+                               {DeviceKind::map, "map", "dm-", ""},
+                               {DeviceKind::nvme, "nvme", "nvme", ""},
+                               {DeviceKind::nvmePath, "nvme-path", "", ""},
+                               {DeviceKind::virtio, "virtio", "vd", ""},
+                               {DeviceKind::xen, "xen", "xvd", ""},
+                               {DeviceKind::dasd, "dasd", "dasd", ""},
+                               {DeviceKind::mmc, "mmc", "mmcblk", ""},
+                               {DeviceKind::pmem, "pmem", "pmem", ""},
+                               {DeviceKind::nbd, "nbd", "nbd", ""},
+                               {DeviceKind::rbd, "rbd", "rbd", ""},
+                               {DeviceKind::drbd, "drbd", "drbd", ""},
+                               {DeviceKind::bcache, "bcache", "bcache", ""},
+                               {DeviceKind::powerPath, "powerpath", "emcpower", ""},
+                               {DeviceKind::loop, "loop", "loop", ""},
+                               {DeviceKind::ram, "ram", "ram", ""},
+                               {DeviceKind::zram, "zram", "zram", ""},
+                               {DeviceKind::optical, "optical", "sr", ""},
+                               {DeviceKind::floppy, "floppy", "fd", ""},
+                               {DeviceKind::other, "other", "", ""}};
 
-struct Beginning {
-    std::string_view text;
-    DeviceKind kind;
-};
-
-/// The kernel's drivers and the beginnings of the names that they give.
-constexpr Beginning kernelNames[] = {
-    {"dm-", DeviceKind::map},    {"sd", DeviceKind::disk}, {"vd", DeviceKind::virtio},
-    {"nvme", DeviceKind::nvme},  {"md", DeviceKind::raid}, {"emcpower", DeviceKind::powerPath},
-    {"loop", DeviceKind::loop},  {"ram", DeviceKind::ram}, {"zram", DeviceKind::zram},
-    {"sr", DeviceKind::optical},
-};
-
-/// The programs that make maps, as they mark them.
-constexpr Beginning uuids[] = {{"mpath-", DeviceKind::multipath},
-                               {"CRYPT-", DeviceKind::crypt},
-                               {"LVM-", DeviceKind::lvm},
-                               {"DMRAID-", DeviceKind::raid}};
+/// The kind whose `beginning` the text has; null when there is none.
+const KindEntry* kindThatBegins(std::string_view text, std::string_view KindEntry::*beginning)
+{
+    for (const KindEntry& entry : kinds) {
+        if (!(entry.*beginning).empty() && startsWith(text, entry.*beginning))
+            return &entry;
+    }
+    return nullptr;
+}
 
 std::optional<unsigned int> smallNumber(std::string_view text)
 {
@@ -82,7 +92,7 @@ std::optional<unsigned int> takePartition(std::string_view& uuid)
 
 const char* kindName(DeviceKind kind)
 {
-    for (const KindName& entry : names) {
+    for (const KindEntry& entry : kinds) {
         if (entry.kind == kind)
             return entry.name;
     }
@@ -92,30 +102,27 @@ const char* kindName(DeviceKind kind)
 std::vector<std::string> kindNames()
 {
     std::vector<std::string> all;
-    for (const KindName& entry : names)
+    for (const KindEntry& entry : kinds)
         all.emplace_back(entry.name);
     return all;
 }
 
 DeviceKind kindOfKernelName(std::string_view name)
 {
-    for (const Beginning& driver : kernelNames) {
-        if (startsWith(name, driver.text))
-            return driver.kind == DeviceKind::nvme && isNvmePath(name) ? DeviceKind::nvmePath
-                                                                       : driver.kind;
-    }
-    return DeviceKind::other;
+    const KindEntry* entry = kindThatBegins(name, &KindEntry::kernelName);
+    if (entry == nullptr)
+        return DeviceKind::other;
+    const bool isPath = entry->kind == DeviceKind::nvme && isNvmePath(name);
+    return isPath ? DeviceKind::nvmePath : entry->kind;
 }
 
 MapUuid parseMapUuid(std::string_view uuid)
 {
     MapUuid parsed;
     parsed.partnum = takePartition(uuid);
-    for (const Beginning& program : uuids) {
-        if (startsWith(uuid, program.text)) {
-            parsed.kind = program.kind;
-            parsed.id = uuid.substr(program.text.size());
-        }
+    if (const KindEntry* entry = kindThatBegins(uuid, &KindEntry::uuid)) {
+        parsed.kind = entry->kind;
+        parsed.id = uuid.substr(entry->uuid.size());
     }
     if (parsed.partnum)
         parsed.kind =

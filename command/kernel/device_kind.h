@@ -21,11 +21,20 @@ enum class DeviceKind {
     nvme,
     nvmePath, // one path of native NVMe multipathing, which has no node
     virtio,
+    xen,
+    dasd,
+    mmc,
+    pmem,
+    nbd,
+    rbd,
+    drbd,
+    bcache,
     powerPath,
     loop,
     ram,
     zram,
     optical,
+    floppy,
     other
 };
 

@@ -131,6 +131,15 @@ Inventory::Devices Inventory::memberOf(const BlockDevice& device) const
     return find(relations().memberOf, device);
 }
 
+const BlockDevice* Inventory::multipathOver(const BlockDevice& device) const
+{
+    for (const BlockDevice* over : memberOf(device)) {
+        if (over->kind() == DeviceKind::multipath)
+            return over;
+    }
+    return nullptr;
+}
+
 const NvmeLinks& Inventory::nvmeLinks() const
 {
     if (!m_nvmeLinks)

@@ -60,6 +60,9 @@ public:
     /// The devices that consist of it. Not its partitions.
     Devices memberOf(const BlockDevice& device) const;
 
+    /// The multipath map that has the device as a path; null when none has.
+    const BlockDevice* multipathOver(const BlockDevice& device) const;
+
     const NvmeLinks& nvmeLinks() const;
 
 private:

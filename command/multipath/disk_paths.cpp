@@ -21,15 +21,6 @@ const BlockDevice* nvmeDiskOf(const Inventory& inventory, const BlockDevice& pat
     return inventory.named(name.erase(controller, space - controller));
 }
 
-const BlockDevice* mapOver(const Inventory& inventory, const BlockDevice& disk)
-{
-    for (const BlockDevice* device : inventory.memberOf(disk)) {
-        if (device->kind() == DeviceKind::multipath)
-            return device;
-    }
-    return nullptr;
-}
-
 bool isDisk(const BlockDevice& device)
 {
     switch (device.kind()) {
@@ -38,10 +29,14 @@ bool isDisk(const BlockDevice& device)
     case DeviceKind::disk:
     case DeviceKind::virtio:
         return true;
-    case DeviceKind::other:
-        return !device.isVirtual();
-    default:
+    case DeviceKind::partition:
+    case DeviceKind::nvmePath:
+    case DeviceKind::powerPath:
+    case DeviceKind::optical:
+    case DeviceKind::floppy:
         return false;
+    default:
+        return !device.isVirtual();
     }
 }
 
@@ -114,7 +109,7 @@ const BlockDevice* diskOf(const Inventory& inventory, const BlockDevice& device)
         disk = nvmeDiskOf(inventory, *disk);
     if (disk == nullptr)
         return nullptr;
-    if (const BlockDevice* map = mapOver(inventory, *disk))
+    if (const BlockDevice* map = inventory.multipathOver(*disk))
         return map;
     return isDisk(*disk) ? disk : nullptr;
 }

@@ -24,14 +24,6 @@ const char* kernelDriver(DeviceKind kind)
     }
 }
 
-bool isPathOfMap(const Inventory& inventory, const BlockDevice& disk)
-{
-    const Inventory::Devices over = inventory.memberOf(disk);
-    return std::any_of(over.begin(), over.end(), [](const BlockDevice* device) {
-        return device->kind() == DeviceKind::multipath;
-    });
-}
-
 bool agreeOnPartition(const DeviceAnswer& answer, const Inventory& inventory,
                       const BlockDevice& device)
 {
@@ -49,7 +41,8 @@ const Driver* kernelOwner(const Inventory& inventory, const BlockDevice& device)
 {
     const BlockDevice* parent = inventory.parentOf(device);
     const BlockDevice& disk = parent == nullptr ? device : *parent;
-    const DeviceKind kind = isPathOfMap(inventory, disk) ? DeviceKind::multipath : disk.kind();
+    const BlockDevice* map = inventory.multipathOver(disk);
+    const DeviceKind kind = map == nullptr ? disk.kind() : map->kind();
     const char* name = kernelDriver(kind);
     if (name == nullptr)
         return nullptr;

@@ -64,11 +64,10 @@ std::string answerText(const DeviceAnswer& device, const char* rule)
     return text;
 }
 
-std::string warningText(const Warning& warning, const OutputStream& output)
+std::string factText(const LabelledText& fact, const OutputStream& output)
 {
-    const std::string label = padded("warning", labelWidth);
-    return "  " + painted(label, Tone::warning, output) +
-           wrapped(printable(warning.text), labelWidth + 2, output.width()) + '\n';
+    return "  " + painted(padded(fact.label, labelWidth), fact.tone, output) +
+           wrapped(printable(fact.text), labelWidth + 2, output.width()) + '\n';
 }
 
 std::string explanationText(const Explanation& explanation, const OutputStream& output)
@@ -79,11 +78,11 @@ std::string explanationText(const Explanation& explanation, const OutputStream& 
         text += labelled("given as", printable(device.given));
     text += answerText(device, explanation.rule);
     for (const LabelledText& fact : kernelTexts(device))
-        text += labelled(fact.label, wrapped(printable(fact.text), labelWidth + 2, output.width()));
+        text += factText(fact, output);
     for (const ModuleAnswer& module : explanation.modules)
         text += moduleText(module);
     for (const Warning& warning : explanation.warnings)
-        text += warningText(warning, output);
+        text += factText({"warning", warning.text, Tone::warning}, output);
     return text;
 }
 

@@ -70,9 +70,13 @@ Field members(Answer answer)
     });
 }
 
+/// A map and its paths are one disk, which may have several identifiers: they show the map's.
 Field wwid(Answer answer)
 {
-    return ofDevice(answer, [](const BlockDevice& device) { return optionalField(device.wwid()); });
+    return ofDevice(answer, [&](const BlockDevice& device) {
+        const BlockDevice* map = inventoryOf(answer).multipathOver(device);
+        return optionalField((map == nullptr ? device : *map).wwid());
+    });
 }
 
 Field hctl(Answer answer)
@@ -108,7 +112,8 @@ Field exists(Answer answer)
 
 Field agreement(Answer answer)
 {
-    return optionalField(agrees(answer));
+    const std::optional<bool> isSo = agrees(answer);
+    return isSo ? Field(Flag{*isSo, *isSo ? Tone::plain : Tone::warning}) : Field();
 }
 
 } // namespace
@@ -125,7 +130,7 @@ const Columns<DeviceAnswer>& kernelColumns()
         {{"MEMBEROF", Kind::text, "the maps and arrays that consist of the device"}, memberOf},
         {{"MEMBERS", Kind::text, "the devices that it consists of, such as a map's paths"},
          members},
-        {{"WWID", Kind::text, "the disk's world-wide identifier, as the kernel writes it"}, wwid},
+        {{"WWID", Kind::text, "the disk's world-wide identifier, as multipath.conf has it"}, wwid},
         {{"HCTL", Kind::text, "a SCSI disk's address: host:channel:target:lun"}, hctl},
         {{"STATE", Kind::text, "running, offline, suspended or what else the driver says"}, state},
         {{"LINKS", Kind::text, "the symbolic links that udev keeps to the device"}, links},

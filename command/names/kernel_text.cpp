@@ -119,8 +119,9 @@ std::vector<LabelledText> kernelTexts(const DeviceAnswer& answer)
     if (device == nullptr)
         return textsWithoutDevice(answer);
     const Inventory& inventory = answer.kernel.machine()->inventory();
-    std::vector<LabelledText> texts{{"kernel", deviceText(inventory, *device)},
-                                    {"agrees", agreementText(answer)}};
+    std::vector<LabelledText> texts{
+        {"kernel", deviceText(inventory, *device)},
+        {"agrees", agreementText(answer), agrees(answer) == true ? Tone::plain : Tone::warning}};
     const auto add = [&](const char* label, const std::string& text) {
         if (!text.empty())
             texts.push_back({label, text});

@@ -12,6 +12,7 @@ namespace command {
 struct LabelledText {
     const char* label;
     std::string text;
+    Tone tone = Tone::plain;
 };
 
 /// What the kernel has at an answer's path: what it is, its relatives, its partitions, and whether

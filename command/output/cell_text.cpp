@@ -32,6 +32,7 @@ struct CellText {
     std::string operator()(const std::string& value) const { return value; }
     std::string operator()(const CommandLine& value) const { return shellCommand(value.text); }
     std::string operator()(const Mark& mark) const { return mark.text; }
+    std::string operator()(Flag flag) const { return (*this)(flag.isSet); }
 
     std::string operator()(const Texts& texts) const
     {

@@ -38,10 +38,16 @@ struct Mark {
     Tone tone;
 };
 
+/// Yes or no in a colour.
+struct Flag {
+    bool isSet;
+    Tone tone;
+};
+
 /// One value of an answer; std::monostate where the library gives none. Each output decides how it
 /// looks.
 using Field = std::variant<std::monostate, bool, std::int64_t, Seconds, std::string, CommandLine,
-                           Steps, Texts, Mark>;
+                           Steps, Texts, Mark, Flag>;
 
 template <class Value>
 Field optionalField(const std::optional<Value>& value)

@@ -84,6 +84,7 @@ struct JsonText::Adder {
     void operator()(const std::string& value) const { json.addText(value); }
     void operator()(const CommandLine& value) const { json.addText(value.text); }
     void operator()(const Mark& value) const { json.addText(value.text); }
+    void operator()(Flag value) const { (*this)(value.isSet); }
 
     void operator()(const Texts& texts) const
     {

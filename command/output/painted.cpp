@@ -34,8 +34,10 @@ std::string painted(const std::string& text, Tone tone, const OutputStream& outp
 
 Tone toneOf(const Field& field)
 {
-    const auto* mark = std::get_if<Mark>(&field);
-    return mark == nullptr ? Tone::plain : mark->tone;
+    if (const auto* mark = std::get_if<Mark>(&field))
+        return mark->tone;
+    const auto* flag = std::get_if<Flag>(&field);
+    return flag == nullptr ? Tone::plain : flag->tone;
 }
 
 } // namespace command

@@ -11,7 +11,7 @@ namespace command {
 /// The text in the colour of `tone`, if `output` shows colours; else the text as it is.
 std::string painted(const std::string& text, Tone tone, const OutputStream& output);
 
-/// The tone of a field: a mark's own, else plain.
+/// The tone of a field: that of a mark or a flag, else plain.
 Tone toneOf(const Field& field);
 
 } // namespace command

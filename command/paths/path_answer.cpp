@@ -64,6 +64,12 @@ Field state(Answer answer)
     return Mark{pathStateName(answer.path.state), toneOf(answer.path.state)};
 }
 
+Field used(Answer answer)
+{
+    const std::optional<bool> isUsed = answer.path.isUsed;
+    return isUsed ? Field(Flag{*isUsed, *isUsed ? Tone::good : Tone::plain}) : Field();
+}
+
 Field address(Answer answer)
 {
     if (answer.path.controller)
@@ -163,8 +169,7 @@ Columns<PathAnswer> usualColumns()
         {{"GROUP", Kind::text, "the map's group, by number; NVMe's ANA state; KoDMP's type"},
          [](Answer answer) { return nonEmptyField(answer.path.group); }},
         {{"STATE", Kind::text, "active, standby, failed, offline or unknown"}, state},
-        {{"USED", Kind::text, "whether requests go through the path, alone or by turns"},
-         [](Answer answer) { return optionalField(answer.path.isUsed); }},
+        {{"USED", Kind::text, "whether requests go through the path, alone or by turns"}, used},
         {{"ADDRESS", Kind::text, "host:channel:target:lun, or the NVMe controller's address"},
          address},
         {{"SIZE", Kind::number, "the disk's size in bytes"},

@@ -134,15 +134,23 @@ TEST_F(List, SaysWhichGivenPathsAreNoDevices)
 
 TEST_F(List, ShowsEveryFactThatTheKernelHas)
 {
-    m_made.set("sda", "device/wwid", "naa.600");
+    m_made.set("sda", "device/wwid", "naa.3330");
+    m_made.set("sdc", "device/wwid", "naa.601");
     remove(m_made.dev("sdc1"));
     EXPECT_EQ(list({"-r", "-o", "MAJMIN,PARENT,MEMBERS,WWID,HCTL,STATE,LINKS,EXISTS,GIVEN", "sda",
-                    "dm-0", "sdc1"})
+                    "dm-0", "8:32", "/dev/sdc1"})
                   .output,
               "MAJMIN PARENT MEMBERS WWID HCTL STATE LINKS EXISTS GIVEN\n"
-              "8:0 - - naa.600 2:0:0:0 running - yes /dev/sda\n"
-              "254:0 - /dev/sda,/dev/sdb 3600 - - - yes /dev/mapper/mpatha\n"
+              "8:0 - - 3600 2:0:0:0 running - yes sda\n"
+              "254:0 - /dev/sda,/dev/sdb 3600 - - - yes dm-0\n"
+              "8:32 - - 3601 4:0:0:0 running - yes 8:32\n"
               "8:33 /dev/sdc - - - - - no /dev/sdc1\n");
+}
+
+TEST_F(List, MarksOnATerminalWhereNameAndKernelDisagree)
+{
+    EXPECT_EQ(coloured(listDevices, {"list", "-n", "-o", "NAME,AGREES", "sda", "dm-0"}),
+              "/dev/sda           \x1b[33mno\x1b[0m\n/dev/mapper/mpatha yes\n");
 }
 
 TEST_F(List, OfAMachineWithoutDevicesIsEmpty)

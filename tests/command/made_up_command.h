@@ -42,6 +42,17 @@ protected:
         }
     }
 
+    /// What the subcommand prints where colours are shown.
+    std::string coloured(const Subcommand& run, const std::vector<std::string>& arguments) const
+    {
+        using namespace command;
+        const Options options = std::get<Options>(parseOptions(arguments, subcommands()));
+        CapturedOutput output;
+        output.stream().setColored(true);
+        run(options, output.stream(), Machine(m_made.roots()));
+        return output.text();
+    }
+
     MadeUpMachine m_made;
 };
 

@@ -55,6 +55,14 @@ TEST_F(ShowOnMultipath, TellsOfNamesUnlessTheKernelIsAskedAbout)
               "device-mapper - - - - - no\n");
 }
 
+TEST_F(ExplainOnMultipath, MarksOnATerminalWhereNameAndKernelDisagree)
+{
+    const std::vector<std::string> arguments{"explain", "/dev/sda", "/dev/mapper/mpatha"};
+    const std::string screen = coloured(command::explainPaths, arguments);
+    EXPECT_THAT(screen, HasSubstr("  \x1b[33magrees         \x1b[0mno: to the kernel"));
+    EXPECT_THAT(screen, HasSubstr("  agrees         yes\n"));
+}
+
 TEST_F(ShowOnMultipath, HintsAtTheDeviceBehindAPathThatNobodyClaims)
 {
     const Answered linked = show({"-r", "-n", "-o", "NAME", "/dev/disk/by-id/x", "dm-0", "254:0"});

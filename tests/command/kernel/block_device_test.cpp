@@ -40,11 +40,27 @@ TEST_F(BlockDeviceFacts, OfADiskAreItsAttributes)
     EXPECT_EQ(disk.number(), (DeviceNumber{8, 16}));
     EXPECT_EQ(disk.size(), 1048576U);
     EXPECT_EQ(disk.isReadOnly(), true);
-    EXPECT_EQ(disk.wwid(), "naa.60014050");
+    EXPECT_EQ(disk.wwid(), "360014050");
     EXPECT_EQ(disk.state(), "running");
     EXPECT_EQ(disk.accessState(), "active/optimized");
     EXPECT_EQ(disk.isPreferredPath(), true);
     EXPECT_TRUE(disk.isInUse());
+}
+
+TEST_F(BlockDeviceFacts, AnIdentifierIsSpelledAsMultipathSpellsIt)
+{
+    m_machine.addDisk("sda", "8:0", "2:0:0:0");
+    for (const auto& [kernels, multipaths] :
+         {std::pair("naa.5000c500a1b2c3d4", "35000c500a1b2c3d4"),
+          std::pair("eui.0025385b71b00001", "20025385b71b00001"),
+          std::pair("t10.ATA     DISK  7      A1     ", "1ATA_DISK_7_A1"),
+          std::pair("iqn.2003-01.org:naa.1", "iqn.2003-01.org:naa.1"), std::pair("naa", "naa")}) {
+        m_machine.set("sda", "device/wwid", kernels);
+        EXPECT_EQ(device("sda").wwid(), multipaths);
+    }
+    m_machine.add("pci0000:00/nvme/nvme0", "nvme0n1", "259:0");
+    m_machine.set("nvme0n1", "wwid", "eui.0025385b71b00001");
+    EXPECT_EQ(device("nvme0n1").wwid(), "eui.0025385b71b00001");
 }
 
 TEST_F(BlockDeviceFacts, ThatTheKernelLacksAreNothing)

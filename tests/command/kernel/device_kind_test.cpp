@@ -15,8 +15,12 @@ TEST(DeviceKind, IsKnownByTheBeginningThatTheDriverGivesItsNames)
         {"md127", DeviceKind::raid},       {"emcpowera", DeviceKind::powerPath},
         {"dm-0", DeviceKind::map},         {"loop0", DeviceKind::loop},
         {"ram15", DeviceKind::ram},        {"zram0", DeviceKind::zram},
-        {"sr0", DeviceKind::optical},      {"xvda", DeviceKind::other},
-        {"mmcblk0", DeviceKind::other},    {"nvme", DeviceKind::nvme},
+        {"sr0", DeviceKind::optical},      {"xvda", DeviceKind::xen},
+        {"mmcblk0", DeviceKind::mmc},      {"nvme", DeviceKind::nvme},
+        {"dasda", DeviceKind::dasd},       {"nbd15", DeviceKind::nbd},
+        {"pmem0", DeviceKind::pmem},       {"rbd0", DeviceKind::rbd},
+        {"drbd1", DeviceKind::drbd},       {"bcache0", DeviceKind::bcache},
+        {"fd0", DeviceKind::floppy},       {"mtdblock0", DeviceKind::other},
         {"cciss!c0d0", DeviceKind::other}, {"", DeviceKind::other},
     };
     for (const auto& [name, kind] : names)

@@ -26,6 +26,10 @@ protected:
         m_made.addPartition("sdb", "sdb1", "8:17");
         m_made.add("pci0000:00/virtio0/block", "vda", "253:0");
         m_made.addVirtual("loop0", "7:0");
+        m_made.addVirtual("nbd0", "43:0");
+        m_made.add("css0/0.0.0001/0.0.0200/block", "dasda", "94:0");
+        m_made.add("pci0000:00/mmc0/mmc0:0001/block", "mmcblk0", "179:0");
+        m_made.add("platform/floppy.0/block", "fd0", "2:0");
     }
 
     std::string diskOfNamed(const std::string& name) const
@@ -62,7 +66,10 @@ TEST_F(Disks, AreFoundByTheirPartitionsAndPaths)
 TEST_F(Disks, AreHardware)
 {
     EXPECT_EQ(diskOfNamed("dm-2"), "none");
-    EXPECT_EQ(diskOfNamed("loop0"), "none");
+    for (const char* name : {"loop0", "nbd0", "fd0"})
+        EXPECT_EQ(diskOfNamed(name), "none") << name;
+    for (const char* name : {"dasda", "mmcblk0"})
+        EXPECT_EQ(diskOfNamed(name), name);
 }
 
 TEST_F(Disks, HaveADriverOverTheirPathsOrNone)

@@ -19,6 +19,7 @@ TEST(CellText, ShowsEachKindOfFieldInItsWay)
     EXPECT_EQ(cellText(command::Texts{"a", "b c"}), "a,b c");
     EXPECT_EQ(cellText(command::Texts{}), "-");
     EXPECT_EQ(cellText(command::Mark{"offline", command::Tone::bad}), "offline");
+    EXPECT_EQ(cellText(command::Flag{true, command::Tone::good}), "yes");
 }
 
 TEST(CellText, ACommandMayBePastedIntoAShell)

@@ -91,6 +91,7 @@ TEST(JsonOutput, ValuesHaveTheirTypes)
     EXPECT_EQ(text(std::int64_t{4294967295}), "4294967295\n");
     EXPECT_EQ(text(command::Seconds(1.2345)), "1.235\n");
     EXPECT_EQ(text(command::Mark{"offline", command::Tone::bad}), "\"offline\"\n");
+    EXPECT_EQ(text(command::Flag{false, command::Tone::bad}), "false\n");
     EXPECT_EQ(Json::parse(text(command::Texts{"a", "b,c"})).dump(), R"(["a","b,c"])");
     EXPECT_EQ(Json::parse(text(command::Steps{{"a b", 3, command::Seconds(2)},
                                               {"c", {}, command::Seconds(0)},

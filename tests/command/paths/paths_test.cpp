@@ -40,18 +40,22 @@ protected:
         m_made.set(path, "ana_state", "optimized");
     }
 
+    int listOf(const Options& options, OutputStream& output) const
+    {
+        StopRequest stop;
+        const auto status = [this](const BlockDevice&) { return m_status; };
+        return listPaths(options, output, {m_made.roots(), status, {}}, stop);
+    }
+
     Answered paths(std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), "paths");
-        const auto list = [this](const Options& options, OutputStream& output, const Machine&) {
-            StopRequest stop;
-            return listPaths(options, output,
-                             {m_made.roots(), [this](const BlockDevice&) { return m_status; }, {}},
-                             stop);
-        };
-        return answer(list, arguments);
+        return answer(m_list, arguments);
     }
 
+    const Subcommand m_list = [this](const Options& options, OutputStream& output, const Machine&) {
+        return listOf(options, output);
+    };
     MapStatus m_status{{}, "multipath", "2 0 1 0 2 1 A 0 1 0 8:0 A 0 E 0 1 0 8:16 A 2"};
 };
 
@@ -84,6 +88,12 @@ TEST_F(Paths, OfADiskOfOnePathAreShownWhenTheyAreWanted)
     const Answered given = paths({"-r", "-n", "-o", "PATH", "sdc"});
     EXPECT_EQ(given.output, "/dev/sdc\n");
     EXPECT_EQ(given.status, 0);
+}
+
+TEST_F(Paths, AreMarkedOnATerminalWhenTheyAreUsed)
+{
+    EXPECT_EQ(coloured(m_list, {"paths", "-n", "-o", "PATH,USED", "dm-0"}),
+              "/dev/sda \x1b[32myes\x1b[0m\n/dev/sdb no\n");
 }
 
 TEST_F(Paths, HaveFurtherFacts)
