@@ -35,8 +35,8 @@ int answer(const command::Options& options, command::OutputStream& output)
     constexpr std::chrono::milliseconds forever{-1};
     try {
         return options.subcommand->run(options, output);
-    } catch (const command::UsageError&) {
-        throw;
+    } catch (const command::UsageError& error) {
+        throw command::UsageError(error.what(), options.subcommand->name);
     } catch (...) {
         output.end(forever);
         throw;

@@ -69,9 +69,8 @@ void complainOf(const DiskList& list)
         complain("no disk of this machine has several paths; to see all disks: dmpclaim paths -a");
 }
 
-void write(const Options& options, OutputStream& output, const DiskList& list)
+void write(AnswerRows<PathAnswer>& rows, const DiskList& list)
 {
-    AnswerRows<PathAnswer> rows(options, output, "paths", pathColumns(true));
     for (const DiskPaths& disk : list.disks) {
         const DiskFacts facts = factsOf(disk);
         for (const DiskPath& path : disk.paths)
@@ -142,9 +141,11 @@ int listPaths(const Options& options, OutputStream& output, const PathSources& s
     try {
         if (interval)
             return watch(options, output, sources, wanted, *interval);
+        // Before the reading: an interrupt closes a JSON document that has begun.
+        AnswerRows<PathAnswer> rows(options, output, "paths", pathColumns(true));
         const DiskList list = readInThread(sources, wanted);
         complainOf(list);
-        write(options, output, list);
+        write(rows, list);
         return list.exitStatus();
     } catch (const Interrupted&) {
         interrupt.finish(); // The signal thread exits the process.

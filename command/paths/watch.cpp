@@ -64,10 +64,9 @@ void rejectOtherForms(Form form)
           std::pair(Form::zero, "--zero"), std::pair(Form::json, "--json")}) {
         if (form == other)
             throw UsageError(std::string(watchOption) +
-                                 " draws a table on a terminal and writes "
-                                 "lines of JSON elsewhere: leave out " +
-                                 name,
-                             "paths");
+                             " draws a table on a terminal and writes lines of JSON elsewhere: "
+                             "leave out " +
+                             name);
     }
 }
 
@@ -85,10 +84,7 @@ std::optional<std::chrono::milliseconds> watchInterval(const Options& options)
     const bool isNumber = result.ec == std::errc() && result.ptr == end;
     if (!isNumber || !(seconds >= leastSeconds && seconds <= mostSeconds))
         throw UsageError(std::string(watchOption) +
-                             " takes a number of seconds from 0.1 to 86400, "
-                             "not '" +
-                             *text + "'",
-                         "paths");
+                         " takes a number of seconds from 0.1 to 86400, not '" + *text + "'");
     return std::chrono::milliseconds(static_cast<long>(seconds * 1000));
 }
 
