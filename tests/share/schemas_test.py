@@ -13,7 +13,11 @@ import unittest
 
 import jsonschema
 
-COMMAND, SCHEMAS = sys.argv[1:3]
+from schemas import Schemas, rows
+
+COMMAND, FOLDER = sys.argv[1:3]
+SCHEMAS = Schemas(FOLDER)
+load, check, elements = SCHEMAS.load, SCHEMAS.check, SCHEMAS.elements
 PATHS = ["/dev/sda1", "/dev/mapper/mpathb", "/dev/mapper/a-b", "/dev/emcpowera", "x", b"/dev/sd\xff2"]
 
 # Names that are warned of, and the codes of the warnings that need no device.
@@ -28,48 +32,13 @@ def run(*arguments):
                           check=False).stdout
 
 
-def strict(schema):
-    """The schema without room for members that it does not name, which a later version may add."""
-    if isinstance(schema, list):
-        return [strict(part) for part in schema]
-    if not isinstance(schema, dict):
-        return schema
-    result = {key: strict(value) for key, value in schema.items()}
-    if isinstance(result.get("properties"), dict) and "type" in result:
-        result["additionalProperties"] = False
-    return result
-
-
-def load(name):
-    return json.loads((pathlib.Path(SCHEMAS) / f"{name}.schema.json").read_text(encoding="utf-8"))
-
-
-COMMON = strict(load("common"))
-
-
-def check(document, schema):
-    resolver = jsonschema.RefResolver("", {}, store={"common.schema.json": COMMON})
-    jsonschema.Draft202012Validator(strict(schema), resolver=resolver).validate(document)
-
-
-def elements(schema):
-    """The schema of what the document's array holds, without its reference."""
-    array = next(value for value in schema["properties"].values() if "items" in value)
-    items = array["items"]
-    return load("common")["$defs"][items["$ref"].rsplit("/", 1)[1]] if "$ref" in items else items
-
-
-def rows(document):
-    return next(value for value in document.values() if isinstance(value, list))
-
-
 CASES = {"list": ["-O"], "show": ["-O", *PATHS], "strip": ["-O", *PATHS], "append": ["-O", "/dev/sda", "1"],
          "prefixes": ["-O"], "explain": PATHS, "active": ["-O", *PATHS], "paths": ["-O", "-a"]}
 
 
-class Schemas(unittest.TestCase):
+class Documents(unittest.TestCase):
     def test_they_are_schemas(self):
-        for file in pathlib.Path(SCHEMAS).iterdir():
+        for file in pathlib.Path(FOLDER).iterdir():
             jsonschema.Draft202012Validator.check_schema(json.loads(file.read_text()))
 
     def test_every_subcommand_prints_what_its_schema_says(self):
