@@ -1,8 +1,9 @@
 // What the list of a machine's block devices costs: reading sysfs, asking the library about each
-// name, and writing the rows.
+// name, and writing the rows. Fails when that takes more than 64 MiB of memory.
 #include <benchmark/benchmark.h>
 
 #include "benchmarks/many_disks.h"
+#include "benchmarks/peak_memory.h"
 #include "commands.h"
 #include "list.h"
 #include "tests/support/descriptor.h"
@@ -17,6 +18,7 @@ void list(benchmark::State& state, const ManyDisks& machine)
     command::OutputStream output(nowhere.number());
     for (auto _ : state)
         command::listDevices(options, output, command::Machine(machine.roots()));
+    expectPeakMemory(64);
 }
 
 void listMany(benchmark::State& state)
