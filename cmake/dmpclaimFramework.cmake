@@ -1,3 +1,23 @@
+# Makes ACE, whose strings are in the library's interface, the target dmpclaim::ACE.
+#
+# `problem` names a variable for what is wrong, which is empty when nothing is.
+function(dmpclaim_import_ace problem)
+    set(${problem} "" PARENT_SCOPE)
+    find_path(ACE_INCLUDE_DIR ace/SString.h)
+    find_library(ACE_LIBRARY ACE)
+    if(NOT ACE_INCLUDE_DIR OR NOT ACE_LIBRARY)
+        set(${problem} "ACE is missing, its library or its header ace/SString.h. Install Debian's \
+libace-dev, or set ACE_LIBRARY and ACE_INCLUDE_DIR to where they are." PARENT_SCOPE)
+        return()
+    endif()
+    if(NOT TARGET dmpclaim::ACE)
+        add_library(dmpclaim::ACE UNKNOWN IMPORTED)
+    endif()
+    set_target_properties(dmpclaim::ACE PROPERTIES
+        IMPORTED_LOCATION ${ACE_LIBRARY}
+        INTERFACE_INCLUDE_DIRECTORIES ${ACE_INCLUDE_DIR})
+endfunction()
+
 # Makes the libraries of a host's own framework targets to link, for the build and for the hosts of
 # an installation: dmpclaim::zepdk, dmpclaim::zecmn and dmpclaim::zeutil.
 #
@@ -23,6 +43,6 @@ function(dmpclaim_import_framework directory problem)
         set_target_properties(dmpclaim::${target} PROPERTIES
             IMPORTED_LOCATION ${folder}/${library}
             IMPORTED_NO_SONAME ON
-            INTERFACE_LINK_LIBRARIES ACE)
+            INTERFACE_LINK_LIBRARIES dmpclaim::ACE)
     endforeach()
 endfunction()

@@ -12,6 +12,7 @@ SUBCOMMAND may be empty. So an option, a column, a code or a status is written d
 command.
 """
 
+import os
 import re
 import subprocess
 import sys
@@ -78,7 +79,7 @@ class Help:
     def of(self, subcommand):
         words = [self.command] + subcommand.split() + ["--help"]
         text = subprocess.run(words, stdout=subprocess.PIPE, text=True, check=True,
-                              env={"COLUMNS": "80", "PATH": "/usr/bin:/bin"}).stdout
+                              env={**os.environ, "COLUMNS": "80"}).stdout
         return sections(text)
 
     def fill(self, directive):

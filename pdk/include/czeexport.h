@@ -8,6 +8,9 @@
 #if __cplusplus < 201703L
 #error "dmpclaim: these headers are C++17. Compile with -std=c++17 or later."
 #endif
+#ifndef __LP64__
+#error "dmpclaim: 64-bit Linux only. Compile without -m32 or -mx32."
+#endif
 #ifndef __GLIBCXX__
 #error "dmpclaim: the library takes the strings of libstdc++. Compile without -stdlib=libc++."
 #elif !_GLIBCXX_USE_CXX11_ABI
