@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 
 #include "kernel/sysfs_file.h"
 #include "text/text.h"
@@ -70,9 +69,7 @@ Inventory::Inventory(KernelRoots roots) : m_roots(std::move(roots))
 
 void Inventory::readDevices()
 {
-    const std::string folder = m_roots.blockFolder();
-    const std::filesystem::directory_iterator readable(folder, m_error);
-    for (std::string& name : namesIn(folder))
+    for (std::string& name : namesIn(m_roots.blockFolder(), m_error))
         m_devices.emplace_back(m_roots, std::move(name));
     sortByPath(m_devices);
 }

@@ -68,14 +68,21 @@ std::optional<std::string> linkTarget(const std::string& file)
     return std::string(target.data(), static_cast<std::size_t>(size));
 }
 
-std::vector<std::string> namesIn(const std::string& folder)
+std::vector<std::string> namesIn(const std::string& folder, std::error_code& error)
 {
     std::vector<std::string> names;
-    std::error_code error;
     fs::directory_iterator entry(folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error))
         names.push_back(entry->path().filename());
+    if (error)
+        names.clear();
     return names;
+}
+
+std::vector<std::string> namesIn(const std::string& folder)
+{
+    std::error_code ignored;
+    return namesIn(folder, ignored);
 }
 
 } // namespace command

@@ -1,5 +1,6 @@
 #include "process_group.h"
 
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstring>
@@ -37,6 +38,13 @@ bool runsIn(int proc, const char* entry, pid_t group)
            found == group && state != 'Z' && state != 'X';
 }
 
+/// The next entry. Null at the end, where errno tells an error from the last entry.
+const dirent* nextEntry(DIR* folder)
+{
+    errno = 0;
+    return readdir(folder); // NOLINT(concurrency-mt-unsafe): the folder is open here only
+}
+
 } // namespace
 
 bool groupRuns(pid_t group)
@@ -47,13 +55,12 @@ bool groupRuns(pid_t group)
     const std::unique_ptr<DIR, int (*)(DIR*)> proc(opendir("/proc"), closedir);
     if (proc == nullptr)
         return true;
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): the folder is open here only
-    while (const dirent* entry = readdir(proc.get())) {
+    while (const dirent* entry = nextEntry(proc.get())) {
         if (entry->d_name[0] >= '1' && entry->d_name[0] <= '9' &&
             runsIn(dirfd(proc.get()), entry->d_name, group))
             return true;
     }
-    return false;
+    return errno != 0;
 }
 
 } // namespace koze_pdk_4_4::runner

@@ -20,6 +20,7 @@ using koze_pdk_4_4::runner::groupRuns;
 namespace {
 
 bool hasProc = true;
+bool readsProc = true;
 
 /// When the processes that /proc lists end, relative to the reading of their state.
 enum class Vanish { never, beforeOpening, beforeReading };
@@ -31,6 +32,15 @@ extern "C" DIR* opendir(const char* name)
 {
     static auto* const real = reinterpret_cast<decltype(&opendir)>(dlsym(RTLD_NEXT, "opendir"));
     return hasProc ? real(name) : nullptr;
+}
+
+extern "C" dirent* readdir(DIR* folder)
+{
+    static auto* const real = reinterpret_cast<decltype(&readdir)>(dlsym(RTLD_NEXT, "readdir"));
+    if (readsProc)
+        return real(folder);
+    errno = EIO;
+    return nullptr;
 }
 
 extern "C" int openat(int folder, const char* path, int flags, ...)
@@ -149,6 +159,10 @@ TEST(ProcessGroup, RunsAsLongAsNobodyCanTell)
     EXPECT_TRUE(groupRuns(leader.pid()));
     EXPECT_FALSE(groupRuns(std::numeric_limits<pid_t>::max())); // no such number
     hasProc = true;
+    readsProc = false;
+    EXPECT_TRUE(groupRuns(leader.pid()));
+    readsProc = true;
+    EXPECT_FALSE(groupRuns(leader.pid()));
 }
 
 } // namespace
