@@ -1,18 +1,21 @@
 #!/bin/bash
-# How much of one job's time eight jobs take for 64 disks with stale mappings: about an eighth.
+# How long `dmpclaim active` takes to look 64 disks with stale mappings up with 1 to 16 jobs.
 #
-#     benchmarks/jobs_benchmark.sh [BUILD]
+#     benchmarks/jobs_benchmark.sh BUILD
 #
-# BUILD is the folder of the build, build/bench without it. Runs `dmpclaim active` with the simulated
-# tools. Pauses of five seconds are cut to one, which is still many times as long as the tools take.
-# In each of six rounds, eight jobs look up 64 disks, then one job looks up eight disks, which is an
-# eighth of the work. Other load on the machine disturbs both sides of a round alike. The median of
-# the rounds counts. Takes about 100 seconds.
+# Uses the simulated tools. Pauses of five seconds are cut to one, which is still many times
+# as long as the tools take. Few jobs look fewer disks up, eight each, and the time counts as
+# many times. In each round every number of jobs has its turn: other load on the machine disturbs all
+# alike. Prints what `compare` of comparison.h prints. A round takes about 36 seconds.
 set -euo pipefail
 
-readonly pause=1000 rounds=6
+readonly pause=1000 disks=64
 root=$(dirname -- "$(realpath -- "${BASH_SOURCE[0]}")")/..
-build=$(realpath -- "${1:-$root/build/bench}")
+build=$(realpath -- "$1")
+case ${BENCHMARK_SECONDS-1} in
+0*) rounds=1 ;;
+*) rounds=2 ;;
+esac
 
 # Runs this script again under the simulated tools, with the folder of their state.
 if (($# < 2)); then
@@ -29,7 +32,7 @@ folder=$2
 stale_disks() {
     local separator=''
     printf '{"arrays": [{"name": "arr0", "nodes": ['
-    for number in {1..64}; do
+    for ((number = 1; number <= disks; ++number)); do
         printf '%s{"name": "arr0_%d", "stale": {"rescans": 1}, "paths": [
             {"name": "sdx%d", "state": "ENABLED(A)", "type": "PRIMARY"}]}' \
             "$separator" "$number" "$number"
@@ -38,34 +41,34 @@ stale_disks() {
     printf ']}]}\n'
 }
 
-# milliseconds JOBS DISKS: the time that the lookup of so many disks takes with so many jobs.
-# Their names end in digits, as names of partitions do, and are asked about as they are.
-milliseconds() {
-    local disks begin end
-    mapfile -t disks < <(seq -f '/dev/sdx%.0f' "$2")
+# nanoseconds JOBS: the time that so many jobs take for all disks. Their names end in digits, as
+# names of partitions do, and are asked about as they are.
+nanoseconds() {
+    local share=$(($1 < 8 ? 8 * $1 : disks)) names begin end
+    mapfile -t names < <(seq -f '/dev/sdx%.0f' "$share")
     stale_disks >"$folder/state.json"
     : >"$folder/sleeps"
     begin=${EPOCHREALTIME/./}
     env LD_PRELOAD="$build/lib/libquick_sleep.so" SLEEP_LOG="$folder/sleeps" \
         SLEEP_MILLISECONDS=$pause \
-        "$build/bin/dmpclaim" active --as-given -j "$1" "${disks[@]}" >"$folder/rows"
+        "$build/bin/dmpclaim" active --as-given -j "$1" "${names[@]}" >"$folder/rows"
     end=${EPOCHREALTIME/./}
-    if (($(wc -l <"$folder/sleeps") != $2 || $(grep -c ' no ' "$folder/rows") != $2)); then
+    if (($(wc -l <"$folder/sleeps") != share || $(grep -c ' no ' "$folder/rows") != share)); then
         printf 'not every mapping was repaired by its scan\n' >&2
         exit 1
     fi
-    printf '%d\n' "$(((end - begin) / 1000))"
+    printf '%d\n' $(((end - begin) * 1000 * disks / share))
 }
 
+declare -A results
 for ((round = 1; round <= rounds; ++round)); do
-    eight=$(milliseconds 8 64)
-    eighth=$(milliseconds 1 8)
-    printf '64 disks with 8 jobs: %d ms; 8 disks with 1 job: %d ms\n' "$eight" "$eighth" >&2
-    printf '%d\n' $((eight * 1000 / (8 * eighth)))
-done | sort -n | awk '
-    { ratios[NR] = $1 }
-    END {
-        median = (ratios[int((NR + 1) / 2)] + ratios[int(NR / 2) + 1]) / 2
-        printf "64 disks: 8 jobs take %.3f of the time of 1 job, median of %d rounds", median / 1000, NR
-        printf " from %.3f to %.3f (an eighth is 0.125)\n", ratios[1] / 1000, ratios[NR] / 1000
-    }'
+    for jobs in 1 2 4 8 16; do
+        results[$jobs]+=${results[$jobs]:+, }$(nanoseconds "$jobs")
+    done
+done
+printf '{"name": "look %d stale disks up with so many jobs", "sides": {' "$disks"
+for jobs in 1 2 4 8 16; do
+    printf '%s"%d": [%s]' "${separator-}" "$jobs" "${results[$jobs]}"
+    separator=', '
+done
+printf '}, "left": {}}\n'

@@ -1,9 +1,11 @@
 #ifndef BENCHMARKS_MANY_DISKS_H
 #define BENCHMARKS_MANY_DISKS_H
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "benchmarks/comparison.h"
 #include "tests/support/disk_letters.h"
 #include "tests/support/made_up_machine.h"
 
@@ -28,5 +30,18 @@ public:
         }
     }
 };
+
+/// Compares what an operation costs as disks grow tenfold.
+template <class Operation>
+void compareMachines(const std::string& name, Operation operation)
+{
+    setenv("TMPDIR", "/dev/shm", 0); // The trees are in memory, as sysfs is.
+    const ManyDisks few(328);
+    const ManyDisks more(3280);
+    const ManyDisks many(32800);
+    compare(name, {{"328", computing([&] { operation(few); })},
+                   {"3280", computing([&] { operation(more); })},
+                   {"32800", computing([&] { operation(many); })}});
+}
 
 #endif

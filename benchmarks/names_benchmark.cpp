@@ -1,103 +1,77 @@
-// What the naming questions cost.
-#include <benchmark/benchmark.h>
-
+// What the naming questions cost without a log: beside a plain implementation of the same contract,
+// beside libfdisk's name of a partition, and as names grow.
 #include <cstdlib>
 #include <string>
 
-#include "providers/device/scsitool/dmp_claim_manager.h"
-#include "providers/device/scsitool/dmp_powerpath_claim.h"
+#include <libfdisk/libfdisk.h>
 
-using koze_pdk_4_4::CZeTraceLog;
-using koze_pdk_4_4::CZeTraceLogHandle;
-using koze_pdk_4_4::CZeTraceStderrSink;
+#include "benchmarks/comparison.h"
+#include "benchmarks/plain_names.h"
+#include "providers/device/scsitool/dmp_claim_manager.h"
+#include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
+#include "providers/device/scsitool/dmp_nativepath_claim.h"
+#include "providers/device/scsitool/dmp_powerpath_claim.h"
 
 namespace {
 
-std::string partitionWithDigits(const benchmark::State& state)
+void compareQuestions(const std::string& disk, const std::string& partition)
 {
-    return "/dev/emcpowera" + std::string(static_cast<std::size_t>(state.range(0)), '7');
+    CDmpClaimManager ours;
+    plain::Manager plain;
+    unsigned int number = 0;
+    compare("claim " + disk, {{"ours", computing([&] { keep(ours.claim(disk)); })},
+                              {"plain", computing([&] { keep(plain.claim(disk)); })}});
+    compare("is " + partition + " a partition",
+            {{"ours", computing([&] { keep(ours.isPartition(partition)); })},
+             {"plain", computing([&] { keep(plain.isPartition(partition)); })}});
+    compare("strip " + partition,
+            {{"ours", computing([&] { keep(ours.removePartitionSuffix(partition, number)); })},
+             {"plain", computing([&] { keep(plain.strip(partition, number)); })}});
+    compare("append 2 to " + disk,
+            {{"ours", computing([&] { keep(ours.appendPartitionSuffix(disk, 2)); })},
+             {"plain", computing([&] { keep(plain.append(disk, 2)); })}});
 }
 
-void removeSuffix(benchmark::State& state)
+/// libfdisk makes the name without asking who owns the disk, as the owner's module does; a host
+/// that does not know the owner asks the manager.
+void compareWithLibfdisk(CDmpDeviceClaimBase&& module, const std::string& disk)
+{
+    CDmpClaimManager manager;
+    const auto libfdisk = [&] {
+        char* name = fdisk_partname(disk.c_str(), 2);
+        keep(name);
+        std::free(name);
+    };
+    compare("name partition 2 of " + disk,
+            {{"ours", computing([&] { keep(module.appendPartitionSuffix(disk, 2)); })},
+             {"ours, with the search for the owner",
+              computing([&] { keep(manager.appendPartitionSuffix(disk, 2)); })},
+             {"libfdisk", computing(libfdisk)}});
+}
+
+/// One pass over the path: ten times the digits cost ten times the time at most.
+void compareDigits()
 {
     CDmpPowerPathClaim module;
-    const std::string partition = partitionWithDigits(state);
-    unsigned int partnum = 0;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(module.removePartitionSuffix(partition, partnum));
+    unsigned int number = 0;
+    const auto strip = [&](std::size_t digits) {
+        return computing([&, partition = "/dev/emcpowera" + std::string(digits, '7')] {
+            keep(module.removePartitionSuffix(partition, number));
+        });
+    };
+    compare("strip digits",
+            {{"1000", strip(1000)}, {"10000", strip(10000)}, {"100000", strip(100000)}});
 }
-
-// One pass over the path: ten times the digits cost ten times the time at most.
-BENCHMARK(removeSuffix)->Name("remove 100000 digits against 10000/ours")->Arg(100000);
-BENCHMARK(removeSuffix)->Name("remove 100000 digits against 10000/reference")->Arg(10000);
-
-std::string scannedBackward(std::string device, unsigned int& partnum)
-{
-    std::size_t digits = device.size();
-    while (digits > 0 && device[digits - 1] >= '0' && device[digits - 1] <= '9')
-        --digits;
-    partnum = static_cast<unsigned int>(std::strtol(device.c_str() + digits, nullptr, 10));
-    device.resize(digits);
-    return device;
-}
-
-void scanBackward(benchmark::State& state)
-{
-    const std::string partition = partitionWithDigits(state);
-    unsigned int partnum = 0;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(scannedBackward(partition, partnum));
-}
-
-// The module against the least that any removal does.
-BENCHMARK(removeSuffix)->Name("remove 2 digits/ours")->Arg(2);
-BENCHMARK(scanBackward)->Name("remove 2 digits/reference")->Arg(2);
-BENCHMARK(removeSuffix)->Name("remove 10000 digits/ours")->Arg(10000);
-BENCHMARK(scanBackward)->Name("remove 10000 digits/reference")->Arg(10000);
-
-void claim(benchmark::State& state, const std::string& device)
-{
-    CDmpClaimManager manager;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(manager.claim(device));
-}
-
-void findMarkers(benchmark::State& state, const std::string& device)
-{
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(device.find("/dev/sd"));
-        benchmark::DoNotOptimize(device.find("/dev/emcpower"));
-        benchmark::DoNotOptimize(device.find("/dev/mapper/"));
-        benchmark::DoNotOptimize(device.find('-'));
-    }
-}
-
-// The manager, silent, against the bare searches; the rest is lists and copies of the path.
-BENCHMARK_CAPTURE(claim, disk, "/dev/sdc")->Name("claim /dev/sdc/ours");
-BENCHMARK_CAPTURE(findMarkers, disk, "/dev/sdc")->Name("claim /dev/sdc/reference");
-BENCHMARK_CAPTURE(claim, mapper, "/dev/mapper/mpathbp2")->Name("claim /dev/mapper/mpathbp2/ours");
-BENCHMARK_CAPTURE(findMarkers, mapper, "/dev/mapper/mpathbp2")
-    ->Name("claim /dev/mapper/mpathbp2/reference");
-BENCHMARK_CAPTURE(claim, power, "/dev/emcpowerc12")->Name("claim /dev/emcpowerc12/ours");
-BENCHMARK_CAPTURE(findMarkers, power, "/dev/emcpowerc12")->Name("claim /dev/emcpowerc12/reference");
-
-void claimWithQuietLog(benchmark::State& state)
-{
-    CZeTraceLogHandle log(new CZeTraceLog);
-    log->setSink(new CZeTraceStderrSink(0));
-    CDmpClaimManager manager;
-    manager.registerTraceLog(log);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(manager.claim("/dev/sdc"));
-}
-
-void claimWithoutLog(benchmark::State& state)
-{
-    claim(state, "/dev/sdc");
-}
-
-// A log that wants no line costs its handles and fourteen calls.
-BENCHMARK(claimWithQuietLog)->Name("claim with a log that wants nothing/ours");
-BENCHMARK(claimWithoutLog)->Name("claim with a log that wants nothing/reference");
 
 } // namespace
+
+int main()
+{
+    compareQuestions("/dev/sdc", "/dev/sdc2");
+    compareQuestions("/dev/emcpowerc", "/dev/emcpowerc2");
+    compareQuestions("/dev/mapper/mpathb", "/dev/mapper/mpathbp2");
+    compareWithLibfdisk(CNativePathClaim(), "/dev/sdc");
+    compareWithLibfdisk(CDmpPowerPathClaim(), "/dev/emcpowerc");
+    compareWithLibfdisk(CDmpDeviceMapperClaim(), "/dev/mapper/mpathb");
+    compareDigits();
+}

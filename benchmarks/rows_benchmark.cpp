@@ -1,8 +1,6 @@
 // What a row costs in each form: the processor time of `dmpclaim show` for many paths, against a
 // minimal host that asks the library the same questions and prints the raw rows with stdio. Fails
 // when the command needs more than 16 MiB of memory, or when its raw rows are not the host's.
-#include <benchmark/benchmark.h>
-
 #include <array>
 #include <cstdio>
 #include <stdexcept>
@@ -16,10 +14,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "benchmarks/comparison.h"
+
 namespace {
 
-constexpr int hundredThousand = 100'000;
-constexpr int million = 1'000'000;
 constexpr long mostMemory = 16 << 10; // KiB
 
 void expect(bool success, const char* what)
@@ -119,39 +117,31 @@ bool isHostTheCommand(int lines)
     return result;
 }
 
-void measure(benchmark::State& state, const std::vector<std::string>& words, int paths)
+Measure running(const std::vector<std::string>& words, int lines, int output)
 {
-    static const int few = linesOf(hundredThousand);
-    static const int many = linesOf(million);
-    static const int output = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    static const bool hostIsTheCommand = isHostTheCommand(few);
-    expect(hostIsTheCommand, "the rows of the command and of the host differ");
-    for (auto _ : state)
-        state.SetIterationTime(processorTime(words, paths == million ? many : few, output));
-}
-
-/// Single runs that alternate: other load on the machine disturbs both of a pair alike.
-void addPair(const std::string& name, const char* form, int paths, int repetitions)
-{
-    const auto add = [&](const char* side, const std::vector<std::string>& words) {
-        benchmark::RegisterBenchmark(
-            (name + side).c_str(),
-            [words, paths](benchmark::State& state) { measure(state, words, paths); })
-            ->UseManualTime()
-            ->Iterations(1)
-            ->Repetitions(repetitions);
+    return [=](std::size_t times) {
+        double seconds = 0;
+        for (; times > 0; --times)
+            seconds += processorTime(words, lines, output);
+        return seconds;
     };
-    add("/ours", show(form));
-    add("/reference", {ROWS_HOST});
 }
-
-const bool isRegistered = [] {
-    addPair("a million raw rows, at most 4", "-nr", million, 5);
-    addPair("raw rows, at most 4", "-nr", hundredThousand, 15);
-    addPair("rows of a table, at most 8", "-n", hundredThousand, 15);
-    addPair("JSON, at most 6", "-J", hundredThousand, 15);
-    addPair("JSON lines, at most 6", "--json-lines", hundredThousand, 15);
-    return true;
-}();
 
 } // namespace
+
+int main()
+{
+    const int output = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    const int hundredThousand = linesOf(100'000);
+    expect(isHostTheCommand(hundredThousand), "the rows of the command and of the host differ");
+    compare("show - for 100000 paths",
+            {{"raw", running(show("-nr"), hundredThousand, output)},
+             {"table", running(show("-n"), hundredThousand, output)},
+             {"JSON", running(show("-J"), hundredThousand, output)},
+             {"JSON lines", running(show("--json-lines"), hundredThousand, output)},
+             {"minimal host", running({ROWS_HOST}, hundredThousand, output)}});
+    std::vector<Side> sizes;
+    for (const int paths : {1000, 10'000, 100'000, 1'000'000})
+        sizes.push_back({std::to_string(paths), running(show("-nr"), linesOf(paths), output)});
+    compare("show - for so many paths", sizes);
+}

@@ -1,10 +1,9 @@
 // What splitting and searching the tables of the volume manager's tools costs.
-#include <benchmark/benchmark.h>
-
 #include <cstring>
 #include <string>
 #include <vector>
 
+#include "benchmarks/comparison.h"
 #include "pdk/include/czestringtool.h"
 
 namespace {
@@ -12,13 +11,6 @@ namespace {
 using koze_pdk_4_4::CZeStringTool;
 
 const std::string row = "sdc     ENABLED(A)    PRIMARY      c2";
-
-void tokenize(benchmark::State& state)
-{
-    const std::string delimiters = " \n\t";
-    for (auto _ : state)
-        benchmark::DoNotOptimize(CZeStringTool::tokenize(row, delimiters));
-}
 
 std::vector<std::string> splitInCopy(const std::string& text, const char* delimiters)
 {
@@ -31,25 +23,22 @@ std::vector<std::string> splitInCopy(const std::string& text, const char* delimi
     return pieces;
 }
 
-void strtokLoop(benchmark::State& state)
-{
-    for (auto _ : state)
-        benchmark::DoNotOptimize(splitInCopy(row, " \n\t"));
-}
-
-void findInTable(benchmark::State& state)
-{
-    const std::vector<std::string> table(static_cast<std::size_t>(state.range(0)), row);
-    for (auto _ : state) {
-        unsigned long index = 0;
-        benchmark::DoNotOptimize(CZeStringTool::find(table, "NAME", index, false));
-    }
-}
-
-BENCHMARK(tokenize)->Name("tokenize against strtok_r/ours");
-BENCHMARK(strtokLoop)->Name("tokenize against strtok_r/reference");
-// One pass: ten times the lines cost ten times the time.
-BENCHMARK(findInTable)->Name("find in 100000 lines against 10000/ours")->Arg(100000);
-BENCHMARK(findInTable)->Name("find in 100000 lines against 10000/reference")->Arg(10000);
-
 } // namespace
+
+int main()
+{
+    const std::string delimiters = " \n\t";
+    compare("split a row of a table",
+            {{"ours", computing([&] { keep(CZeStringTool::tokenize(row, delimiters)); })},
+             {"strtok_r", computing([&] { keep(splitInCopy(row, delimiters.c_str())); })}});
+
+    // One pass: ten times the lines cost ten times the time.
+    const auto find = [](std::size_t lines) {
+        return computing([table = std::vector<std::string>(lines, row)] {
+            unsigned long index = 0;
+            keep(CZeStringTool::find(table, "NAME", index, false));
+        });
+    };
+    compare("search so many lines",
+            {{"1000", find(1000)}, {"10000", find(10000)}, {"100000", find(100000)}});
+}

@@ -1,6 +1,5 @@
 // What reading a tool's output costs, without the tool.
-#include <benchmark/benchmark.h>
-
+#include "benchmarks/comparison.h"
 #include "pdk/include/czeexecpipe.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 
@@ -9,23 +8,14 @@ namespace {
 using koze_pdk_4_4::CZeTraceCallbackSink;
 using koze_pdk_4_4::CZeTraceLog;
 using koze_pdk_4_4::CZeTraceLogHandle;
+using Lines = std::vector<std::string>;
 
-/// What the tool answers.
 struct Answer {
     int status = 0;
-    std::vector<std::string> lines;
+    Lines lines;
 };
 
-Answer& answer()
-{
-    static Answer current;
-    return current;
-}
-
-CZeTraceLogHandle noLog()
-{
-    return {};
-}
+const Answer* current = nullptr;
 
 CZeTraceLogHandle logWithoutSink()
 {
@@ -39,48 +29,45 @@ CZeTraceLogHandle logWithSink()
     return log;
 }
 
-// No row qualifies, so that every one is read.
-void readTable(benchmark::State& state, CZeTraceLogHandle (*makeLog)(), int status)
+/// What a tool answers. No row qualifies, so that every one is read.
+Answer tableOf(std::size_t rows, int status)
 {
-    answer().status = status;
-    answer().lines.assign(static_cast<std::size_t>(state.range(0)),
-                          "sdb     DISABLED     SECONDARY    c1");
-    answer().lines[0] = "NAME    STATE         TYPE         CTLR";
-    CKoDMPSupport support;
-    support.registerTraceLog(makeLog());
-    std::string disk;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(support.getOSDiskHandleForKoVMDisk("arr0_17", disk));
+    Answer result{status, Lines(rows, "sdb     DISABLED     SECONDARY    c1")};
+    result.lines[0] = "NAME    STATE         TYPE         CTLR";
+    return result;
 }
 
-// Time in proportion: ten times the lines cost ten times the time, also with a log, for whose
-// messages the lines are joined. Many more lines would measure the processor's caches instead.
-BENCHMARK_CAPTURE(readTable, silent, noLog, 0)
-    ->Name("table without a log, 1000 rows against 100/ours")
-    ->Arg(1000);
-BENCHMARK_CAPTURE(readTable, silent, noLog, 0)
-    ->Name("table without a log, 1000 rows against 100/reference")
-    ->Arg(100);
-BENCHMARK_CAPTURE(readTable, sinkless, logWithoutSink, 0)
-    ->Name("table with a sinkless log, 1000 rows against 100/ours")
-    ->Arg(1000);
-BENCHMARK_CAPTURE(readTable, sinkless, logWithoutSink, 0)
-    ->Name("table with a sinkless log, 1000 rows against 100/reference")
-    ->Arg(100);
-BENCHMARK_CAPTURE(readTable, traced, logWithSink, 0)
-    ->Name("table with a log, 1000 rows against 100/ours")
-    ->Arg(1000);
-BENCHMARK_CAPTURE(readTable, traced, logWithSink, 0)
-    ->Name("table with a log, 1000 rows against 100/reference")
-    ->Arg(100);
-BENCHMARK_CAPTURE(readTable, failed, logWithSink, 1)
-    ->Name("failure with a log, 1000 lines against 100/ours")
-    ->Arg(1000);
-BENCHMARK_CAPTURE(readTable, failed, logWithSink, 1)
-    ->Name("failure with a log, 1000 lines against 100/reference")
-    ->Arg(100);
+/// Reads a tool's answer, with a log of its own.
+Measure readingTable(std::size_t rows, const CZeTraceLogHandle& log, int status)
+{
+    const auto read = [log, table = tableOf(rows, status)] {
+        current = &table;
+        CKoDMPSupport support;
+        support.registerTraceLog(log);
+        std::string disk;
+        keep(support.getOSDiskHandleForKoVMDisk("arr0_17", disk));
+    };
+    return computing(read);
+}
+
+/// Time in proportion: ten times the lines cost ten times the time, also with a log, for whose
+/// messages the lines are joined. Many more lines would measure the processor's caches instead.
+void compareRows(const std::string& name, const CZeTraceLogHandle& log, int status)
+{
+    compare(name, {{"10", readingTable(10, log, status)},
+                   {"100", readingTable(100, log, status)},
+                   {"1000", readingTable(1000, log, status)}});
+}
 
 } // namespace
+
+int main()
+{
+    compareRows("read a table without a log", {}, 0);
+    compareRows("read a table with a log that has no sink", logWithoutSink(), 0);
+    compareRows("read a table with a log", logWithSink(), 0);
+    compareRows("read a failed tool's lines with a log", logWithSink(), 1);
+}
 
 namespace koze_pdk_4_4 {
 
@@ -92,8 +79,8 @@ int CZeExecPipeBase::Exec(const std::string& /*command*/, std::vector<std::strin
                           const std::string& /*user*/, const std::string& /*environment*/,
                           const std::string& /*input*/)
 {
-    output = answer().lines;
-    return answer().status;
+    output = current->lines;
+    return current->status;
 }
 
 } // namespace koze_pdk_4_4

@@ -1,6 +1,7 @@
-// What tracing costs a host, with and without a log.
-#include <benchmark/benchmark.h>
-
+// What tracing costs a host: a line to a file beside the same line made with vsnprintf and one
+// write, and an operation without a log and with one that wants nothing.
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -8,7 +9,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "benchmarks/comparison.h"
 #include "pdk/include/czetracelog.h"
+#include "providers/device/scsitool/dmp_claim_manager.h"
 
 namespace {
 
@@ -33,41 +36,66 @@ private:
     std::string m_path = (std::filesystem::temp_directory_path() / "trace-XXXXXX").string();
 };
 
-const std::string storedLine =
-    "2026-11-21T10:53:24.123+00:00 [47110] 6 Entering Function claim [24, dmp_claim_manager.cpp]\n";
+/// What a host would write instead of a log: the same line, in a buffer of its own.
+class PlainLog {
+public:
+    explicit PlainLog(int descriptor) : m_descriptor(descriptor) {}
 
-void lineToFile(benchmark::State& state)
+    void trace(int level, const char* format, ...) __attribute__((format(printf, 3, 4)))
+    {
+        char line[1024];
+        std::size_t size = prefix(line, sizeof line, level);
+        va_list arguments;
+        va_start(arguments, format);
+        size += static_cast<std::size_t>(
+            std::vsnprintf(line + size, sizeof line - size, format, arguments));
+        va_end(arguments);
+        line[size++] = '\n';
+        keep(write(m_descriptor, line, size));
+    }
+
+private:
+    static std::size_t prefix(char* line, std::size_t room, int level)
+    {
+        timespec now{};
+        clock_gettime(CLOCK_REALTIME, &now);
+        tm local{};
+        localtime_r(&now.tv_sec, &local);
+        const long offset = std::labs(local.tm_gmtoff) / 60;
+        return static_cast<std::size_t>(std::snprintf(
+            line, room, "%04d-%02d-%02dT%02d:%02d:%02d.%03ld%c%02ld:%02ld [%d] %d ",
+            local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
+            local.tm_sec, now.tv_nsec / 1000000, local.tm_gmtoff < 0 ? '-' : '+', offset / 60,
+            offset % 60, getpid(), level));
+    }
+
+    int m_descriptor;
+};
+
+void compareLines()
 {
+    static const std::string stored = "2026-11-21T10:53:24.123+00:00 [47110] 6 Entering Function "
+                                      "claim [24, dmp_claim_manager.cpp]\n";
     const ScratchFile file;
     const CZeTraceLogHandle log = new CZeTraceLog;
     log->setSink(new CZeTraceFileSink(6, file.path()));
-    for (auto _ : state)
-        log->trace(6, "Entering Function %s [%d, %s]", "claim", 24, "dmp_claim_manager.cpp");
-}
-
-void bareWrite(benchmark::State& state)
-{
-    const ScratchFile file;
     const int descriptor = file.open();
-    for (auto _ : state)
-        benchmark::DoNotOptimize(write(descriptor, storedLine.data(), storedLine.size()));
+    PlainLog plain(descriptor);
+    const auto trace = [](auto& one) {
+        one.trace(6, "Entering Function %s [%d, %s]", "claim", 24, "dmp_claim_manager.cpp");
+    };
+    const auto openEachTime = [&] {
+        const int own = file.open();
+        keep(write(own, stored.data(), stored.size()));
+        close(own);
+    };
+    compare("a line to a file",
+            {{"ours", computing([&] { trace(*log.get()); })},
+             {"vsnprintf and write", computing([&] { trace(plain); })},
+             {"write", computing([&] { keep(write(descriptor, stored.data(), stored.size())); })},
+             {"open, write, close", computing(openEachTime)}});
     close(descriptor);
 }
-
-void openPerLine(benchmark::State& state)
-{
-    const ScratchFile file;
-    for (auto _ : state) {
-        const int descriptor = file.open();
-        benchmark::DoNotOptimize(write(descriptor, storedLine.data(), storedLine.size()));
-        close(descriptor);
-    }
-}
-
-BENCHMARK(lineToFile)->Name("line to a file against a bare write/ours");
-BENCHMARK(bareWrite)->Name("line to a file against a bare write/reference");
-BENCHMARK(lineToFile)->Name("line to a file against opening it each time/ours");
-BENCHMARK(openPerLine)->Name("line to a file against opening it each time/reference");
 
 /// An operation of the size of a name question.
 class Operation : public CZeTraceable {
@@ -85,35 +113,36 @@ public:
     }
 };
 
-const std::string device = "/dev/disk/by-id/sdc";
-
-void tracedWithoutLog(benchmark::State& state)
+CZeTraceLogHandle quietLog()
 {
-    Operation operation;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(operation.traced(device));
-}
-
-void untraced(benchmark::State& state)
-{
-    Operation operation;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(operation.untraced(device));
-}
-
-void tracedAtUnwantedLevels(benchmark::State& state)
-{
-    Operation operation;
     const CZeTraceLogHandle log = new CZeTraceLog;
-    log->setSink(new CZeTraceCallbackSink(2, [](int, std::string_view) { std::abort(); }));
-    operation.registerTraceLog(log);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(operation.traced(device));
+    log->setSink(new CZeTraceCallbackSink(0, [](int, std::string_view) { std::abort(); }));
+    return log;
 }
 
-BENCHMARK(tracedWithoutLog)->Name("operation without a log against untraced/ours");
-BENCHMARK(untraced)->Name("operation without a log against untraced/reference");
-BENCHMARK(tracedAtUnwantedLevels)->Name("unwanted levels against no log/ours");
-BENCHMARK(tracedWithoutLog)->Name("unwanted levels against no log/reference");
+void compareQuietLogs()
+{
+    CZeTraceLogHandle log = quietLog();
+    const std::string device = "/dev/disk/by-id/sdc";
+    Operation silent;
+    Operation quiet;
+    quiet.registerTraceLog(log);
+    compare("an operation that traces",
+            {{"log that wants nothing", computing([&] { keep(quiet.traced(device)); })},
+             {"no log", computing([&] { keep(silent.traced(device)); })},
+             {"untraced", computing([&] { keep(silent.untraced(device)); })}});
+    CDmpClaimManager silentManager;
+    CDmpClaimManager quietManager;
+    quietManager.registerTraceLog(log);
+    compare("claim /dev/sdc with a log",
+            {{"log that wants nothing", computing([&] { keep(quietManager.claim("/dev/sdc")); })},
+             {"no log", computing([&] { keep(silentManager.claim("/dev/sdc")); })}});
+}
 
 } // namespace
+
+int main()
+{
+    compareLines();
+    compareQuietLogs();
+}

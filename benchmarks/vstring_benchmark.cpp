@@ -1,13 +1,12 @@
 // What the bounded string functions cost against functions of the same arguments that only make
 // the C library's calls: no check of pointers, no call into another library.
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
 #include <string>
 #include <vector>
 
+#include "benchmarks/comparison.h"
 #include "vstring/Y_strings.h"
 
 namespace {
@@ -143,41 +142,50 @@ struct Verify {
     static std::size_t call(const Strings& on)
     {
         std::size_t length = 0;
-        benchmark::DoNotOptimize(Functions::verify(on.src, on.size, &length));
+        keep(Functions::verify(on.src, on.size, &length));
         return length;
     }
 };
 
 /// Each round begins with a string of `length` characters in the destination.
 template <class Functions, class Operation, std::size_t bytes>
-void run(benchmark::State& state)
+Measure calling()
 {
-    auto& on = strings<typename Functions::Char, bytes>;
-    for (auto _ : state) {
+    return computing([] {
+        auto& on = strings<typename Functions::Char, bytes>;
         on.dst[on.length] = 0;
-        benchmark::ClobberMemory();
-        benchmark::DoNotOptimize(Operation::template call<Functions>(on));
-    }
+        keep(on);
+        keep(Operation::template call<Functions>(on));
+    });
 }
 
-#define PAIR(name, Ours, Operation, bytes)                                                         \
-    BENCHMARK(run<Ours, Operation, bytes>)->Name(name "/ours");                                    \
-    BENCHMARK(run<Reference<Ours::Char>, Operation, bytes>)->Name(name "/reference")
+template <class Ours, class Operation, std::size_t bytes>
+void compareAt(const std::string& name)
+{
+    compare(name, {{"ours", calling<Ours, Operation, bytes>()},
+                   {"C library", calling<Reference<typename Ours::Char>, Operation, bytes>()}});
+}
 
-#define PAIRS(name, Ours, Operation)                                                               \
-    PAIR(name " 16 B", Ours, Operation, 16);                                                       \
-    PAIR(name " 1 KiB", Ours, Operation, 1024);                                                    \
-    PAIR(name " 1 MiB", Ours, Operation, 1048576)
-
-PAIRS("Y_strlcpy", Narrow, Copy);
-PAIRS("Y_wcslcpy", Wide, Copy);
-PAIRS("Y_strlcat", Narrow, Append);
-PAIRS("Y_wcslcat", Wide, Append);
-PAIRS("Y_strlncpy", Narrow, CopyPadded);
-PAIRS("Y_wcslncpy", Wide, CopyPadded);
-PAIRS("Y_strlncat", Narrow, AppendCounted);
-PAIRS("Y_wcslncat", Wide, AppendCounted);
-PAIRS("Y_strverify", Narrow, Verify);
-PAIRS("Y_wstrverify", Wide, Verify);
+template <class Ours, class Operation>
+void compareSizes(const std::string& name)
+{
+    compareAt<Ours, Operation, 16>(name + " 16 B");
+    compareAt<Ours, Operation, 1024>(name + " 1 KiB");
+    compareAt<Ours, Operation, 1048576>(name + " 1 MiB");
+}
 
 } // namespace
+
+int main()
+{
+    compareSizes<Narrow, Copy>("Y_strlcpy");
+    compareSizes<Wide, Copy>("Y_wcslcpy");
+    compareSizes<Narrow, Append>("Y_strlcat");
+    compareSizes<Wide, Append>("Y_wcslcat");
+    compareSizes<Narrow, CopyPadded>("Y_strlncpy");
+    compareSizes<Wide, CopyPadded>("Y_wcslncpy");
+    compareSizes<Narrow, AppendCounted>("Y_strlncat");
+    compareSizes<Wide, AppendCounted>("Y_wcslncat");
+    compareSizes<Narrow, Verify>("Y_strverify");
+    compareSizes<Wide, Verify>("Y_wstrverify");
+}
