@@ -5,7 +5,6 @@
 #include <charconv>
 #include <csignal>
 #include <cstdlib>
-#include <ctime>
 #include <iterator>
 #include <limits>
 #include <new>
@@ -75,34 +74,43 @@ void appendField(std::string& line, const Field& field)
     line.append(std::max(field.width, count) - count, '0').append(digits, count);
 }
 
+} // namespace
+
+/// Formats the local time and its zone, unless the last line was of the same second: that takes
+/// longer than the rest of a line.
+void CZeTraceDescriptorSink::setSecond(std::time_t second)
+{
+    if (m_second == second)
+        return;
+    m_second.reset();
+    tm local{};
+    localtime_r(&second, &local);
+    m_time.clear();
+    for (const Field& field : {Field{"", local.tm_year + 1900, 4}, Field{"-", local.tm_mon + 1, 2},
+                               Field{"-", local.tm_mday, 2}, Field{"T", local.tm_hour, 2},
+                               Field{":", local.tm_min, 2}, Field{":", local.tm_sec, 2}})
+        appendField(m_time, field);
+    m_zone.clear();
+    const long offset = std::labs(local.tm_gmtoff) / 60;
+    appendField(m_zone, {local.tm_gmtoff < 0 ? "-" : "+", offset / 60, 2});
+    appendField(m_zone, {":", offset % 60, 2});
+    m_second = second;
+}
+
 /// Appends the time stamp with milliseconds and zone, the process id and the level, as every line
 /// begins.
-void appendPrefix(std::string& line, int level)
+void CZeTraceDescriptorSink::appendPrefix(std::string& line, int level)
 {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
-    tm local{};
-    localtime_r(&now.tv_sec, &local);
-    const long offset = std::labs(local.tm_gmtoff) / 60;
-    const Field fields[] = {
-        {"", local.tm_year + 1900, 4},
-        {"-", local.tm_mon + 1, 2},
-        {"-", local.tm_mday, 2},
-        {"T", local.tm_hour, 2},
-        {":", local.tm_min, 2},
-        {":", local.tm_sec, 2},
-        {".", now.tv_nsec / 1000000, 3},
-        {local.tm_gmtoff < 0 ? "-" : "+", offset / 60, 2},
-        {":", offset % 60, 2},
-        {" [", getpid(), 1},
-        {"] ", level, 1},
-    };
-    for (const Field& field : fields)
-        appendField(line, field);
+    setSecond(now.tv_sec);
+    line += m_time;
+    appendField(line, {".", now.tv_nsec / 1000000, 3});
+    line += m_zone;
+    appendField(line, {" [", getpid(), 1});
+    appendField(line, {"] ", level, 1});
     line += ' ';
 }
-
-} // namespace
 
 void CZeTraceDescriptorSink::write(int level, std::string_view text)
 {

@@ -1,5 +1,7 @@
 #include "printable_text.h"
 
+#include <algorithm>
+
 #include "pdk/include/czeprintable.h"
 
 namespace {
@@ -47,11 +49,25 @@ Character firstCharacter(std::string_view text)
     return {size, !koze_pdk_4_4::isControlCharacter(code)};
 }
 
+/// The number of printable ASCII characters that `text` begins with. Most texts have no others, and
+/// these are appended at once.
+std::size_t plainSize(std::string_view text)
+{
+    const auto* const end = std::find_if_not(text.begin(), text.end(),
+                                             [](char byte) { return byte >= ' ' && byte <= '~'; });
+    return static_cast<std::size_t>(end - text.begin());
+}
+
 } // namespace
 
 void appendPrintable(std::string& line, std::string_view text)
 {
-    while (!text.empty()) {
+    for (;;) {
+        const std::size_t plain = plainSize(text);
+        line += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (text.empty())
+            return;
         const Character character = firstCharacter(text);
         const std::string_view bytes = text.substr(0, character.size);
         if (character.isPrintable)

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/syscall.h>
@@ -18,7 +19,7 @@ using koze_pdk_4_4::CZeTraceFileSink;
 namespace {
 
 timespec now{};
-int asked = 0;
+std::size_t asked = 0;
 
 } // namespace
 
@@ -36,18 +37,34 @@ namespace {
 constexpr std::time_t january = 1768478400; // 2026-01-15T12:00:00Z
 constexpr std::time_t july = 1784116800;    // 2026-07-15T12:00:00Z
 
+void setZone(const char* zone)
+{
+    setenv("TZ", zone, 1); // NOLINT(concurrency-mt-unsafe): the only thread
+    tzset();
+}
+
+/// The stamps of lines that one sink writes at these times.
+std::vector<std::string> stampsAt(const std::vector<timespec>& times)
+{
+    const TemporaryFolder folder;
+    CZeTraceFileSink sink(6, folder.file("trace.log"));
+    asked = 0;
+    for (const timespec& time : times) {
+        now = time;
+        sink.write(2, "line");
+    }
+    EXPECT_EQ(asked, times.size());
+    std::vector<std::string> stamps;
+    for (const std::string& line : linesOf(folder.file("trace.log")))
+        stamps.push_back(line.substr(0, line.find(' ')));
+    return stamps;
+}
+
 /// The stamp of a line written at `seconds` and `nanoseconds` in a zone of the host's.
 std::string stampAt(const char* zone, std::time_t seconds, long nanoseconds = 0)
 {
-    const TemporaryFolder folder;
-    setenv("TZ", zone, 1); // NOLINT(concurrency-mt-unsafe): the only thread
-    tzset();
-    now = {seconds, nanoseconds};
-    asked = 0;
-    CZeTraceFileSink(6, folder.file("trace.log")).write(2, "line");
-    EXPECT_EQ(asked, 1);
-    const std::string line = textOf(folder.file("trace.log"));
-    return line.substr(0, line.find(' '));
+    setZone(zone);
+    return stampsAt({{seconds, nanoseconds}}).front();
 }
 
 TEST(TimeStamp, IsLocalTimeWithItsZone)
@@ -82,6 +99,32 @@ TEST(TimeStamp, HasMillisecondsThatAreCutAndFilledUp)
 TEST(TimeStamp, FillsUpWhatHasOneDigit)
 {
     EXPECT_EQ(stampAt("UTC0", 1775178309), "2026-04-03T01:05:09.000+00:00");
+}
+
+TEST(TimeStamp, FollowsAClockThatIsSetBack)
+{
+    setZone("UTC0");
+    EXPECT_THAT(
+        stampsAt({{january, 1000000},
+                  {january, 999000000},
+                  {january + 1, 0},
+                  {january + 86400, 0},
+                  {january, 5000000},
+                  {-1, 0},
+                  {0, 0}}),
+        testing::ElementsAre("2026-01-15T12:00:00.001+00:00", "2026-01-15T12:00:00.999+00:00",
+                             "2026-01-15T12:00:01.000+00:00", "2026-01-16T12:00:00.000+00:00",
+                             "2026-01-15T12:00:00.005+00:00", "1969-12-31T23:59:59.000+00:00",
+                             "1970-01-01T00:00:00.000+00:00"));
+}
+
+TEST(TimeStamp, ChangesItsZoneWithTheSecondInWhichTheClocksChange)
+{
+    setZone("CET-1CEST,M3.5.0,M10.5.0/3");
+    constexpr std::time_t lastOfWinter = 1774745999; // 2026-03-29T00:59:59Z
+    EXPECT_THAT(
+        stampsAt({{lastOfWinter, 0}, {lastOfWinter + 1, 0}}),
+        testing::ElementsAre("2026-03-29T01:59:59.000+01:00", "2026-03-29T03:00:00.000+02:00"));
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 #define CZETRACESINK_H
 
 #include <cstdint>
+#include <ctime>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -71,8 +73,14 @@ protected:
     int descriptor() const { return m_descriptor; }
 
 private:
+    CZE_LOCAL void setSecond(std::time_t second);
+    CZE_LOCAL void appendPrefix(std::string& line, int level);
+
     int m_descriptor;
     bool m_midLine = false;
+    std::optional<std::time_t> m_second; // of the texts below
+    std::string m_time;                  // 2026-11-21T10:53:24
+    std::string m_zone;                  // +00:00
 };
 
 /// Writes lines to standard error.
