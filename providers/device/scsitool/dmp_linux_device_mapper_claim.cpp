@@ -1,7 +1,6 @@
 #include "dmp_linux_device_mapper_claim.h"
 
 #include "dmp_trailing_digits.h"
-#include "vstring/Y_strings.h"
 
 namespace {
 
@@ -46,11 +45,9 @@ bool CDmpDeviceMapperClaim::isPartition(std::string device)
 std::string CDmpDeviceMapperClaim::appendPartitionSuffix(std::string device, unsigned int partnum)
 {
     CZE_TRACE_FUNCTION();
-    char suffix[32];
-    suffix[0] = '\0';
-    Y_snprintf(suffix, sizeof suffix, "p%d", static_cast<int>(partnum));
     const std::size_t diskLength = device.size();
-    device += suffix;
+    device += 'p';
+    appendNumber(device, partnum);
     CZE_TRACE(3,
               "INFO: CDmpDeviceMapperClaim::appendPartitionSuffix device [%s] partition[%s] "
               "partnum[%d]",

@@ -1,5 +1,6 @@
 #include "dmp_nativepath_claim.h"
 
+#include <algorithm>
 #include <chrono>
 #include <new>
 
@@ -11,7 +12,6 @@
 #include "kovm/tables.h"
 #include "pdk/include/czeexecpipe.h"
 #include "pdk/include/czestringtool.h"
-#include "vstring/Y_strings.h"
 
 using koze_pdk_4_4::CZeExecPipePosix;
 using koze_pdk_4_4::CZeStringTool;
@@ -22,6 +22,8 @@ namespace {
 using AceString = ACE_String_Base<char>;
 
 constexpr char deviceMarker[] = "/dev/sd";
+
+constexpr std::size_t longestPartition = 1023;
 
 constexpr unsigned long commandLimitSeconds = 600;
 
@@ -80,10 +82,10 @@ bool CNativePathClaim::isPartition(std::string device)
 std::string CNativePathClaim::appendPartitionSuffix(std::string device, unsigned int partnum)
 {
     CZE_TRACE_FUNCTION();
-    char partition[1024];
-    partition[0] = '\0';
-    Y_snprintf(partition, sizeof partition, "%s%d", device.c_str(), static_cast<int>(partnum));
-    return partition;
+    device.resize(std::min(device.find('\0'), device.size()));
+    appendNumber(device, partnum);
+    device.resize(std::min(device.size(), longestPartition));
+    return device;
 }
 
 std::string CNativePathClaim::removePartitionSuffix(std::string device, unsigned int& partnum)
