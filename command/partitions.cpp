@@ -30,7 +30,7 @@ the disk and number that the kernel has; status 64: there is no such device.
 Answers are printed bare, a line each: an empty line when there is none. On a
 terminal, unprintable bytes become \xNN. With -o they come as a table.)";
 
-/// Counts what the kernel does not have.
+/// Complains of what the kernel does not have, and remembers it for the exit status.
 class Missing {
 public:
     void add(const std::string& text)
@@ -100,7 +100,7 @@ void warnOfReading(const PartitionAnswer& answer, CDmpClaimManager& manager)
              partitionText(answer.partnum, answer.disk));
 }
 
-/// Puts the kernel's partition in the place of the name.
+/// Replaces the partition that the naming rule tells by the kernel's.
 void useExisting(PartitionAnswer& answer, const Machine& machine, Missing& missing)
 {
     const std::optional<std::string> byRule = std::exchange(answer.name, std::nullopt);
@@ -116,7 +116,7 @@ void useExisting(PartitionAnswer& answer, const Machine& machine, Missing& missi
         complain("the naming rule would say " + quoted(*byRule) + " for " + quoted(*answer.name));
 }
 
-/// Warns of a disk by name that does not exist, or whose partition has another name.
+/// Warns when the disk that the name tells does not exist, or calls its partition by another name.
 void warnOfDisk(const DeviceAnswer& answer, CDmpClaimManager& manager, const Machine& machine)
 {
     if (!hasNode(machine, *answer.disk))
@@ -129,7 +129,7 @@ void warnOfDisk(const DeviceAnswer& answer, CDmpClaimManager& manager, const Mac
                  ", not " + quoted(answer.name));
 }
 
-/// Puts the kernel's disk and number in the place of those by name.
+/// Replaces disk and number that the name tells by the kernel's.
 void useExisting(DeviceAnswer& answer, const Machine& machine, Missing& missing)
 {
     const std::optional<std::string> byName = std::exchange(answer.disk, std::nullopt);

@@ -55,7 +55,8 @@ void hintAtTarget(CDmpClaimManager& manager, const DeviceAnswer& answer)
                  shellWord(answer.name));
 }
 
-/// What the kernel has is for those who ask for it: most questions are about names alone.
+/// The usual columns are those that the name alone tells. The kernel's are chosen with -o: each
+/// costs reads of sysfs.
 Headings showHeadings(const Options& options)
 {
     const std::vector<Heading> all = headingsOf(deviceColumns());

@@ -8,7 +8,7 @@ namespace simulator {
 
 namespace {
 
-/// Whether the volume manager finds the node: a stale one only if it has another name meanwhile.
+/// Whether the volume manager finds the node. A stale one is found only by the name in `stale`.
 bool isShown(const Node& node)
 {
     return !node.stale || !node.stale->name.empty();

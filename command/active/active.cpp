@@ -136,7 +136,7 @@ TimeLimit parseTimeout(const std::optional<std::string>& text)
 LookupRules parseRules(const Options& options)
 {
     LookupRules rules;
-    rules.limit = parseTimeout(options.value("--timeout")); // first: it counts from the start
+    rules.limit = parseTimeout(options.value("--timeout")); // first: the time counts from here
     rules.refresh = options.isGiven("--refresh");
     rules.asGiven = options.isGiven("--as-given");
     rules.tries = parseTries(options);

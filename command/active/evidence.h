@@ -41,7 +41,7 @@ private:
 
     std::optional<ToolAnswer> m_node;
     std::optional<ToolAnswer> m_path; // nothing when the node was not asked for its path
-    ToolAnswer* m_current = nullptr;  // null when another tool was the last
+    ToolAnswer* m_current = nullptr;  // null when the last tool is none of these
     std::string m_nodeName;
     bool m_isPathNamed = false;
 };

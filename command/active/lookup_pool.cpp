@@ -106,7 +106,7 @@ LookupPool::State::Slot LookupPool::State::answer(const Task& task, unsigned int
         next = newSlot();
         answer.result = work(task.path, worker);
     } catch (const Interrupted&) {
-        stop(); // without this answer the window would never move on
+        stop(); // the window would wait for this answer forever
         return {};
     } catch (...) {
         answer.failure = std::current_exception();

@@ -41,8 +41,8 @@ public:
     ~LookupPool();
 
     /// Waits up to `patience` for the next answer and stores it in `result`. Throws what source or
-    /// work threw for that path, or std::bad_alloc; no answers follow then. At the end there is a
-    /// rest when a worker was interrupted.
+    /// work threw for that path, or std::bad_alloc; no answers follow then. When a worker was
+    /// interrupted, the end comes before some answers: takeRest has them.
     Next next(LookupResult& result, std::chrono::milliseconds patience);
 
     /// A path that was taken and not handed out.

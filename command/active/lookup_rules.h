@@ -13,8 +13,8 @@ struct LookupRules {
     bool refresh = false; // remove the disk's node first
     bool asGiven = false; // ask about a partition's own name
     TimeLimit limit;      // of all lookups together
-    /// The most attempts. Without a number, the library makes as many as it does by itself, and
-    /// pauses after the last one too.
+    /// The most attempts, without a pause after the last one. Nothing leaves number and pauses to
+    /// the library.
     std::optional<int> tries;
 
     /// The attempts and pauses of a lookup.

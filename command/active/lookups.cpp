@@ -116,8 +116,8 @@ Progress progressOf(const Options& options, const Workers& workers, std::size_t 
     return progress;
 }
 
-/// Whether the results that are not there yet are not waited for. After the time limit, lookups
-/// end when their tools have been ended.
+/// Whether to stop waiting for results. After the time limit, lookups end when their tools have
+/// been ended.
 bool isOver(const Workers& workers)
 {
     constexpr std::chrono::seconds patience{3}; // endTools takes two
@@ -140,7 +140,7 @@ LookupResult stuckResult(LookupResult result)
     return result;
 }
 
-/// Hands over the results that do not come in their order any more.
+/// Hands over what is left when the wait for results has stopped.
 void receiveRest(LookupPool& pool, const ResultReceiver& receiver, const StopRequest& stop)
 {
     for (LookupPool::Rest& rest : pool.takeRest()) {

@@ -24,10 +24,10 @@ struct ResultReceiver {
 };
 
 /// Looks up the active paths of `options.paths` and hands the results over in their order. Returns
-/// false when the time limit passed before standard input ended: the paths behind are missing.
+/// false when the time limit passed before standard input ended: later paths have no results.
 ///
 /// A signal that interrupts it exits the process, see Interrupt, after the receiver got the results
-/// that were there. When the time limit passes, the tools are ended, and the paths without an
+/// so far. When the time limit passes, the tools are ended, and the paths without an
 /// answer get results that say so. Throws what the receiver and PathSource throw, after it has
 /// ended the tools; threads that are in a pause, or whose tool does not end, are then detached.
 bool lookUpActivePaths(const Options& options, const LookupOptions& lookup,

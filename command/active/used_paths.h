@@ -10,9 +10,9 @@
 
 namespace command {
 
-/// The paths through which the kernel's own multipathing sends the requests of the disk that a path
-/// names, is a partition of or is a path of: a map of the device-mapper or an NVMe disk. Nothing
-/// for other disks, and when the kernel does not say: only root may ask about maps.
+/// The paths that the kernel's own multipathing uses for the disk of a device: `path` names the
+/// disk, a partition or a path of it. Nothing when the disk is neither a map of the device-mapper
+/// nor an NVMe disk, and when the kernel does not say: only root may ask about maps.
 std::optional<Texts> usedPaths(const Machine& machine, const std::string& path,
                                const ReadMapStatus& readMapStatus);
 

@@ -45,8 +45,8 @@ public:
         m_output.flush();
     }
 
-    /// Writes what is held back when an interrupt left rows out: a JSON document says so. Gives an
-    /// output up that takes no more.
+    /// Writes what is held back when an interrupt left rows out: a JSON document says so. Gives up
+    /// when the output takes no more.
     void endEarly()
     {
         constexpr std::chrono::milliseconds patience{500};

@@ -14,8 +14,8 @@ struct Options;
 
 /// An option of one subcommand.
 struct OwnOption {
-    const char* names; // as declared: "-j,--jobs"; with the value of an option that goes without
-                       // one: "-w{2}"
+    const char* names; // as CLI11 takes them: "-j,--jobs"; braces hold the value that stands for
+                       // one that is left out: "-w{2},--watch{2}"
     const char* value; // as help shows it: " N", or "[=N]" if it may be left out; null for a flag
     std::string help;
 

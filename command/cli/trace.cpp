@@ -13,7 +13,7 @@ namespace command {
 
 namespace {
 
-/// Adds the lines that it lost to the others' when it is deleted.
+/// Its destructor adds the number of lines that it lost to the count of all sinks.
 class CountingFileSink : public CZeTraceFileSink {
 public:
     CountingFileSink(int level, const std::string& path, std::shared_ptr<LostLines> lost)

@@ -65,7 +65,7 @@ std::string questionOf(const std::string& command)
     return command.substr(0, tool) + ' ' + command.substr(begin, command.find(' ', begin) - begin);
 }
 
-/// The disks that one failure kept from being examined.
+/// Disks that could not be examined, all for the same reason. They share one finding.
 struct FailedDisks {
     const DiskAnswer* first;
     std::vector<std::string> disks;
@@ -77,7 +77,7 @@ struct FailedDisks {
     }
 };
 
-bool isAsUnknown(const DiskAnswer& answer)
+bool seemsUnknown(const DiskAnswer& answer)
 {
     return answer.outcome == Outcome::noNode || answer.outcome == Outcome::refused;
 }
@@ -132,7 +132,7 @@ private:
     bool isNotHeld(const DiskAnswer& answer) const
     {
         const std::string disk = CNativePathClaim().removeDevPrefix(answer.path);
-        return m_knowsOthers && isAsUnknown(answer) && m_held.count(disk) == 0;
+        return m_knowsOthers && seemsUnknown(answer) && m_held.count(disk) == 0;
     }
 
     void addFailure(const DiskAnswer& answer)
@@ -150,11 +150,11 @@ private:
         const Failure& failure = *failureOf(failed.first->outcome);
         const std::string& command = failed.first->command;
         const std::string disks = counted(failed.disks.size(), "disk");
-        const bool isHeldBack = failure.code != Code::noDiskHeld;
+        const bool isToolAtFault = failure.code != Code::noDiskHeld;
         m_report({failure.code, questionOf(command),
-                  failed.first->reason + (isHeldBack ? "; it kept " : " for ") + disks +
-                      (isHeldBack ? " from being examined: " : ": ") + joined(failed.disks),
-                  failure.advice, shellCommand(isHeldBack ? command : kovm::rescan({}))});
+                  failed.first->reason + (isToolAtFault ? "; it kept " : " for ") + disks +
+                      (isToolAtFault ? " from being examined: " : ": ") + joined(failed.disks),
+                  failure.advice, shellCommand(isToolAtFault ? command : kovm::rescan({}))});
     }
 
     /// The disk's node and the path that the library would return for it.
@@ -201,7 +201,7 @@ bool holdsAny(const std::vector<DiskAnswer>& answers)
 
 bool mayBeUnknown(const std::vector<DiskAnswer>& answers)
 {
-    return std::any_of(answers.begin(), answers.end(), isAsUnknown);
+    return std::any_of(answers.begin(), answers.end(), seemsUnknown);
 }
 
 void reportAnswers(const std::vector<DiskAnswer>& answers, bool knowsOthers,

@@ -9,10 +9,10 @@
 
 namespace command {
 
-/// Whether the volume manager holds one of the disks, so that its tools do work.
+/// Whether the volume manager holds one of the disks. Its tools work then.
 bool holdsAny(const std::vector<DiskAnswer>& answers);
 
-/// Whether the tools answered for one of the disks as they do for a disk that is unknown to them.
+/// Whether the tools seem not to know one of the disks.
 bool mayBeUnknown(const std::vector<DiskAnswer>& answers);
 
 /// Reports what the tools answered about each disk. Failures of the same kind are one finding that

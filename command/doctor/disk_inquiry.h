@@ -20,8 +20,8 @@ struct InquiryOptions {
 };
 
 /// Asks about `disks`; returns an answer for each, in order. After an answer that must be the last,
-/// or once `stop` is requested, the disks that are left are notAsked. A thread whose tool does not
-/// end then is left to itself. Throws what a thread threw.
+/// or once `stop` is requested, the remaining disks are notAsked. A thread whose tool does not end
+/// is detached then. Throws what a thread threw.
 std::vector<DiskAnswer> askAboutDisks(const std::vector<std::string>& disks,
                                       const InquiryOptions& options,
                                       const std::shared_ptr<StopRequest>& stop);

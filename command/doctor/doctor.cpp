@@ -58,10 +58,10 @@ command with status 130, 143, 129 or 131, once it has reported what it knows.
 
 -J, --json-lines, --color, --trace and the statuses 1 and 2: see 'dmpclaim --help'.)";
 
-/// A shorter run needs no progress.
+/// When the first progress is shown: most runs have ended before.
 constexpr std::chrono::seconds beforeProgress{1};
 
-/// Shows on a terminal how far a longer run is.
+/// Shows on a terminal how far the examination is.
 class Progress {
 public:
     /// Shows nothing where trace lines go to standard error.
@@ -89,7 +89,8 @@ int exitStatus(const FindingCounts& counts)
     return countOf(counts, Severity::warning) > 0 ? 64 : 0;
 }
 
-/// Standard input is read here, before an interrupt has to wait for it.
+/// Reads standard input to its end. Called before Interrupt blocks the signals, which would then
+/// wait for that end.
 std::vector<std::string> givenPaths(const Options& options)
 {
     std::vector<std::string> paths;
@@ -146,7 +147,7 @@ Findings::Use useOf(DoctorForm form)
 int diagnose(const Options& options, const DoctorOptions& own, OutputStream& output)
 {
     const std::vector<Module> modules = makeModules({});
-    const auto stop = std::make_shared<StopRequest>(); // a thread whose tool hangs may outlive us
+    const auto stop = std::make_shared<StopRequest>(); // threads may outlive this call
     Progress progress(options.trace);
     Findings findings(own.filter, useOf(own.form), output);
     std::optional<ReportWriter> document;
@@ -167,7 +168,7 @@ int diagnose(const Options& options, const DoctorOptions& own, OutputStream& out
     });
     progress.line().erase();
     if (own.form == DoctorForm::metrics) {
-        interrupt.finish(); // an interrupted run replaces no metrics
+        interrupt.finish(); // does not return after a signal, so that the old metrics stay
         return writeMetrics(own, report, findings, output);
     }
     if (document)
@@ -177,7 +178,7 @@ int diagnose(const Options& options, const DoctorOptions& own, OutputStream& out
     return status;
 }
 
-/// A plugin says on its line, and by its status, that it does not know.
+/// Reports an error as a monitoring plugin does: UNKNOWN on its line, and status 3.
 int check(const Options& options, OutputStream& output)
 {
     try {

@@ -31,7 +31,7 @@ unsigned int number(const Options& options, const char* option, unsigned int mos
     return *value;
 }
 
-/// Throws when two of the options are given, which ask for different outputs.
+/// Throws when two options are given that ask for different outputs.
 DoctorForm formOf(const Options& options)
 {
     struct Choice {

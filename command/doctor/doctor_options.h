@@ -22,7 +22,7 @@ struct DoctorOptions {
     bool isQuiet = false;
     unsigned int jobs = 1;
     std::size_t expectedPaths = 0;               // 0: any number
-    std::optional<std::chrono::seconds> timeout; // none: as long as it takes
+    std::optional<std::chrono::seconds> timeout; // none: no limit
     std::optional<std::string> outputFile;       // of the metrics; none: standard output
 };
 

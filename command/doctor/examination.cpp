@@ -28,11 +28,11 @@ using Clock = std::chrono::steady_clock;
 
 constexpr char driverList[] = "/proc/devices";
 
-/// How many names are read between two looks at the clock.
+/// How many names are read between two updates of the progress.
 constexpr std::size_t namesPerProgress = 1024;
 
 /// How many disks are asked about to learn whether the tools know any.
-constexpr std::size_t mostWitnesses = 8;
+constexpr std::size_t mostOtherDisks = 8;
 
 class Examination {
 public:
@@ -114,7 +114,7 @@ private:
     void askTools(const std::vector<std::string>& disks)
     {
         std::vector<DiskAnswer> answers = ask(disks);
-        const bool knowsOthers = holdsAny(answers) || aWitnessIsHeld(disks, answers);
+        const bool knowsOthers = holdsAny(answers) || holdsOtherDisk(disks, answers);
         reportAnswers(answers, knowsOthers, m_receiver);
         m_report.end = m_stop->reason();
         if (m_report.end != StopReason::none)
@@ -140,20 +140,21 @@ private:
         return askAboutDisks(disks, options, m_stop);
     }
 
-    /// Whether the volume manager holds another disk of this machine. Asked only when it matters:
-    /// then a disk that it does not hold tells nothing about the tools.
-    bool aWitnessIsHeld(const std::vector<std::string>& disks,
+    /// Whether the volume manager holds another disk of this machine: its tools work then, and a
+    /// given disk that they do not know is not the volume manager's. Asks the tools only when a
+    /// given disk may be unknown to them.
+    bool holdsOtherDisk(const std::vector<std::string>& disks,
                         const std::vector<DiskAnswer>& answers)
     {
         if (m_order.paths.empty() || m_stop->isRequested() || !mayBeUnknown(answers))
             return false;
         const std::unordered_set<std::string> asked(disks.begin(), disks.end());
-        std::vector<std::string> witnesses;
+        std::vector<std::string> others;
         for (const std::string& disk : nativeDisks()) {
-            if (asked.count(disk) == 0 && witnesses.size() < mostWitnesses)
-                witnesses.push_back(disk);
+            if (asked.count(disk) == 0 && others.size() < mostOtherDisks)
+                others.push_back(disk);
         }
-        return holdsAny(ask(witnesses));
+        return holdsAny(ask(others));
     }
 
     void reportEnd(const std::vector<DiskAnswer>& answers)
@@ -221,7 +222,7 @@ private:
         return devices;
     }
 
-    /// Who asks about a path of a disk has not asked about the disk's other paths.
+    /// Checks the given paths of the disk only: the user has not asked about its other paths.
     void checkGivenPaths(const MultipathDisk& disk, const std::unordered_set<std::string>& given)
     {
         for (const ExaminedPath& path : disk.paths) {

@@ -29,7 +29,7 @@ std::string showPaths(const MultipathDisk& disk)
 
 constexpr char checkCables[] = "Check the cables, the switches and the array.";
 
-std::string leftOf(const MultipathDisk& disk)
+std::string usableCount(const MultipathDisk& disk)
 {
     return std::to_string(disk.usablePaths()) + " of " + counted(disk.paths.size(), "path");
 }
@@ -60,9 +60,9 @@ Finding stateOf(const MultipathDisk& disk)
                 lost.empty() ? "it has no path" : "no path is left: " + lost, checkCables,
                 showPaths(disk)};
     if (usable == 1)
-        return {Code::onePathLeft, disk.device, lost + "; " + leftOf(disk) + " is left",
+        return {Code::onePathLeft, disk.device, lost + "; " + usableCount(disk) + " is left",
                 checkCables, showPaths(disk)};
-    return {Code::pathLost, disk.device, lost + "; " + leftOf(disk) + " are left", checkCables,
+    return {Code::pathLost, disk.device, lost + "; " + usableCount(disk) + " are left", checkCables,
             showPaths(disk)};
 }
 

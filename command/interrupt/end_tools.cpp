@@ -23,7 +23,7 @@ bool endTools(const StopRequest& stop)
     ToolProcesses tools;
     for (;;) {
         const Clock::duration passed = Clock::now() - begin;
-        const bool toolsRun = stop.toolsRun(); // read first: `update` then finds what they left
+        const bool toolsRun = stop.toolsRun(); // first: `update` finds what an ended tool left
         tools.update();
         if (!toolsRun && !tools.areAlive())
             return true;

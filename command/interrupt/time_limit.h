@@ -6,7 +6,7 @@
 
 namespace command {
 
-/// When a command has to end; nothing when it may take as long as it takes.
+/// When a command has to end; nothing without a limit.
 using TimeLimit = std::optional<std::chrono::steady_clock::time_point>;
 
 } // namespace command

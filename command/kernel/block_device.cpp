@@ -149,7 +149,7 @@ std::optional<bool> BlockDevice::isPreferredPath() const
     return flag("device/preferred_path");
 }
 
-/// The first eleven numbers of the attribute "stat", which newer kernels go on with others:
+/// The first eleven numbers of the attribute "stat"; newer kernels add others:
 ///
 ///     reads merged sectors ms writes merged sectors ms in-flight busy-ms weighted-ms
 std::optional<IoCounters> BlockDevice::ioCounters() const

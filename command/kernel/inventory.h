@@ -17,7 +17,7 @@ namespace command {
 /// The block devices that the kernel has, read from sysfs without privileges.
 ///
 /// Takes time in proportion to the devices. Used by one thread: relations are read when they are
-/// first asked for. Nothing throws but for memory; a device that vanishes has no facts any more.
+/// first asked for. Throws std::bad_alloc only. A device that vanishes loses its facts.
 class Inventory {
 public:
     using Devices = std::vector<const BlockDevice*>;
@@ -40,11 +40,11 @@ public:
     const BlockDevice* mapNamed(std::string_view name) const;
     const BlockDevice* numbered(const DeviceNumber& number) const;
 
-    /// The device whose node the path leads to, links followed. Where nothing stands there, the
-    /// device whose own path it is. For a path that does not begin with "/dev/" only a node counts.
+    /// The device whose node the path leads to, links followed. A device whose node in "/dev/"
+    /// is missing is found by the path of that node.
     const BlockDevice* at(const std::string& path) const;
 
-    /// What stands at the path, links followed.
+    /// The file at the path, links followed.
     Node nodeAt(const std::string& path) const { return command::nodeAt(m_roots.fileOf(path)); }
 
     /// The disk of a partition, also when both are maps; else null.

@@ -17,16 +17,16 @@ public:
 
     const Inventory& inventory() const;
 
-    /// What stands at the path, links followed. Does not read the inventory.
+    /// The file at the path, links followed. Does not read the inventory.
     Node nodeAt(const std::string& path) const { return command::nodeAt(m_roots.fileOf(path)); }
 
-    /// The device that the text means; null when there is none. Reads the inventory only when there
-    /// is one.
+    /// The device that the text means; null when there is none. Does not read the inventory for a
+    /// text that is no device's node, number or name.
     ///
     ///     text = path | kernel-name | number          /dev/disk/by-id/x, dm-0, 254:0
     const BlockDevice* resolve(const std::string& text) const;
 
-    /// The same, but a device that has no node is also found by the path that its node would have.
+    /// The same, and finds a device whose node is missing by the path of that node.
     const BlockDevice* find(const std::string& text) const;
 
 private:

@@ -21,10 +21,10 @@ const char* driverName(PathDriver driver);
 
 enum class PathState {
     active,  // requests go through it
-    standby, // works, and waits until others fail or the array changes its mind
-    unknown, // not told, mostly because only root is
+    standby, // works; is used when others fail or the array prefers it
+    unknown, // the device-mapper tells root only
     offline, // the kernel has taken the device out of use
-    failed   // its driver has given it up
+    failed   // the multipath driver has stopped using it
 };
 
 inline constexpr PathState allPathStates[] = {PathState::active, PathState::standby,
@@ -60,8 +60,9 @@ struct DiskPaths {
     bool hasLostPath() const;
 };
 
-/// The disk that a device is, is a partition of, or is a path of, with the device that has all its
-/// paths: a multipath map, or an NVMe disk. Null for devices that are no hardware, such as LVM's.
+/// The disk of a device, which may be the disk itself, a partition or a path of it. A disk with
+/// several paths is its multipath map or its NVMe disk. Null for devices that are no hardware, such
+/// as LVM's.
 const BlockDevice* diskOf(const Inventory& inventory, const BlockDevice& device);
 
 /// Whether the kernel has a driver over the disk that knows of several paths. REQUIRES: the disk

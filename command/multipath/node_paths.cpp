@@ -15,7 +15,7 @@ PathState stateOf(const kovm::Row& row)
     return row.isActive() ? PathState::active : PathState::standby;
 }
 
-/// A name that is no kernel's, or that the kernel has lost, stays with the path.
+/// The path keeps the name of the row, also when the kernel has no such device.
 DiskPath pathOf(const Inventory& inventory, const kovm::Row& row)
 {
     const std::string name = "/dev/" + row.name;

@@ -19,7 +19,7 @@ std::optional<bool> isLive(const NvmeController& controller)
     return controller.state ? std::optional(*controller.state == "live") : std::nullopt;
 }
 
-/// A controller that lives, and has no path to the disk, has none to lose.
+/// A live controller without a path serves other disks of its subsystem: it has lost nothing.
 bool isPath(const NvmePath& path)
 {
     return path.device != nullptr || isLive(path.controller) == false;

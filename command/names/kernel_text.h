@@ -19,7 +19,7 @@ struct LabelledText {
 /// the name tells that. Empty when no kernel is asked.
 std::vector<LabelledText> kernelTexts(const DeviceAnswer& answer);
 
-/// Where a path that nobody claims leads to, when a driver claims that; else null.
+/// The device that an unclaimed path leads to, if a driver claims the device's own path; else null.
 const BlockDevice* claimedTarget(CDmpClaimManager& manager, const DeviceAnswer& answer);
 
 } // namespace command

@@ -55,7 +55,8 @@ void JsonOutput::finish()
         m_output.write(endOf(std::move(m_text), false), {});
 }
 
-/// The first element comes with the document's beginning, and changes its end.
+/// The first element is written with the beginning of the document. From then on, an interrupted
+/// document ends by closing the array.
 void JsonOutput::writeElement()
 {
     if (!m_isDocument)

@@ -181,7 +181,7 @@ void JsonText::end(char bracket)
     m_isFirst = false;
 }
 
-/// Separates the next key or value from what stands before it.
+/// Writes what comes between the last element and the next key or value.
 void JsonText::separate()
 {
     if (m_hasKey) {

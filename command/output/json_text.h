@@ -62,9 +62,9 @@ private:
     void addStep(const Step& step);
 
     bool m_isIndented;
-    bool m_isFirst = true;   // nothing stands on this level
-    bool m_hasKey = false;   // the next value has its key before it
-    std::size_t m_depth = 0; // levels that are open
+    bool m_isFirst = true;   // this level has no element yet
+    bool m_hasKey = false;   // the key of the next value is written
+    std::size_t m_depth = 0; // the number of open levels
     std::string m_text;
 };
 

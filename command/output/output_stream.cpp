@@ -57,7 +57,7 @@ std::size_t OutputStream::height() const
 
 bool OutputStream::wait(std::chrono::milliseconds time) const
 {
-    pollfd reader{m_descriptor, 0, 0}; // errors are told without being asked for
+    pollfd reader{m_descriptor, 0, 0}; // poll reports POLLERR for any events
     return poll(&reader, 1, static_cast<int>(time.count())) <= 0;
 }
 
@@ -101,7 +101,7 @@ void OutputStream::add(std::string_view bytes)
         drain();
 }
 
-/// Gives the buffer up: some of it may have been written.
+/// Drops the buffer, because some of it may have been written.
 void OutputStream::fail()
 {
     const int error = errno;

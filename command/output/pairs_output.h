@@ -13,8 +13,8 @@ namespace command {
 ///
 ///     NAME="/dev/sda1" OWNER="native" PARTNUM="1"
 ///
-/// A field without a value is empty. What a shell would not leave alone between the quotes, and
-/// each byte that is not printable ASCII, becomes \xNN.
+/// A field without a value is empty. Characters that a shell expands between double quotes, and
+/// bytes that are not printable ASCII, become \xNN.
 class PairsOutput : public RowWriter {
 public:
     PairsOutput(OutputStream& output, std::vector<Heading> headings)

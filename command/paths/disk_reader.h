@@ -39,8 +39,8 @@ struct DiskList {
     std::vector<std::string> notes; // sentences without a full stop
     bool hasUnknown = false;        // a given DEVICE is no disk
 
-    /// 0: every disk has a used path, and none has lost one; 64: some have lost one; 32: some have
-    /// none; 1: neither is known, but not all is.
+    /// 32: a disk has no used path, or a given DEVICE is no disk; else 64: a disk has lost a path;
+    /// else 1: of some disk it is not known whether a path is used; else 0.
     int exitStatus() const;
 };
 

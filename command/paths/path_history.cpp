@@ -10,7 +10,7 @@ using Change = PathChange::Kind;
 
 const DiskFacts noFacts;
 
-/// What a change is a change of:  "1 active used"
+/// What is compared from reading to reading, group, state and use:  "1 active used"
 std::string summary(const DiskPath& path)
 {
     const char* used = !path.isUsed ? "" : *path.isUsed ? " used" : " unused";
@@ -28,7 +28,7 @@ DiskPath withoutDevice(DiskPath path)
     return path;
 }
 
-/// What became of a counter in a second; 0 when it has begun anew.
+/// By how much a counter has grown in a second; 0 when it was reset.
 std::int64_t perSecond(std::uint64_t before, std::uint64_t after, double seconds)
 {
     return after < before ? 0 : std::llround(static_cast<double>(after - before) / seconds);
@@ -79,7 +79,7 @@ void PathHistory::compare(Known& known, const DiskPath& path, const Moment& now)
         known.change = PathChange{Change::changed, now.time, was};
 }
 
-/// Paths that are gone stay among the rows, so that they are seen. Their state is unknown.
+/// Adds rows for paths that are gone, in an unknown state, so that the user sees the loss.
 void PathHistory::takeGone(const Moment& now, Rows& rows)
 {
     for (auto& [key, known] : m_known) {

@@ -79,7 +79,7 @@ void write(AnswerRows<PathAnswer>& rows, const DiskList& list)
     rows.finish();
 }
 
-/// A line of JSON for each change has all columns, as other JSON has.
+/// JSON has all columns, also in the lines that --watch writes.
 Headings headings(const Options& options)
 {
     const std::vector<Heading> all = headingsOf(pathColumns(true));
@@ -99,7 +99,7 @@ VolumeManager volumeManager(const CZeTraceLogHandle& log, StopRequest& stop)
             [log, &stop](const std::string& node) { return askAboutNode(node, log, stop); }};
 }
 
-/// Reads the disks in a thread, which is what Interrupt requires of those that start tools.
+/// Reads the disks in a thread of its own: the main thread must start no tools, see Interrupt.
 DiskList readInThread(const PathSources& sources, const WantedDisks& wanted)
 {
     DiskList list;
