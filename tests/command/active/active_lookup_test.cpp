@@ -1,55 +1,10 @@
-#include "active/active_lookup.h"
-
-#include <gmock/gmock.h>
-
-#include "tests/command/answer_json.h"
+#include "scripted_lookup.h"
 #include "tests/support/recording_log.h"
-#include "tests/support/scripted_tools.h"
 
 namespace {
 
-using command::ActiveLookup;
-using command::Interrupted;
-using command::LookupRules;
-using command::LookupStatus;
-using command::StopReason;
-using command::StopRequest;
 using koze_pdk_4_4::CZeTraceCallbackSink;
 using Row = nlohmann::ordered_json;
-
-constexpr char nodeQuery[] = "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc";
-constexpr char pathQuery[] = "/usr/sbin/kodmpadm   getsubpaths  dmpnodename=arr0_17";
-constexpr char rescan[] = "/usr/sbin/kodisk   scandisks  device=sdc";
-const std::vector<std::string> nodeTable{"NAME STATE", "====", "arr0_17 ENABLED"};
-const std::vector<std::string> pathTable{"NAME STATE", "====", "sdf ENABLED(A) PRIMARY"};
-
-class ActiveLookupTest : public testing::Test {
-protected:
-    Row lookUp(const std::string& path, bool refresh = false)
-    {
-        rules.refresh = refresh;
-        return answerJson(ActiveLookup(rules, sink, stop, status).run(path),
-                          command::lookupColumns());
-    }
-
-    void findAtOnce() { tools.answer(nodeQuery, 0, nodeTable).answer(pathQuery, 0, pathTable); }
-
-    ScriptedTools tools;
-    LookupRules rules;
-    StopRequest stop;
-    LookupStatus status;
-    koze_pdk_4_4::CZeTraceSinkHandle sink;
-};
-
-std::vector<std::string> outline(const Row& row)
-{
-    std::vector<std::string> steps;
-    for (const Row& step : row["timeline"])
-        steps.push_back(step.contains("wait")
-                            ? "wait"
-                            : step["command"].get<std::string>() + ": " + step["result"].dump());
-    return steps;
-}
 
 TEST_F(ActiveLookupTest, TellsTheActivePathAndHowItWasFound)
 {
@@ -114,8 +69,7 @@ TEST_F(ActiveLookupTest, OtherDriversPathsMayHoldAnything)
 
 TEST_F(ActiveLookupTest, AnActivePathThatLeavesDevHasAWarning)
 {
-    tools.answer(nodeQuery, 0, nodeTable);
-    tools.answer(pathQuery, 0, {"NAME STATE", "====", "../etc/shadow ENABLED(A) PRIMARY"});
+    findAtOnce("../etc/shadow ENABLED(A) PRIMARY");
     const Row row = lookUp("/dev/sdc");
     EXPECT_EQ(row["active"], "/dev/../etc/shadow");
     EXPECT_EQ(row["changed"], true);
@@ -150,77 +104,6 @@ TEST_F(ActiveLookupTest, TheUsersSinkGetsTheLinesThatItWants)
                                      Line{3, std::string("ExecuteCommand command: ") + pathQuery}));
 }
 
-TEST_F(ActiveLookupTest, AfterTheRequestToStopNoToolStarts)
-{
-    stop.request();
-    EXPECT_THROW(lookUp("/dev/sdc"), Interrupted);
-    EXPECT_TRUE(tools.events.empty());
-    EXPECT_FALSE(stop.toolsRun());
-}
-
-TEST_F(ActiveLookupTest, TheRequestToStopEndsItAfterTheToolThatRuns)
-{
-    tools.answer({nodeQuery, 1015, {}, [this] {
-                      EXPECT_TRUE(stop.toolsRun());
-                      stop.request();
-                  }});
-    EXPECT_THROW(lookUp("/dev/sdc"), Interrupted);
-    EXPECT_FALSE(stop.toolsRun());
-    EXPECT_EQ(tools.liveRunners, 0);
-    EXPECT_EQ(tools.events.back(), nodeQuery);
-}
-
-TEST_F(ActiveLookupTest, TheTimeLimitIsAnOutcome)
-{
-    tools.answer({nodeQuery, 1015, {}, [this] { stop.request(StopReason::timeLimit); }});
-    const Row row = lookUp("/dev/sdc2");
-    EXPECT_EQ(row["result"], "timed-out");
-    EXPECT_EQ(row["reason"], "the time limit passed during kodmpadm getdmpnode");
-    EXPECT_EQ(row["active"], "/dev/sdc2");
-    EXPECT_EQ(row["disk"], "/dev/sdc");
-    EXPECT_THAT(outline(row), testing::ElementsAre(nodeQuery + std::string(": 1015")));
-    EXPECT_EQ(tools.liveRunners, 0);
-}
-
-TEST_F(ActiveLookupTest, AfterTheTimeLimitNoToolStarts)
-{
-    stop.request(StopReason::timeLimit);
-    const Row row = lookUp("/dev/sdc");
-    EXPECT_EQ(row["result"], "timed-out");
-    EXPECT_EQ(row["owner"], "native");
-    EXPECT_EQ(lookUp("/dev/mapper/mpatha")["result"], "not-asked");
-    EXPECT_EQ(lookUp("sdc")["result"], "not-claimed");
-    EXPECT_TRUE(tools.events.empty());
-}
-
-TEST_F(ActiveLookupTest, APauseThatTheTimeLimitDoesNotAllowIsNotBegun)
-{
-    rules.limit = command::Timeline::Clock::now() + std::chrono::seconds(5);
-    tools.answer(nodeQuery, 3);
-    EXPECT_EQ(lookUp("/dev/sdc")["result"], "tool-failed");
-    rules.limit = *rules.limit + std::chrono::hours(1);
-    tools.answer(nodeQuery, 3).answer(rescan, 0);
-    findAtOnce();
-    EXPECT_EQ(lookUp("/dev/sdc")["result"], "confirmed");
-}
-
-TEST_F(ActiveLookupTest, AfterTheLastAttemptThereIsNoPause)
-{
-    rules.tries = 2;
-    tools.answer(nodeQuery, 3).answer(rescan, 0).answer(nodeQuery, 3);
-    const Row row = lookUp("/dev/sdc");
-    EXPECT_EQ(row["active"], "/dev/sdc");
-    EXPECT_EQ(row["reason"], "kodmpadm getdmpnode ended with status 3 (2 attempts)");
-    EXPECT_EQ(row["timeline"].size(), 4U);
-}
-
-TEST_F(ActiveLookupTest, ByItselfTheLibraryPausesAfterTheLastAttemptToo)
-{
-    for (int attempt = 0; attempt < 4; ++attempt)
-        tools.answer(nodeQuery, 3).answer(rescan, 0);
-    EXPECT_EQ(lookUp("/dev/sdc")["timeline"].size(), 12U);
-}
-
 TEST_F(ActiveLookupTest, WithoutToolsItIsNotInstalled)
 {
     tools.installed = false;
@@ -242,8 +125,7 @@ TEST_F(ActiveLookupTest, APartitionsNumberIsKeptAsItIsWritten)
 
 TEST_F(ActiveLookupTest, APartitionOfTheActiveDiskComesBackAsItWasGiven)
 {
-    tools.answer(nodeQuery, 0, nodeTable);
-    tools.answer(pathQuery, 0, {"NAME STATE", "====", "sdc ENABLED(A) PRIMARY"});
+    findAtOnce("sdc ENABLED(A) PRIMARY");
     const Row row = lookUp("/dev/sdc007");
     EXPECT_EQ(row["active"], "/dev/sdc007");
     EXPECT_EQ(row["changed"], false);
@@ -264,24 +146,6 @@ TEST_F(ActiveLookupTest, AsGivenThePartitionsOwnNameIsAskedAbout)
     tools.answer("/usr/sbin/kodmpadm   getdmpnode  nodename=sdc1", 0, nodeTable);
     tools.answer(pathQuery, 0, pathTable);
     EXPECT_EQ(lookUp("/dev/sdc1")["active"], "/dev/sdf");
-}
-
-TEST_F(ActiveLookupTest, NoLineEndsItWhileTheToolRuns)
-{
-    tools.answer({nodeQuery, 0, nodeTable, [this] {
-                      stop.request();
-                      // The runner writes its own lines in the same way.
-                      koze_pdk_4_4::CZeTraceLog* log = tools.runnerLog;
-                      EXPECT_NO_THROW(log->trace(6, "Command took 1 ms."));
-                  }});
-    EXPECT_THROW(lookUp("/dev/sdc"), Interrupted);
-}
-
-TEST_F(ActiveLookupTest, AToolThatEndsInAnExceptionRunsNoMore)
-{
-    tools.answer({nodeQuery, 0, {}, [] { throw std::bad_alloc(); }});
-    EXPECT_THROW(lookUp("/dev/sdc"), std::bad_alloc);
-    EXPECT_FALSE(stop.toolsRun());
 }
 
 TEST_F(ActiveLookupTest, ItsStatusTellsWhatItDoes)

@@ -1,73 +1,12 @@
-#include "doctor/device_checks.h"
-
-#include <gmock/gmock.h>
-
-#include "tests/command/doctor/fake_machine.h"
+#include "checked_devices.h"
 
 namespace {
 
-using command::Code;
 using command::DeviceReading;
-using command::Finding;
-using command::Severity;
-using testing::AllOf;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::StartsWith;
-
-class DeviceChecks : public testing::Test {
-protected:
-    /// "SEVERITY DEVICE: TEXT" for each finding.
-    std::vector<std::string> all() const { return all(machine.readings()); }
-
-    /// The only finding about the device, besides one about its name alone.
-    Finding findingFor(const std::string& device) const
-    {
-        std::vector<Finding> found;
-        const command::Inventory kernel(machine.roots());
-        const auto take = [&](const Finding& finding) {
-            if (finding.device == device && finding.code != Code::ambiguousNames)
-                found.push_back(finding);
-        };
-        command::checkDevices(kernel, machine.drivers(), machine.readings(), given, take);
-        EXPECT_EQ(found.size(), 1U) << device;
-        return found.empty() ? Finding{Code::toolReady, "", ""} : found.front();
-    }
-
-    std::string remedyFor(const std::string& device) const { return findingFor(device).remedy; }
-
-    std::vector<std::string> all(const std::vector<DeviceReading>& readings) const
-    {
-        std::vector<std::string> lines;
-        const command::Inventory kernel(machine.roots());
-        const auto take = [&](const Finding& finding) {
-            lines.push_back(std::string(command::severityName(finding.severity())) + ' ' +
-                            finding.device + ": " + finding.text);
-            const bool mustAct = finding.severity() != Severity::ok;
-            EXPECT_EQ(finding.advice.empty(), !mustAct) << lines.back();
-        };
-        command::checkDevices(kernel, machine.drivers(), readings, given, take);
-        return lines;
-    }
-
-    /// The findings about single devices, without those about their names alone.
-    std::vector<std::string> findings() const
-    {
-        std::vector<std::string> lines;
-        for (const std::string& line : all()) {
-            if (line.rfind("ok ", 0) != 0 && line.find("other tools") == std::string::npos)
-                lines.push_back(line);
-        }
-        return lines;
-    }
-
-    FakeMachine machine;
-    std::vector<std::string> given;
-};
 
 TEST_F(DeviceChecks, TheDriversAreCounted)
 {
@@ -244,61 +183,6 @@ TEST_F(DeviceChecks, RemedyNamesTheCommand)
     EXPECT_EQ(remedyFor("/dev/emcpowera"), "rm /dev/emcpowera");
 }
 
-TEST_F(DeviceChecks, ADiskIsTakenForSomethingElse)
-{
-    machine.addMapWithNode("a-disk", "mpath-1");
-    machine.addMapWithNode("mp1", "mpath-2");
-    EXPECT_THAT(
-        findings(),
-        ElementsAre("warning /dev/mapper/a-disk: a multipath disk, but no driver claims its name",
-                    "warning /dev/mapper/mp1: a multipath disk, but the library takes it for a "
-                    "partition"));
-}
-
-TEST_F(DeviceChecks, APartitionIsTakenForSomethingElse)
-{
-    machine.addMapWithNode("mpatha-part1", "part1-mpath-1");
-    machine.addMapWithNode("mpathb1", "part1-mpath-2");
-    EXPECT_THAT(
-        findings(),
-        ElementsAre("note /dev/mapper/mpatha-part1: a partition of a multipath disk, but no "
-                    "driver claims its name",
-                    "warning /dev/mapper/mpathb1: a partition of a multipath disk, but the "
-                    "library takes it for a disk"));
-}
-
-TEST_F(DeviceChecks, SomethingElseIsTakenForADisk)
-{
-    machine.addMapWithNode("luks", "CRYPT-LUKS2-1");
-    machine.addMapWithNode("luksp1", "");
-    EXPECT_THAT(findings(),
-                ElementsAre(StartsWith("note /dev/mapper/luks: the library takes it for a "),
-                            StartsWith("note /dev/mapper/luksp1: the library takes it for a ")));
-}
-
-TEST_F(DeviceChecks, APartitionIsRenamedThroughItsDisk)
-{
-    machine.addMapWithNode("disk one", "mpath-1");
-    machine.addMapWithNode("disk one1", "part1-mpath-1", {"dm-0"});
-    EXPECT_EQ(remedyFor("/dev/mapper/disk one1"), "kpartx -a -p p '/dev/mapper/disk one'");
-}
-
-TEST_F(DeviceChecks, NothingIsTypedForAPartitionThatNoNameHelps)
-{
-    machine.addMapWithNode("mpatha", "mpath-1");
-    machine.addMapWithNode("mpathap12", "part12-mpath-1", {"dm-0"});
-    const Finding finding = findingFor("/dev/mapper/mpathap12");
-    EXPECT_EQ(finding.code, Code::partitionAsDisk);
-    EXPECT_EQ(finding.remedy, "");
-    EXPECT_THAT(finding.advice, StartsWith("Ask about the disk."));
-}
-
-TEST_F(DeviceChecks, APartitionWhoseDiskIsGoneHasNothingToType)
-{
-    machine.addMapWithNode("mpathb1", "part1-mpath-2");
-    EXPECT_EQ(remedyFor("/dev/mapper/mpathb1"), "");
-}
-
 TEST_F(DeviceChecks, WhatWasNotAskedAboutIsNotComplainedAbout)
 {
     machine.addDevice("sda");
@@ -315,31 +199,11 @@ TEST_F(DeviceChecks, WhatWasNotAskedAboutIsNotComplainedAbout)
     EXPECT_THAT(findings(), ElementsAre(StartsWith("error /dev/mapper/mpatha: ")));
 }
 
-TEST_F(DeviceChecks, TwoDriversClaimAName)
-{
-    machine.addDevice("mapper!dev!sda");
-    machine.addDevice("sda!dev!emcpowera");
-    EXPECT_THAT(findings(), Contains("warning /dev/sda/dev/emcpowera: native and powerpath claim "
-                                     "it, and powerpath gets it"));
-    EXPECT_THAT(findings(), Contains("warning /dev/mapper/dev/sda: native and device-mapper claim "
-                                     "it, and device-mapper gets it"));
-}
-
 TEST_F(DeviceChecks, ASlashStandsForAnExclamationMark)
 {
     machine.addDevice("x!dev!sda");
     EXPECT_THAT(findings(), ElementsAre("error /dev/x/dev/sda: a device of the kernel, but the "
                                         "node is missing"));
-}
-
-TEST_F(DeviceChecks, NamesThatAreReadDifferentlyAreCounted)
-{
-    machine.addDeviceWithNode("sda");
-    EXPECT_THAT(all(), Not(Contains(HasSubstr("other tools"))));
-    machine.addMapWithNode("mpatha", "mpath-1");
-    machine.addMapWithNode("mpathb", "mpath-2");
-    EXPECT_EQ(all().back(), "note /dev/mapper/mpatha: other tools may read or name it differently, "
-                            "as 2 of 5 block devices");
 }
 
 } // namespace

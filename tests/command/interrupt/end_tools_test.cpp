@@ -1,57 +1,13 @@
-#include "interrupt/end_tools.h"
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <csignal>
-#include <filesystem>
-#include <string>
-
-#include <fcntl.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "ended_tools.h"
 
 #include "interrupt/held_process.h"
 #include "interrupt/tool_processes.h"
-#include "tests/command/interrupt/pidfd_kernel.h"
-#include "tests/command/interrupt/shell_tool.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
 constexpr int killed = koze_pdk_4_4::CZeExecPipeBase::killedBySignal + SIGKILL;
-
-/// On kernels with and without signals to process groups by pidfd.
-class EndTools : public testing::TestWithParam<bool> {
-protected:
-    void SetUp() override
-    {
-        kernel.signalsGroups = GetParam();
-        pidfdKernel = &kernel;
-    }
-
-    void TearDown() override
-    {
-        pidfdKernel = nullptr;
-        prctl(PR_SET_CHILD_SUBREAPER, 0);
-    }
-
-    PidfdKernel kernel;
-
-    void endTools()
-    {
-        stop.request();
-        const Clock::time_point begin = Clock::now();
-        areGone = command::endTools(stop);
-        passed = Clock::now() - begin;
-    }
-
-    command::StopRequest stop;
-    Clock::duration passed{};
-    bool areGone = false;
-};
 
 INSTANTIATE_TEST_SUITE_P(Kernel, EndTools, testing::Bool(),
                          [](const testing::TestParamInfo<bool>& test) {
@@ -215,96 +171,6 @@ TEST_P(EndTools, AStoppedToolEndsToo)
     endTools();
     ASSERT_TRUE(tool.isSessionGone());
     EXPECT_EQ(tool.status(), 3);
-}
-
-/// A child of the main thread that leads a session and waits.
-class OtherChild {
-public:
-    OtherChild() : m_id(fork())
-    {
-        if (m_id == 0) {
-            setsid();
-            for (;;)
-                pause();
-        }
-        while (getsid(m_id) != m_id)
-            std::this_thread::yield();
-    }
-    OtherChild(const OtherChild&) = delete;
-    OtherChild& operator=(const OtherChild&) = delete;
-    ~OtherChild()
-    {
-        kill(m_id, SIGKILL);
-        waitpid(m_id, nullptr, 0);
-    }
-
-    bool isRunning() const { return waitpid(m_id, nullptr, WNOHANG) == 0; }
-
-private:
-    pid_t m_id;
-};
-
-TEST_P(EndTools, ChildrenOfTheMainThreadAreNoTools)
-{
-    const OtherChild child;
-    const ShellTool tool(stop, "ready; sleep 100");
-    endTools();
-    EXPECT_TRUE(areGone);
-    EXPECT_TRUE(tool.isSessionGone());
-    EXPECT_TRUE(child.isRunning());
-}
-
-TEST_P(EndTools, ProcessesThatOthersStartedAreNoTools)
-{
-    Pipe pipe = makePipe();
-    const pid_t child = fork();
-    if (child == 0) {
-        const OtherChild grandchild;
-        if (write(pipe.writer.number(), "", 1) == 1)
-            pause();
-        _exit(1);
-    }
-    char ready = 0;
-    ASSERT_EQ(read(pipe.reader.number(), &ready, 1), 1);
-    const ShellTool tool(stop, "ready; sleep 100");
-    endTools();
-    EXPECT_TRUE(areGone);
-    const std::string children =
-        textOf("/proc/" + std::to_string(child) + "/task/" + std::to_string(child) + "/children");
-    ASSERT_FALSE(children.empty());
-    EXPECT_FALSE(isSessionGone(std::stoi(children)));
-    kill(std::stoi(children), SIGKILL);
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-}
-
-/// Ends a child. Returns whether it was running.
-bool endSleeper(pid_t id)
-{
-    const bool wasRunning = waitpid(id, nullptr, WNOHANG) == 0;
-    kill(id, SIGKILL);
-    waitpid(id, nullptr, 0);
-    return wasRunning;
-}
-
-TEST_P(EndTools, ADaemonThatASubreaperInheritsIsNoTool)
-{
-    prctl(PR_SET_CHILD_SUBREAPER, 1);
-    const pid_t daemon = inheritedSleeper("setsid");
-    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 100; done");
-    endTools();
-    EXPECT_TRUE(tool.isSessionGone());
-    EXPECT_TRUE(endSleeper(daemon));
-}
-
-TEST_P(EndTools, WhatAnEarlierToolLeftRunningIsNoTool)
-{
-    prctl(PR_SET_CHILD_SUBREAPER, 1);
-    const pid_t sleeper = inheritedSleeper("");
-    const ShellTool tool(stop, "trap '' TERM; ready; while :; do sleep 100; done");
-    endTools();
-    EXPECT_TRUE(tool.isSessionGone());
-    EXPECT_TRUE(endSleeper(sleeper));
 }
 
 TEST_P(EndTools, AZombieThatNobodyReapsIsNotWaitedFor)
