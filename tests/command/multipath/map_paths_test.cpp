@@ -31,6 +31,11 @@ protected:
         return paths({{}, "multipath", parameters});
     }
 
+    std::string shownWith(const std::string& parameters) const
+    {
+        return shown(pathsWith(parameters));
+    }
+
     MadeUpMachine m_machine;
 };
 
@@ -49,20 +54,18 @@ TEST_F(MapPaths, ThatWorkInTheActiveGroupAreUsed)
 
 TEST_F(MapPaths, OfOneGroupAreUsedTogether)
 {
-    EXPECT_EQ(shown(pathsWith("2 0 1 0 1 1 A 0 2 0 8:0 A 0 8:16 A 0")), "/dev/sda 1 active yes\n"
-                                                                        "/dev/sdb 1 active yes\n");
+    EXPECT_EQ(shownWith("2 0 1 0 1 1 A 0 2 0 8:0 A 0 8:16 A 0"), "/dev/sda 1 active yes\n"
+                                                                 "/dev/sdb 1 active yes\n");
 }
 
 TEST_F(MapPaths, AreUsedInTheGroupThatTheKernelTriesNext)
 {
     // Before any request, no group is active.
-    EXPECT_EQ(shown(pathsWith("2 0 1 0 2 1 E 0 1 0 8:0 A 0 E 0 1 0 8:16 A 0")),
-              "/dev/sda 1 active yes\n"
-              "/dev/sdb 2 standby no\n");
+    EXPECT_EQ(shownWith("2 0 1 0 2 1 E 0 1 0 8:0 A 0 E 0 1 0 8:16 A 0"), "/dev/sda 1 active yes\n"
+                                                                         "/dev/sdb 2 standby no\n");
     // The daemon has had the group switched, and no request has come.
-    EXPECT_EQ(shown(pathsWith("2 0 1 0 2 2 A 0 1 0 8:0 A 0 E 0 1 0 8:16 A 0")),
-              "/dev/sda 1 standby no\n"
-              "/dev/sdb 2 active yes\n");
+    EXPECT_EQ(shownWith("2 0 1 0 2 2 A 0 1 0 8:0 A 0 E 0 1 0 8:16 A 0"), "/dev/sda 1 standby no\n"
+                                                                         "/dev/sdb 2 active yes\n");
 }
 
 TEST_F(MapPaths, AreUsedInAnotherGroupWhenTheNextOneHasFailed)
@@ -76,12 +79,10 @@ TEST_F(MapPaths, AreUsedInAnotherGroupWhenTheNextOneHasFailed)
 
 TEST_F(MapPaths, OfADisabledGroupAreUsedLast)
 {
-    EXPECT_EQ(shown(pathsWith("2 0 1 0 2 1 D 0 1 0 8:0 A 0 E 0 1 0 8:16 A 0")),
-              "/dev/sda 1 standby no\n"
-              "/dev/sdb 2 active yes\n");
-    EXPECT_EQ(shown(pathsWith("2 0 1 0 2 1 D 0 1 0 8:0 A 0 E 0 1 0 8:16 F 1")),
-              "/dev/sda 1 active yes\n"
-              "/dev/sdb 2 failed no\n");
+    EXPECT_EQ(shownWith("2 0 1 0 2 1 D 0 1 0 8:0 A 0 E 0 1 0 8:16 A 0"), "/dev/sda 1 standby no\n"
+                                                                         "/dev/sdb 2 active yes\n");
+    EXPECT_EQ(shownWith("2 0 1 0 2 1 D 0 1 0 8:0 A 0 E 0 1 0 8:16 F 1"), "/dev/sda 1 active yes\n"
+                                                                         "/dev/sdb 2 failed no\n");
 }
 
 TEST_F(MapPaths, MayAllHaveFailed)
@@ -96,7 +97,7 @@ TEST_F(MapPaths, ThatTheKernelHasTakenOffAreNotUsed)
 {
     for (const char* state : {"offline", "transport-offline", "deleted"}) {
         m_machine.set("sda", "device/state", state);
-        EXPECT_EQ(shown(pathsWith("2 0 1 0 2 1 A 0 1 0 8:0 A 0 E 0 1 0 8:16 A 0")),
+        EXPECT_EQ(shownWith("2 0 1 0 2 1 A 0 1 0 8:0 A 0 E 0 1 0 8:16 A 0"),
                   "/dev/sda 1 offline no\n"
                   "/dev/sdb 2 active yes\n")
             << state;

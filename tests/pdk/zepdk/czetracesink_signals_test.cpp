@@ -12,6 +12,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "handled_signals.h"
 #include "tests/support/child.h"
 
 using koze_pdk_4_4::CZeTraceDescriptorSink;
@@ -108,13 +109,6 @@ TEST_P(Signals, AreNotBlockedAfterwards)
 {
     EXPECT_TRUE(
         holdsInChild([] { return losesALine() && !isBlocked(SIGPIPE) && !isBlocked(SIGXFSZ); }));
-}
-
-volatile std::sig_atomic_t handled = 0;
-
-void countHandled(int)
-{
-    handled = handled + 1;
 }
 
 TEST_P(Signals, DoNotReachTheHostsHandler)

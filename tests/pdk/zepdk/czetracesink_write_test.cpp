@@ -17,6 +17,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "handled_signals.h"
 #include "tests/support/allocation_operators.h"
 #include "tests/support/child.h"
 
@@ -240,13 +241,6 @@ TEST_F(Write, ChangesTheMaskByTheSignalsOfItsOwnFailuresOnly)
     EXPECT_THAT(blocked, testing::UnorderedElementsAre(SIGUSR1, SIGPIPE, SIGXFSZ));
     EXPECT_THAT(blockedSignals(), ElementsAre(SIGUSR1));
     pthread_sigmask(SIG_UNBLOCK, &hosts, nullptr);
-}
-
-volatile std::sig_atomic_t handled = 0;
-
-void countHandled(int)
-{
-    handled = handled + 1;
 }
 
 TEST_F(Write, ASignalThatArrivesDuringAWholeLineReachesTheHost)

@@ -2,9 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "claim_module_trace.h"
 #include "tests/support/naming_example.h"
-#include "tests/support/recording_log.h"
-#include "tests/support/traced.h"
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -170,12 +169,9 @@ TEST(DeviceMapperClaim, PartitionZeroIsAPartitionAndANegativeOneIsNot)
     EXPECT_FALSE(module.isPartition(module.appendPartitionSuffix("/dev/mapper/mpathb", -1U)));
 }
 
-class DeviceMapperTrace : public testing::Test {
+class DeviceMapperTrace : public ClaimModuleTrace<CDmpDeviceMapperClaim> {
 protected:
-    DeviceMapperTrace() { m_module.registerTraceLog(m_log.handle()); }
-
-    RecordingLog m_log;
-    CDmpDeviceMapperClaim m_module;
+    DeviceMapperTrace() : ClaimModuleTrace("CDmpDeviceMapperClaim", file) {}
 };
 
 TEST_F(DeviceMapperTrace, ListingWritesNoLineOfItsOwn)
@@ -209,25 +205,13 @@ TEST_F(DeviceMapperTrace, IsPartitionWritesNoLineOfItsOwn)
 
 TEST_F(DeviceMapperTrace, AppendingWritesDiskPartitionAndSignedNumber)
 {
-    const Line appended{3, "INFO: CDmpDeviceMapperClaim::appendPartitionSuffix device "
-                           "[/dev/mapper/mpathb] partition[/dev/mapper/mpathbp2] partnum[2]"};
     m_module.appendPartitionSuffix("/dev/mapper/mpathb", 2);
     EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(Traced("appendPartitionSuffix", file, appended)));
-
-    const Line negative{3, "INFO: CDmpDeviceMapperClaim::appendPartitionSuffix device [/dev/x] "
-                           "partition[/dev/xp-1] partnum[-1]"};
+                ElementsAreArray(conversion("appendPartitionSuffix", "/dev/mapper/mpathb",
+                                            "/dev/mapper/mpathbp2", "2")));
     m_module.appendPartitionSuffix("/dev/x", 4294967295);
     EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(Traced("appendPartitionSuffix", file, negative)));
-}
-
-/// The line about a removal, and the two around it.
-TraceLines removal(const std::string& disk, const std::string& partition, const std::string& number)
-{
-    return Traced("removePartitionSuffix", file,
-                  Line{3, "INFO: CDmpDeviceMapperClaim::removePartitionSuffix device [" + disk +
-                              "] partition[" + partition + "] partnum[" + number + "]"});
+                ElementsAreArray(conversion("appendPartitionSuffix", "/dev/x", "/dev/xp-1", "-1")));
 }
 
 TEST_F(DeviceMapperTrace, RemovingWritesDiskPartitionAndTheCallersNumber)

@@ -65,46 +65,36 @@ TEST_F(KoDmpMapping, ATableWithoutRowsIsAnEmptyAnswerForANodeOnly)
 
 TEST_F(KoDmpMapping, TheHeaderMayHoldItsTextAnywhere)
 {
-    EXPECT_EQ(node({"  DMPNODENAME", "=", "arr0_17"}), 0);
-    EXPECT_EQ(m_name, "arr0_17");
+    EXPECT_EQ(nodeIn({"  DMPNODENAME", "=", "arr0_17"}), "arr0_17");
 }
 
 TEST_F(KoDmpMapping, TheSecondLineIsNeverRead)
 {
-    EXPECT_EQ(node({"NAME", "arr0_16 ENABLED", "arr0_17 ENABLED"}), 0);
-    EXPECT_EQ(m_name, "arr0_17");
-    EXPECT_EQ(path({"NAME", "sdb ENABLED(A)", "sdc ENABLED"}), 0);
-    EXPECT_EQ(m_name, "sdc");
+    EXPECT_EQ(nodeIn({"NAME", "arr0_16 ENABLED", "arr0_17 ENABLED"}), "arr0_17");
+    EXPECT_EQ(pathIn({"NAME", "sdb ENABLED(A)", "sdc ENABLED"}), "sdc");
 }
 
 TEST_F(KoDmpMapping, BlankRowsAreSkipped)
 {
-    EXPECT_EQ(node({"NAME", "=", "", " \t", "\n", "arr0_17"}), 0);
-    EXPECT_EQ(m_name, "arr0_17");
-    EXPECT_EQ(node({"NAME", "=", "", " "}), 0);
-    EXPECT_EQ(m_name, "");
-    EXPECT_EQ(path({"NAME", "=", "", " \n\t", "sdb ENABLED", ""}), 0);
-    EXPECT_EQ(m_name, "sdb");
+    EXPECT_EQ(nodeIn({"NAME", "=", "", " \t", "\n", "arr0_17"}), "arr0_17");
+    EXPECT_EQ(nodeIn({"NAME", "=", "", " "}), "");
+    EXPECT_EQ(pathIn({"NAME", "=", "", " \n\t", "sdb ENABLED", ""}), "sdb");
 }
 
 TEST_F(KoDmpMapping, ColumnsStandBetweenRunsOfBlanksTabsAndLineEnds)
 {
-    EXPECT_EQ(path({"NAME\n", "=\n", "\t sdb \t\t ENABLED(A)\tPRIMARY\n"}), 0);
-    EXPECT_EQ(m_name, "sdb");
+    EXPECT_EQ(pathIn({"NAME\n", "=\n", "\t sdb \t\t ENABLED(A)\tPRIMARY\n"}), "sdb");
 }
 
 TEST_F(KoDmpMapping, ACarriageReturnBelongsToTheColumn)
 {
-    EXPECT_EQ(node({"NAME\r", "=\r", "arr0_17\r"}), 0);
-    EXPECT_EQ(m_name, "arr0_17\r");
+    EXPECT_EQ(nodeIn({"NAME\r", "=\r", "arr0_17\r"}), "arr0_17\r");
 }
 
 TEST_F(KoDmpMapping, ARowOfANameAloneIsANodeButNoPath)
 {
-    EXPECT_EQ(node({"NAME", "=", "arr0_17"}), 0);
-    EXPECT_EQ(m_name, "arr0_17");
-    EXPECT_EQ(path({"NAME", "=", "sdb"}), 1);
-    EXPECT_EQ(m_name, "");
+    EXPECT_EQ(nodeIn({"NAME", "=", "arr0_17"}), "arr0_17");
+    EXPECT_EQ(pathIn({"NAME", "=", "sdb"}), "1 ");
 }
 
 struct Choice {

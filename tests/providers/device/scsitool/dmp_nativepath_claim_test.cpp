@@ -2,10 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include "claim_module_trace.h"
 #include "tests/support/claiming_by.h"
 #include "tests/support/naming_example.h"
-#include "tests/support/recording_log.h"
-#include "tests/support/traced.h"
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -183,12 +182,9 @@ TEST(NativePathClaim, ADerivedClassWithoutStringsClaimsNothing)
     EXPECT_EQ(module.claim("/dev/sda"), CLAIM_NONE);
 }
 
-class NativePathTrace : public testing::Test {
+class NativePathTrace : public ClaimModuleTrace<CNativePathClaim> {
 protected:
-    NativePathTrace() { m_module.registerTraceLog(m_log.handle()); }
-
-    RecordingLog m_log;
-    CNativePathClaim m_module;
+    NativePathTrace() : ClaimModuleTrace("CNativePathClaim", file) {}
 };
 
 TEST_F(NativePathTrace, ListingWritesNoLineOfItsOwn)

@@ -3,9 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include "claim_module_trace.h"
 #include "tests/support/claiming_by.h"
-#include "tests/support/recording_log.h"
-#include "tests/support/traced.h"
 
 using testing::ElementsAreArray;
 
@@ -24,12 +23,9 @@ TEST(PowerPathClaim, OneLineTellsOfAClaimHoweverManyStringsMatch)
     EXPECT_THAT(log.takeLines(), ElementsAreArray(Traced("claim", file, claimed)));
 }
 
-class PowerPathTrace : public testing::Test {
+class PowerPathTrace : public ClaimModuleTrace<CDmpPowerPathClaim> {
 protected:
-    PowerPathTrace() { m_module.registerTraceLog(m_log.handle()); }
-
-    RecordingLog m_log;
-    CDmpPowerPathClaim m_module;
+    PowerPathTrace() : ClaimModuleTrace("CDmpPowerPathClaim", file) {}
 };
 
 TEST_F(PowerPathTrace, ListingWritesNoLineOfItsOwn)
@@ -63,25 +59,13 @@ TEST_F(PowerPathTrace, IsPartitionWritesNoLineOfItsOwn)
 
 TEST_F(PowerPathTrace, AppendingWritesDiskPartitionAndSignedNumber)
 {
-    const Line appended{3, "INFO: CDmpPowerPathClaim::appendPartitionSuffix device "
-                           "[/dev/emcpowerc] partition[/dev/emcpowerc12] partnum[12]"};
     m_module.appendPartitionSuffix("/dev/emcpowerc", 12);
     EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(Traced("appendPartitionSuffix", file, appended)));
-
-    const Line negative{3, "INFO: CDmpPowerPathClaim::appendPartitionSuffix device [/dev/x] "
-                           "partition[/dev/x-1] partnum[-1]"};
+                ElementsAreArray(conversion("appendPartitionSuffix", "/dev/emcpowerc",
+                                            "/dev/emcpowerc12", "12")));
     m_module.appendPartitionSuffix("/dev/x", 4294967295);
     EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(Traced("appendPartitionSuffix", file, negative)));
-}
-
-/// The line about a removal, and the two around it.
-TraceLines removal(const std::string& disk, const std::string& partition, const std::string& number)
-{
-    return Traced("removePartitionSuffix", file,
-                  Line{3, "INFO: CDmpPowerPathClaim::removePartitionSuffix device [" + disk +
-                              "] partition[" + partition + "] partnum[" + number + "]"});
+                ElementsAreArray(conversion("appendPartitionSuffix", "/dev/x", "/dev/x-1", "-1")));
 }
 
 TEST_F(PowerPathTrace, RemovingWritesDiskPartitionAndSignedNumber)

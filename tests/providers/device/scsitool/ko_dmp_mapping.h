@@ -34,6 +34,10 @@ protected:
         return m_support.getOSDiskHandleForKoVMDisk("arr0_17", m_name);
     }
 
+    /// The names found, with the result before them when it is not 0: "arr0_17", "1 ".
+    std::string nodeIn(const Lines& output) { return found(node(output)); }
+    std::string pathIn(const Lines& output) { return found(path(output)); }
+
     /// The lines of an operation besides its tracer's and those of `executeCommand`.
     Lines ownTrace()
     {
@@ -49,6 +53,12 @@ protected:
     RecordingLog m_log;
     CKoDMPSupport m_support;
     std::string m_name = "old";
+
+private:
+    std::string found(int result) const
+    {
+        return (result == 0 ? "" : std::to_string(result) + ' ') + m_name;
+    }
 };
 
 #endif
