@@ -62,11 +62,8 @@ const Columns<DeviceAnswer>& nameColumns()
 
 const Columns<DeviceAnswer>& deviceColumns()
 {
-    static const Columns<DeviceAnswer> columns = [] {
-        Columns<DeviceAnswer> all = nameColumns();
-        all.insert(all.end(), kernelColumns().begin(), kernelColumns().end());
-        return all;
-    }();
+    static const Columns<DeviceAnswer> columns =
+        concatenated<DeviceAnswer>({nameColumns(), kernelColumns()});
     return columns;
 }
 

@@ -2,6 +2,7 @@
 #define OUTPUT_COLUMNS_H
 
 #include <algorithm>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,15 @@ struct Column {
 
 template <class Answer>
 using Columns = std::vector<Column<Answer>>;
+
+template <class Answer>
+Columns<Answer> concatenated(std::initializer_list<Columns<Answer>> lists)
+{
+    Columns<Answer> all;
+    for (const Columns<Answer>& list : lists)
+        all.insert(all.end(), list.begin(), list.end());
+    return all;
+}
 
 /// The columns that a user can choose from, and those that are shown without a choice.
 struct Headings {

@@ -158,7 +158,7 @@ Field was(Answer answer)
     return answer.change == nullptr ? Field() : nonEmptyField(answer.change->was);
 }
 
-Columns<PathAnswer> usualColumns()
+Columns<PathAnswer> diskColumns()
 {
     return {
         {{"DEVICE", Kind::text, "the disk: its map or device, or the volume manager's node"},
@@ -176,6 +176,12 @@ Columns<PathAnswer> usualColumns()
          [](Answer answer) { return number(answer.facts.size); }},
         {{"WWID", Kind::text, "the disk's world-wide identifier"},
          [](Answer answer) { return optionalField(answer.facts.wwid); }},
+    };
+}
+
+Columns<PathAnswer> counterColumns()
+{
+    return {
         {{"READS", Kind::number, "reads through the path since it came up"},
          counted<&IoCounters::reads>},
         {{"WRITES", Kind::number, "writes through the path since it came up"},
@@ -189,6 +195,12 @@ Columns<PathAnswer> usualColumns()
          counted<&IoCounters::busyMilliseconds>},
         {{"FAILURES", Kind::number, "how often the device-mapper has failed the path"},
          [](Answer answer) { return number(answer.path.failures); }},
+    };
+}
+
+Columns<PathAnswer> hardwareColumns()
+{
+    return {
         {{"ACCESS", Kind::text, "what the array says of the path: ALUA's or ANA's state"}, access},
         {{"PREFERRED", Kind::text, "whether the array prefers the path (ALUA)"}, preferred},
         {{"KNAME", Kind::text, "the kernel's own name of the path"}, kernelName},
@@ -201,10 +213,9 @@ Columns<PathAnswer> usualColumns()
     };
 }
 
-Columns<PathAnswer> watchedColumns()
+Columns<PathAnswer> changeColumns()
 {
-    Columns<PathAnswer> columns = usualColumns();
-    const Columns<PathAnswer> watched{
+    return {
         {{"RPS", Kind::number, "reads a second"}, rated<&IoRates::reads>},
         {{"WPS", Kind::number, "writes a second"}, rated<&IoRates::writes>},
         {{"RBPS", Kind::number, "bytes read a second"}, rated<&IoRates::readBytes>},
@@ -214,8 +225,6 @@ Columns<PathAnswer> watchedColumns()
         {{"TIME", Kind::text, "when that was seen (UTC)"}, changeTime},
         {{"WAS", Kind::text, "group, state and use before"}, was},
     };
-    columns.insert(columns.end(), watched.begin(), watched.end());
-    return columns;
 }
 
 } // namespace
@@ -238,8 +247,9 @@ PathAnswer pathAnswer(const DiskPaths& disk, const DiskFacts& facts, const DiskP
 
 const Columns<PathAnswer>& pathColumns(bool isWatched)
 {
-    static const Columns<PathAnswer> usual = usualColumns();
-    static const Columns<PathAnswer> watched = watchedColumns();
+    static const Columns<PathAnswer> usual =
+        concatenated<PathAnswer>({diskColumns(), counterColumns(), hardwareColumns()});
+    static const Columns<PathAnswer> watched = concatenated<PathAnswer>({usual, changeColumns()});
     return isWatched ? watched : usual;
 }
 
