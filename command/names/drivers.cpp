@@ -1,6 +1,7 @@
 #include "names/drivers.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "scsitool/dmp_built_in_modules.h"
 
@@ -12,6 +13,7 @@ namespace {
 struct Facts {
     const char* name;
     const char* kernelName;
+    std::vector<DeviceKind> kinds;
     bool asksTools;
     NameWarner warnOfName;
 };
@@ -23,28 +25,33 @@ Facts factsOf();
 template <>
 Facts factsOf<CNativePathClaim>()
 {
-    return {"native", "sd", true, warnOfNumberedName};
+    return {"native", "sd", {DeviceKind::disk}, true, warnOfNumberedName};
 }
 
 template <>
 Facts factsOf<CDmpPowerPathClaim>()
 {
-    return {"powerpath", "emcpower", false, warnOfNumberedName};
+    return {"powerpath", "emcpower", {DeviceKind::powerPath}, false, warnOfNumberedName};
 }
 
 template <>
 Facts factsOf<CDmpDeviceMapperClaim>()
 {
-    return {"device-mapper", "device-mapper", false, warnOfMapperName};
+    return {"device-mapper",
+            "device-mapper",
+            {DeviceKind::multipath, DeviceKind::multipathPartition},
+            false,
+            warnOfMapperName};
 }
 
 template <class ClaimModule>
 Driver makeDriver()
 {
-    const Facts facts = factsOf<ClaimModule>();
+    Facts facts = factsOf<ClaimModule>();
     return {
         facts.name,
         facts.kernelName,
+        std::move(facts.kinds),
         facts.asksTools,
         facts.warnOfName,
         []() -> std::unique_ptr<CDmpDeviceClaimBase> { return std::make_unique<ClaimModule>(); },
@@ -73,6 +80,14 @@ const Driver* driverOf(const CDmpDeviceClaimBase* module)
         return nullptr;
     return &*std::find_if(drivers().begin(), drivers().end(),
                           [&](const Driver& driver) { return driver.hasModule(*module); });
+}
+
+const Driver* driverOf(DeviceKind kind)
+{
+    const auto found = std::find_if(drivers().begin(), drivers().end(), [&](const Driver& driver) {
+        return std::find(driver.kinds.begin(), driver.kinds.end(), kind) != driver.kinds.end();
+    });
+    return found == drivers().end() ? nullptr : &*found;
 }
 
 Field ownerField(const Driver* owner)

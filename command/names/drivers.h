@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "kernel/device_kind.h"
 #include "names/naming_warnings.h"
 #include "output/field.h"
 #include "providers/device/scsitool/dmp_claim_manager.h"
@@ -12,9 +13,10 @@ namespace command {
 
 /// A driver whose claim module is built into the library.
 struct Driver {
-    const char* name;       // as users call it
-    const char* kernelName; // in /proc/devices
-    bool asksTools;         // its lookups ask the volume manager's tools
+    const char* name;              // as users call it
+    const char* kernelName;        // in /proc/devices
+    std::vector<DeviceKind> kinds; // the devices that it owns to the kernel, and their partitions
+    bool asksTools;                // its lookups ask the volume manager's tools
     NameWarner warnOfName;
     std::unique_ptr<CDmpDeviceClaimBase> (*makeModule)();
     bool (*hasModule)(const CDmpDeviceClaimBase& module);
@@ -25,6 +27,9 @@ const std::vector<Driver>& drivers();
 
 /// The driver of one of a manager's built-in modules; null for no module.
 const Driver* driverOf(const CDmpDeviceClaimBase* module);
+
+/// The driver that owns devices of this kind; null for a kind that no module claims.
+const Driver* driverOf(DeviceKind kind);
 
 /// The driver's name; none for no driver.
 Field ownerField(const Driver* owner);

@@ -6,6 +6,7 @@
 
 namespace {
 
+using command::DeviceKind;
 using command::Driver;
 using command::driverOf;
 using command::drivers;
@@ -19,6 +20,16 @@ TEST(Drivers, HaveTheNamesThatUsersAndTheKernelKnow)
     EXPECT_THAT(names, testing::ElementsAre(testing::Pair("native", "sd"),
                                             testing::Pair("powerpath", "emcpower"),
                                             testing::Pair("device-mapper", "device-mapper")));
+}
+
+TEST(Drivers, OwnDevicesOfTheirKinds)
+{
+    EXPECT_STREQ(driverOf(DeviceKind::disk)->name, "native");
+    EXPECT_STREQ(driverOf(DeviceKind::powerPath)->name, "powerpath");
+    EXPECT_STREQ(driverOf(DeviceKind::multipath)->name, "device-mapper");
+    EXPECT_STREQ(driverOf(DeviceKind::multipathPartition)->name, "device-mapper");
+    for (const DeviceKind kind : {DeviceKind::nvme, DeviceKind::map, DeviceKind::partition})
+        EXPECT_EQ(driverOf(kind), nullptr);
 }
 
 TEST(Drivers, AreThoseOfTheModulesThatAManagerAsks)
