@@ -91,7 +91,8 @@ TEST_F(List, KnowsOwnersAndKindsByTheirWordsOnly)
             list({"--owner", "native,scsi"});
         },
         testing::ThrowsMessage<UsageError>(
-            "--owner knows no 'scsi'; there are native, powerpath, device-mapper, none"));
+            testing::AllOf(testing::StartsWith("--owner knows no 'scsi'; there are native, "),
+                           testing::EndsWith(", none"))));
     EXPECT_THAT(
         [&] {
             list({"--kind", ""});

@@ -5,6 +5,7 @@
 
 #include "names/device_answer.h"
 #include "tests/command/dmpclaim.h"
+#include "tests/support/built_in_modules.h"
 
 using testing::HasSubstr;
 
@@ -125,16 +126,19 @@ TEST(Strip, PrintsJson)
 
 TEST(Prefixes, PrintsWhatTheDriversClaim)
 {
-    expect({"prefixes"}, "/dev/mapper/\n/dev/emcpower\n/dev/sd\n", 0);
-    expect({"prefixes", "-o", "+OWNER"},
-           "PREFIX        OWNER\n"
-           "/dev/mapper/  device-mapper\n"
-           "/dev/emcpower powerpath\n"
-           "/dev/sd       native\n",
-           0);
-    EXPECT_EQ(runJson({"prefixes", "-o", "prefix"}).dump(),
-              R"({"schema":1,"prefixes":[{"prefix":"/dev/mapper/"},)"
-              R"({"prefix":"/dev/emcpower"},{"prefix":"/dev/sd"}]})");
+    std::string lines;
+    nlohmann::ordered_json document{{"schema", 1}, {"prefixes", nlohmann::ordered_json::array()}};
+    for (const std::string& prefix : claimStrings()) {
+        lines += prefix + '\n';
+        document["prefixes"].push_back({{"prefix", prefix}});
+    }
+    expect({"prefixes"}, lines, 0);
+    EXPECT_EQ(runJson({"prefixes", "-o", "prefix"}).dump(), document.dump());
+    const Result owners = run({"prefixes", "-o", "+OWNER"});
+    EXPECT_THAT(owners.output, testing::StartsWith("PREFIX        OWNER\n"));
+    EXPECT_THAT(owners.output, testing::EndsWith("/dev/mapper/  device-mapper\n"
+                                                 "/dev/emcpower powerpath\n"
+                                                 "/dev/sd       native\n"));
 }
 
 TEST(Explain, PrintsWhyAPathIsClaimed)

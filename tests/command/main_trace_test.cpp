@@ -178,7 +178,7 @@ TEST(Trace, AFullDiskChangesNoAnswerAndIsReported)
 {
     const std::size_t lines = textsOf(run({"prefixes", "--trace"}).errors).size();
     const Result result = run({"prefixes", "--trace-file", "/dev/full"});
-    EXPECT_EQ(result.output, "/dev/mapper/\n/dev/emcpower\n/dev/sd\n");
+    EXPECT_EQ(result.output, run({"prefixes"}).output);
     EXPECT_EQ(result.errors, "dmpclaim: the trace file could not be written; lines lost: " +
                                  std::to_string(lines) + "\n");
     EXPECT_EQ(result.status, 0);

@@ -130,7 +130,7 @@ TEST_F(DryRun, ForOtherPathsNothingIsRun)
 {
     const std::pair<const char*, Row> paths[] = {{"/dev/mapper/mpatha", "device-mapper"},
                                                  {"/dev/emcpowera", "powerpath"},
-                                                 {"/dev/nvme0n1", nullptr}};
+                                                 {"/dev/vda", nullptr}};
     for (const auto& [path, owner] : paths) {
         const std::vector<Row> only = rows(path);
         ASSERT_EQ(only.size(), 1U);

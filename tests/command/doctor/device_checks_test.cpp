@@ -3,25 +3,29 @@
 namespace {
 
 using command::DeviceReading;
+using testing::Each;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
+using testing::SizeIs;
 using testing::StartsWith;
 
 TEST_F(DeviceChecks, TheDriversAreCounted)
 {
-    EXPECT_THAT(all(),
-                ElementsAre("ok native: not in the kernel; owns 0 of 0 block devices",
-                            "ok powerpath: not in the kernel; owns 0 of 0 block devices",
-                            "ok device-mapper: not in the kernel; owns 0 of 0 block devices"));
+    EXPECT_THAT(all(), SizeIs(command::drivers().size()));
+    EXPECT_THAT(all(), Each(EndsWith(": not in the kernel; owns 0 of 0 block devices")));
     for (const char* line : {"  8 sd", "120 emcpower", "253 device-mapper", " 65 sdx"})
         machine.addDriver(line);
     machine.addDeviceWithNode("sda");
     machine.addDeviceWithNode("sda1");
-    machine.addDeviceWithNode("nvme0n1");
-    EXPECT_THAT(all(), ElementsAre("ok native: in the kernel; owns 2 of 3 block devices",
-                                   "ok powerpath: in the kernel; owns 0 of 3 block devices",
-                                   "ok device-mapper: in the kernel; owns 0 of 3 block devices"));
+    machine.addDeviceWithNode("vda");
+    EXPECT_THAT(all(), SizeIs(command::drivers().size()));
+    EXPECT_THAT(all(),
+                IsSupersetOf({"ok native: in the kernel; owns 2 of 3 block devices",
+                              "ok powerpath: in the kernel; owns 0 of 3 block devices",
+                              "ok device-mapper: in the kernel; owns 0 of 3 block devices"}));
 }
 
 TEST_F(DeviceChecks, ADriverIsKnownByItsWholeName)
@@ -55,7 +59,7 @@ TEST_F(DeviceChecks, WhereKernelAndNamesAgreeNothingIsFound)
     machine.addMapWithNode("mpatha", "mpath-3600");
     machine.addMapWithNode("mpathap1", "part1-mpath-3600");
     machine.addMapWithNode("vg-root", "LVM-abc");
-    machine.addDevice("nvme0n1");
+    machine.addDevice("vda");
     EXPECT_THAT(findings(), IsEmpty());
 }
 
@@ -110,14 +114,14 @@ TEST_F(DeviceChecks, ALinkToNowhereIsNoNode)
 TEST_F(DeviceChecks, GivenPathsAreBlockDevices)
 {
     machine.addDeviceWithNode("sda");
-    machine.addLeftOverNode("nvme0n1");
+    machine.addLeftOverNode("vda");
     machine.addFile("sdb");
-    given = {"/dev/sda",     "/dev/sdc",    "/dev/sdc",         "/dev/nvme0n1", "/dev/sdb",
-             "/dev/nvme0n2", "/dev/mapper", machine.dev("sda"), "sda",          ""};
+    given = {"/dev/sda", "/dev/sdc",    "/dev/sdc",         "/dev/vda", "/dev/sdb",
+             "/dev/vdb", "/dev/mapper", machine.dev("sda"), "sda",      ""};
     EXPECT_THAT(findings(),
                 ElementsAre("warning /dev/sdc: does not exist, or this user cannot see it",
                             "error /dev/sdb: is no block device",
-                            "warning /dev/nvme0n2: does not exist, or this user cannot see it",
+                            "warning /dev/vdb: does not exist, or this user cannot see it",
                             "error /dev/mapper: is no block device",
                             "warning sda: does not exist, or this user cannot see it",
                             "warning : does not exist, or this user cannot see it"));
@@ -135,7 +139,7 @@ TEST_F(DeviceChecks, WhatWasSaidOfANodeIsNotSaidAgain)
     const std::vector<std::string> before = all();
     given = {"/dev/sda", "/dev/sdb", "/dev/emcpowera", "/dev/mapper/mpatha"};
     EXPECT_EQ(all(), before);
-    EXPECT_EQ(before.size(), 3 + given.size());
+    EXPECT_EQ(before.size(), command::drivers().size() + given.size());
 }
 
 TEST_F(DeviceChecks, GivenPathsAreLookedAtWithoutTheKernelsDevices)
@@ -191,8 +195,8 @@ TEST_F(DeviceChecks, WhatWasNotAskedAboutIsNotComplainedAbout)
     machine.addMap("mpatha", "mpath-1");
     machine.addMapWithNode("mpathb", "mpath-2");
     given = {"/dev/sdb"};
-    EXPECT_THAT(all(), ElementsAre(StartsWith("ok native: "), StartsWith("ok powerpath: "),
-                                   StartsWith("ok device-mapper: ")));
+    EXPECT_THAT(all(), SizeIs(command::drivers().size()));
+    EXPECT_THAT(all(), Each(StartsWith("ok ")));
     given = {"/dev/mapper/mpathb"};
     EXPECT_THAT(all().back(), HasSubstr("other tools may read"));
     given = {"/dev/mapper/mpatha"};

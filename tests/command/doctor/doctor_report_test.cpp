@@ -1,5 +1,6 @@
 // The JSON that a support engineer asks for, its trace and its replay.
 #include "doctor_command.h"
+#include "names/drivers.h"
 
 namespace {
 
@@ -45,10 +46,8 @@ TEST_F(Doctor, JsonHoldsWhatASupportEngineerNeeds)
     if (system.is_string()) {
         EXPECT_THAT(release, HasSubstr("PRETTY_NAME=\"" + system.get<std::string>() + "\"\n"));
     }
-    EXPECT_EQ(found["modules"],
-              Json({{{"module", "native"}, {"prefixes", {"/dev/sd"}}},
-                    {{"module", "powerpath"}, {"prefixes", {"/dev/emcpower"}}},
-                    {{"module", "device-mapper"}, {"prefixes", {"/dev/mapper/"}}}}));
+    EXPECT_EQ(found["modules"].size(), command::drivers().size());
+    EXPECT_EQ(found["modules"][0], Json({{"module", "native"}, {"prefixes", {"/dev/sd"}}}));
     EXPECT_EQ(found["interrupted"], false);
     EXPECT_EQ(found["findings"][2], Json({{"code", "active-path"},
                                           {"severity", "ok"},

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "tests/support/built_in_modules.h"
 #include "tests/support/host_module.h"
 #include "tests/support/recording_log.h"
 
@@ -158,10 +159,10 @@ TEST_F(Registration, FromWithinTheListOfPrefixesTakesEffectWithTheNextQuestion)
     CallingModule* first = add("first");
     add("second");
     first->call = [this] { addMany(); };
-    EXPECT_THAT(m_manager->getDeviceClaimStrings(),
-                ElementsAre("/second/1", "/second/2", "/first/1", "/first/2", "/dev/mapper/",
-                            "/dev/emcpower", "/dev/sd"));
-    EXPECT_THAT(m_manager->getDeviceClaimStrings(), SizeIs(7 + 2 * manyModules));
+    const std::vector<std::string> before =
+        claimStrings({"/second/1", "/second/2", "/first/1", "/first/2"});
+    EXPECT_EQ(m_manager->getDeviceClaimStrings(), before);
+    EXPECT_THAT(m_manager->getDeviceClaimStrings(), SizeIs(before.size() + 2 * manyModules));
 }
 
 TEST_F(Registration, FromWithinTheWinnersAnswerDoesNotDisturbIt)
