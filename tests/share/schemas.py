@@ -38,7 +38,18 @@ class Schemas:
         self.common = strict(self.load("common"))
 
     def load(self, name):
-        return json.loads((self.folder / f"{name}.schema.json").read_text(encoding="utf-8"))
+        text = (self.folder / f"{name}.schema.json").read_text(encoding="utf-8")
+        return json.loads(text, object_hook=self.with_members_of_all)
+
+    def with_members_of_all(self, schema):
+        """The schema with the members of those that its "allOf" refers to."""
+        for base in map(self.definition, schema.pop("allOf", [])):
+            for members in ("properties", "patternProperties"):
+                schema[members] = {**base.get(members, {}), **schema.get(members, {})}
+        return schema
+
+    def definition(self, reference):
+        return self.load("common")["$defs"][reference["$ref"].rsplit("/", 1)[1]]
 
     def check(self, document, schema):
         resolver = jsonschema.RefResolver("", {}, store={"common.schema.json": self.common})
@@ -49,7 +60,7 @@ class Schemas:
         array = next(value for value in schema["properties"].values() if "items" in value)
         items = array["items"]
         if "$ref" in items:
-            items = self.load("common")["$defs"][items["$ref"].rsplit("/", 1)[1]]
+            items = self.definition(items)
         return items
 
 
