@@ -18,14 +18,6 @@ std::vector<std::string> pathsOf(const Inventory& inventory)
     return paths;
 }
 
-std::vector<std::string> pathsOf(const Inventory::Devices& devices)
-{
-    std::vector<std::string> paths;
-    for (const BlockDevice* device : devices)
-        paths.push_back(device->path());
-    return paths;
-}
-
 std::string pathOf(const BlockDevice* device)
 {
     return device == nullptr ? "none" : device->path();
