@@ -8,6 +8,8 @@ which bars of bars.py fall short. When all have run, writes docs/performance.md 
 
 --quick   gives each comparison a fifth of the time
 --check   writes no page, and ends with 1 when a bar falls short
+
+Ends with 2 when a benchmark cannot run.
 """
 
 import argparse
@@ -45,8 +47,11 @@ def measure(build, name, seconds):
     environment = {**os.environ, "BENCHMARK_SECONDS": str(seconds)}
     comparisons = []
     for program, command in programs(build, name).items():
-        output = subprocess.run(command, env=environment, stdout=subprocess.PIPE, check=True)
-        for line in output.stdout.splitlines():
+        run = subprocess.run(command, env=environment, stdout=subprocess.PIPE, check=False)
+        if run.returncode != 0:
+            print(f"{program} failed with status {run.returncode}", file=sys.stderr)
+            sys.exit(2)
+        for line in run.stdout.splitlines():
             comparisons.append(Comparison(program, json.loads(line)))
             show(comparisons[-1])
     return comparisons
