@@ -5,6 +5,7 @@
 set -euo pipefail
 
 prefix=$(readlink -f "$1")
+export LD_LIBRARY_PATH=$prefix/lib/x86_64-linux-gnu # packages have no RUNPATH
 busybox=$(readlink -f "$2")
 guest=$(dirname "$(readlink -f "$0")")/guest
 

@@ -113,6 +113,6 @@ quietly configure -DDMPCLAIM_COMPONENTS="runtime;development;framework"
 step "the command, built from its own folder against the installed library"
 quietly cmake -S "$source/command" -B "$work/command" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
 quietly cmake --build "$work/command"
-"$(find "$work/command" -name dmpclaim -type f -perm -u+x)" show /dev/sdc2
+"$work/command/bin/dmpclaim" show /dev/sdc2
 
 "$checks/own_framework.sh" "$build" "$work/own_framework"

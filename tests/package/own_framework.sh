@@ -18,17 +18,6 @@ trap 'rm -rf "$machine"' EXIT
 hosts="$source/examples/framework_host.cpp;$checks/framework/calling_host.cpp"
 libraries=(libzepdk_4_4ST.so libzecmn_4_4ST.so libzeutilST.so)
 
-# make_framework NAME FOLDER: its log prints NAME before each line.
-make_framework() {
-    local compile=(g++ -std=c++17 -fPIC -shared -Wall -Wextra -Werror -I"$source")
-    mkdir -p "$2"
-    echo "extern const char frameworkName[] = \"$1\";" >"$work/name.cpp"
-    "${compile[@]}" "$checks/framework/zepdk.cpp" "$work/name.cpp" -o "$2/libzepdk_4_4ST.so" -lACE
-    "${compile[@]}" "$checks/framework/zeutil.cpp" -o "$2/libzeutilST.so" -lACE
-    "${compile[@]}" "$checks/framework/zecmn.cpp" -o "$2/libzecmn_4_4ST.so" \
-        -L"$2" -lzepdk_4_4ST -lACE -Wl,-soname,libzecmn_4_4ST.so
-}
-
 # install_library FRAMEWORK_DIR PREFIX [OPTION...]: always by way of one build folder.
 install_library() {
     local framework=$1 prefix=$2
@@ -54,22 +43,11 @@ finds_framework() {
     "$work/load" "$(library "$prefix")"
 }
 
-# prints HOST TRACE... <OUTPUT: the host prints OUTPUT, and its framework each line of TRACE.
-prints() {
-    local host=$1 line
-    shift
-    "$host" >"$work/output" 2>"$work/trace"
-    diff - "$work/output"
-    for line; do
-        grep -q "^$line" "$work/trace" || fail "$host did not trace '$line'"
-    done
-}
-
 # answer FOLDER NAME: the hosts in FOLDER use the framework NAME.
 answer() {
-    prints "$1/framework_host" "$2 6 Entering Function removePartitionSuffix " \
+    prints_and_traces "$1/framework_host" "$2 6 Entering Function removePartitionSuffix " \
         <<<"partition 2 of /dev/sdc"
-    prints "$1/calling_host" "$2 6 Entering Function getDeviceClaimStrings " \
+    prints_and_traces "$1/calling_host" "$2 6 Entering Function getDeviceClaimStrings " \
         "$2 6 A runner of 1 runs /bin/echo one  two" \
         "$2 1 ExecuteCommand - exception thrown in command execution.$" \
         <"$checks/framework/calling_host.txt"
@@ -91,8 +69,8 @@ uses_framework() {
     answer "$work/pc_$name" "$name"
 }
 
-make_framework first "$machine/first"
-make_framework second "$machine/second/lib"
+make_framework first "$machine/first" "$source"
+make_framework second "$machine/second/lib" "$source"
 g++ -std=c++17 -Wall -Wextra -Werror "$checks/framework/load.cpp" -o "$work/load"
 
 step "a framework that does not exist"
@@ -128,7 +106,7 @@ quietly cmake --install "$build" --prefix "$machine/stand_ins"
 libdir=$(cd "$machine/stand_ins" && dirname "$(find . -name libdmpclaim.so -printf '%P\n')")
 
 step "the stand-ins do not replace a framework, and not one file is installed"
-make_framework taken "$machine/taken/$libdir"
+make_framework taken "$machine/taken/$libdir" "$source"
 cp -r "$machine/taken" "$work/taken"
 refused "-DDMPCLAIM_FRAMEWORK_DIR=$machine/taken/$libdir" \
     cmake --install "$build" --prefix "$machine/taken"
@@ -137,7 +115,7 @@ diff -r "$work/taken" "$machine/taken"
 step "nor do they below DESTDIR, where alone they look"
 DESTDIR=$machine/image quietly cmake --install "$build" --prefix "$machine/taken"
 diff -r "$work/taken" "$machine/taken"
-make_framework taken "$machine/image/framework/$libdir"
+make_framework taken "$machine/image/framework/$libdir" "$source"
 DESTDIR=$machine/image refused "libzeutilST.so" cmake --install "$build" --prefix /framework
 
 step "the library for a host's own framework does not mix with the stand-ins"

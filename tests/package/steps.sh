@@ -35,6 +35,29 @@ names_none_of() {
     ! grep -rlF "${@/#/-e}" "$prefix" || fail "these files name one of: $*"
 }
 
+# make_framework NAME FOLDER HEADERS: a framework of a host's own, whose log prints NAME before each
+# line. HEADERS has pdk/include.
+make_framework() {
+    local compile=(g++ -std=c++17 -fPIC -shared -Wall -Wextra -Werror -I"$3")
+    mkdir -p "$2"
+    echo "extern const char frameworkName[] = \"$1\";" |
+        "${compile[@]}" "$checks/framework/zepdk.cpp" -x c++ - -o "$2/libzepdk_4_4ST.so" -lACE
+    "${compile[@]}" "$checks/framework/zeutil.cpp" -o "$2/libzeutilST.so" -lACE
+    "${compile[@]}" "$checks/framework/zecmn.cpp" -o "$2/libzecmn_4_4ST.so" \
+        -L"$2" -lzepdk_4_4ST -lACE -Wl,-soname,libzecmn_4_4ST.so
+}
+
+# prints_and_traces HOST TRACE... <OUTPUT: the host prints OUTPUT, and its framework each line of TRACE.
+prints_and_traces() {
+    local host=$1 traced line
+    shift
+    traced=$("$host" 2>&1 >/dev/null)
+    diff - <("$host" 2>/dev/null)
+    for line; do
+        grep -q "^$line" <<<"$traced" || fail "$host did not trace '$line'"
+    done
+}
+
 # cmake_hosts FOLDER PREFIX HOSTS [OPTION...]: builds hosts of the installation in PREFIX. HOSTS are
 # their sources with semicolons between them; the program of NAME.cpp is FOLDER/NAME.
 cmake_hosts() {
