@@ -1,6 +1,7 @@
 #include "cli/parsing.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "cli/options.h"
 #include "cli/usage_error.h"
@@ -51,8 +52,8 @@ const OwnOption* optionalValueOption(const std::string& name,
     return nullptr;
 }
 
-/// Puts a '=' before a number behind an option whose value may be left out, which is where CLI11
-/// looks for the value:  -w 5  becomes  --watch=5
+/// Joins an option whose value may be left out with the value, as CLI11 reads it:  -w 5  and  -w=5
+/// become  --watch=5
 std::vector<std::string> withJoinedValues(const std::vector<std::string>& arguments,
                                           const std::vector<Subcommand>& subcommands)
 {
@@ -60,12 +61,15 @@ std::vector<std::string> withJoinedValues(const std::vector<std::string>& argume
     const OwnOption* option = nullptr;
     bool onlyValues = false;
     for (const std::string& argument : arguments) {
+        const std::size_t end = std::min(argument.find('='), argument.size());
         if (option != nullptr && isNumber(argument))
             result.back() = option->longName() + '=' + argument;
         else
             result.push_back(argument);
         onlyValues = onlyValues || argument == "--";
-        option = onlyValues ? nullptr : optionalValueOption(result.back(), subcommands);
+        option = onlyValues ? nullptr : optionalValueOption(argument.substr(0, end), subcommands);
+        if (option != nullptr && end < argument.size())
+            result.back() = std::exchange(option, nullptr)->longName() + argument.substr(end);
     }
     return result;
 }
@@ -96,13 +100,13 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app)
                                                            : "unexpected argument '";
         return kind + unescaped(argument) + "'";
     }
-    if (app.get_subcommands().empty())
-        return "no subcommand is given; there are " + subcommandNames(app);
     // "--output: 1 required LIST missing", "json was given a disallowed flag override"
     std::string text = error.what();
     const std::size_t end = text.find_first_of(": ");
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr || end == std::string::npos)
-        return text;
+        return app.get_subcommands().empty()
+                   ? "no subcommand is given; there are " + subcommandNames(app)
+                   : text;
     return text[end] == ':' ? text.substr(0, end) + " needs a value"
                             : "--" + text.substr(0, end) + " takes no value";
 }

@@ -105,12 +105,14 @@ void WatchOutput::redraw(const DiskList& list, const std::vector<PathAnswer>& ro
         notes += wrapped(note, 0, m_output.width()) + '\n';
     const auto noteLines = static_cast<std::size_t>(std::count(notes.begin(), notes.end(), '\n'));
     const Rows shown = visible(pointersTo(rows), roomFor(noteLines));
-    m_output.write(beginScreen + timeOfDay(now) + "  " + std::to_string(rows.size()) + " paths\n");
+    // An interrupt meanwhile leaves a terminal that wraps lines again.
+    m_output.write(beginScreen + timeOfDay(now) + "  " + std::to_string(rows.size()) + " paths\n",
+                   endScreen);
     writeRows(Form::table, shown);
     if (shown.size() < rows.size())
         notes = std::to_string(rows.size() - shown.size()) +
                 " more paths; to see fewer, name their disks\n" + notes;
-    m_output.write(notes + endScreen);
+    m_output.write(notes + endScreen, "");
     m_output.flush();
 }
 

@@ -40,9 +40,13 @@ Character firstCharacter(std::string_view text)
 /// Escapes each byte that is not printable ASCII, or one of `special`.
 std::string escapedAscii(std::string_view text, std::string_view special)
 {
+    const auto isSpecial = [&](char character) {
+        return std::find(special.begin(), special.end(), character) != special.end();
+    };
     std::string result;
+    result.reserve(text.size());
     for (const char& character : text) {
-        if (isPrintableAscii(character) && special.find(character) == std::string_view::npos)
+        if (isPrintableAscii(character) && !isSpecial(character))
             result += character;
         else
             appendEscaped(result, {&character, 1});

@@ -10,6 +10,7 @@
 using namespace command;
 using testing::ContainsRegex;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
@@ -111,6 +112,13 @@ TEST_F(List, NamesEveryOwnerAndKindInItsHelp)
     std::replace(kinds.begin(), kinds.end(), '\n', ' ');
     for (const std::string& kind : kindNames())
         EXPECT_THAT(kinds, ContainsRegex("[ :]" + kind + "(,|$)"));
+}
+
+TEST_F(List, LeavesThePathsOfNvmeMultipathingOutUnlessAllAreWanted)
+{
+    m_made.add("pci0000:00/nvme/nvme0", "nvme0c0n1", "259:1");
+    EXPECT_THAT(list({"-r", "-n", "-o", "NAME"}).output, Not(HasSubstr("nvme")));
+    EXPECT_THAT(list({"-r", "-n", "-o", "NAME", "--all"}).output, HasSubstr("/dev/nvme0c0n1\n"));
 }
 
 TEST_F(List, MayBeOfGivenDevicesOnly)

@@ -250,6 +250,7 @@ TEST(Options, FlagsTakeNoValue)
 {
     EXPECT_EQ(complaint({"list", "--json=no"}), "list: --json takes no value");
     EXPECT_EQ(complaint({"show", "x", "--null=1"}), "show: --null takes no value");
+    EXPECT_EQ(complaint({"--json=no", "list"}), ": --json takes no value");
 }
 
 TEST(Options, ExplainAndDoctorTakeNoOptionsOfTables)

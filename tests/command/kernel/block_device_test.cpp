@@ -94,6 +94,15 @@ TEST_F(BlockDeviceFacts, OfADeviceThatVanishesAreNothing)
     EXPECT_EQ(device("sda").hctl(), "");
 }
 
+TEST_F(BlockDeviceFacts, AnAddressHasFourNumbers)
+{
+    m_machine.add("rbd/0/block", "rbd0", "250:0");
+    m_machine.add("bus/1:2:3/block", "sda", "8:0");
+    m_machine.add("bus/1:2:3:x/block", "sdb", "8:16");
+    for (const char* name : {"rbd0", "sda", "sdb"})
+        EXPECT_EQ(device(name).hctl(), "") << name;
+}
+
 TEST_F(BlockDeviceFacts, AFifoInAnAttributesPlaceIsNothing)
 {
     m_machine.addDisk("sda", "8:0", "2:0:0:0");

@@ -1,6 +1,8 @@
 // Readings of made-up paths, on a real terminal and on a pipe.
 #include "paths/watch.h"
 
+#include <thread>
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -95,6 +97,25 @@ TEST_F(OnATerminal, ChangesAreColoured)
     EXPECT_THAT(screen(), testing::ContainsRegex("\x1b\\[[0-9;]+mchanged\x1b\\["));
 }
 
+TEST_F(Watch, AnInterruptLeavesATerminalThatWrapsLines)
+{
+    const Options options = optionsOf({"--watch", "-o", columns});
+    for (int round = 0; round < 30; ++round) {
+        Terminal terminal;
+        OutputStream stream(terminal.descriptor());
+        WatchOutput output(options, stream);
+        std::thread watching([&] {
+            for (int reading = 0; reading < 20; ++reading) // less than a terminal holds
+                show(output, {path("/dev/sda", PathState::active)});
+        });
+        std::this_thread::sleep_for(round * 20us);
+        stream.end(1s);
+        watching.join();
+        const std::string screen = terminal.written();
+        EXPECT_GE(screen.rfind("\x1b[?7h") + 1, screen.rfind("\x1b[?7l") + 1) << round;
+    }
+}
+
 TEST_F(OnATerminal, NotesStandBelowThePaths)
 {
     show(m_output, {path("/dev/sda", PathState::unknown)}, {"only root knows"});
@@ -165,6 +186,8 @@ TEST(WatchInterval, IsTwoSecondsOrWhatIsGiven)
         {{"--watch"}, 2s},
         {{"-w", "5"}, 5s},
         {{"--watch=0.5"}, 500ms},
+        {{"-w=0.5"}, 500ms},
+        {{"-w=1", "5"}, 1s},
         {{"--watch", "0.1", "sda"}, 100ms},
         {{"-w", "sda"}, 2s},
         {{"sda", "-w"}, 2s},
