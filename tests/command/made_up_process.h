@@ -20,6 +20,13 @@ protected:
         return inNamespace(all);
     }
 
+    /// Waits until the volume manager is asked for the first time.
+    void awaitQuestion() const
+    {
+        for (int tries = 0; log().empty() && tries < 30'000; ++tries)
+            usleep(1000);
+    }
+
     MadeUpMachine m_made;
 };
 

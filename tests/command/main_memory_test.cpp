@@ -3,6 +3,7 @@
 
 #include "tests/command/made_up_process.h"
 #include "tests/support/disk_letters.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
@@ -49,8 +50,9 @@ TEST_F(Memory, OfAListGrowsByTwoKibibytesADiskAtMost)
     constexpr int disks = maps * pathsOfMap;
     const long peak = std::max(peakFor("list", 0), peakFor("paths", 0));
     addMaps(maps);
-    EXPECT_LT(peakFor("list", disks + maps), peak + 2 * disks);
-    EXPECT_LT(peakFor("paths", disks), peak + 2 * disks);
+    const long most = peak + (isSanitized ? 8 : 2) * disks;
+    EXPECT_LT(peakFor("list", disks + maps), most);
+    EXPECT_LT(peakFor("paths", disks), most);
 }
 
 } // namespace

@@ -56,8 +56,7 @@ TEST_F(MadeUpDevices, AreWhatTheSchemasSay)
 TEST_F(MadeUpDevices, ThatChangeAreLinesOfTheirSchema)
 {
     Process process(onMachine({"paths", "--watch=0.1"}));
-    while (log().empty()) // until the first reading asks the volume manager
-        usleep(1000);
+    awaitQuestion(); // in the first reading, behind that of sda
     m_made.set("sda", "device/state", "offline");
     const std::string line = process.receiveLine();
     const Json change = Json::parse(line);
