@@ -1,6 +1,7 @@
 #ifndef TESTS_SUPPORT_CHILD_H
 #define TESTS_SUPPORT_CHILD_H
 
+#include <cerrno>
 #include <cstdlib>
 #include <exception>
 
@@ -22,7 +23,11 @@ bool holdsInChild(const Work& work)
         }
     }
     int status = -1;
-    return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    pid_t ended = -1;
+    do
+        ended = waitpid(child, &status, 0);
+    while (ended < 0 && errno == EINTR);
+    return ended == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 #endif

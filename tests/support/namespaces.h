@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -96,7 +97,8 @@ private:
     static int await(pid_t child)
     {
         int status = 0;
-        waitpid(child, &status, 0);
+        while (waitpid(child, &status, 0) < 0 && errno == EINTR)
+            continue;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 };

@@ -4,24 +4,12 @@
 #include <chrono>
 #include <thread>
 
+#include "running_tools.h"
+
 namespace {
 
 using testing::IsEmpty;
 using testing::Not;
-
-/// The processes of the simulated tools that use this test's state file.
-std::vector<std::string> runningTools(const std::filesystem::path& state)
-{
-    std::vector<std::string> found;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        const std::string name = textOf(entry.path() / "comm");
-        const std::string environment = textOf(entry.path() / "environ");
-        const bool isTool = name == "kodmpadm\n" || name == "kodisk\n";
-        if (isTool && environment.find(state.string()) != std::string::npos)
-            found.push_back(entry.path());
-    }
-    return found;
-}
 
 class ActiveInterrupt : public ActiveCommand {
 protected:
