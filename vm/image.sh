@@ -9,6 +9,7 @@ unset CDPATH
 
 # What the guest runs, and the libraries of that.
 packages=(busybox-static udev multipath-tools kpartx dmsetup sg3-utils sg3-utils-udev fdisk
+    prometheus-node-exporter
     libacl1 libaio1 libblkid1 libbsd0 libc6 libcap2 libdevmapper1.02.1 libedit2 libfdisk1 libgcc-s1
     libgcrypt20 libgpg-error0 libjson-c5 libkmod2 liblz4-1 liblzma5 libmd0 libmount1 libncursesw6
     libpcre2-8-0 libreadline8 libselinux1 libsgutils2-1.46-2 libsmartcols1 libssl3 libsystemd0

@@ -5,6 +5,7 @@
 #include "active/short_command.h"
 #include "kovm/command_lines.h"
 #include "multipath/ending_text.h"
+#include "text/shortened.h"
 #include "text/text.h"
 
 namespace command {
@@ -15,14 +16,6 @@ using Code = Outcome::Code;
 
 /// The status by which kodmpadm tells that it does not know a name.
 constexpr int unknownName = 1;
-
-/// A tool may print a megabyte; an outcome's reason is a line.
-std::string shortened(std::string_view words)
-{
-    constexpr std::size_t longest = 160;
-    return words.size() <= longest ? std::string(words)
-                                   : std::string(words.substr(0, longest)) + "...";
-}
 
 std::string adminTool()
 {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "text/printable.h"
+#include "text/shortened.h"
 #include "text/text.h"
 #include "text/word_list.h"
 
@@ -101,15 +102,17 @@ private:
                     problems.push_back(problemText(code, devices));
             }
         }
-        return problems.empty() ? counted(m_report.disks.size(), "disk") + ", " +
-                                      counted(countPaths(true), "path")
-                                : joined(problems, "; ");
+        if (!problems.empty())
+            return joined(problems, "; ");
+        return m_report.end == StopReason::none ? counted(m_report.disks.size(), "disk") + ", " +
+                                                      counted(countPaths(true), "path")
+                                                : "not everything was examined";
     }
 
     std::string problemText(Code code, const Devices& devices) const
     {
         if (endsEarly(code))
-            return devices.front()->text;
+            return shortened(devices.front()->text); // it ends with the disks
         const auto* problem =
             std::find_if(std::begin(diskProblems), std::end(diskProblems),
                          [&](const DiskProblem& entry) { return entry.code == code; });

@@ -51,7 +51,7 @@ for the textfile collector of node exporter: share/doc/dmpclaim/monitoring.md.
 Exit status:
    0  nothing is wrong; with --metrics: they are written
   64  there are warnings
-  32  there are errors
+  32  there are errors, or not everything was examined
 
 An interrupt (SIGINT, SIGTERM, SIGHUP, SIGQUIT) ends the tools that run, and the
 command with status 130, 143, 129 or 131, once it has reported what it knows.
@@ -82,9 +82,10 @@ private:
     const std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
 };
 
-int exitStatus(const FindingCounts& counts)
+/// An early end is an error, also when --only or --ignore leaves its finding out.
+int exitStatus(const FindingCounts& counts, StopReason end)
 {
-    if (countOf(counts, Severity::error) > 0)
+    if (countOf(counts, Severity::error) > 0 || end != StopReason::none)
         return 32;
     return countOf(counts, Severity::warning) > 0 ? 64 : 0;
 }
@@ -111,14 +112,14 @@ TimeLimit limitOf(const DoctorOptions& options)
 int writeResult(const DoctorOptions& options, const Report& report, const Findings& findings,
                 OutputStream& output)
 {
-    int status = exitStatus(findings.counts());
+    const bool isWhole = report.end == StopReason::none;
+    int status = exitStatus(findings.counts(), report.end);
     if (options.form == DoctorForm::check) {
         const CheckResult result = checkResult(report, findings.kept());
         output.write(result.line);
         status = result.status;
-    } else if (options.form == DoctorForm::text && !options.isQuiet) {
-        output.write(report.end == StopReason::none ? summary(findings.counts())
-                                                    : "Not everything was examined.\n");
+    } else if (options.form == DoctorForm::text && !(options.isQuiet && isWhole)) {
+        output.write(isWhole ? summary(findings.counts()) : "Not everything was examined.\n");
     }
     output.flush();
     return status;

@@ -1,0 +1,46 @@
+#include "doctor/doctor_options.h"
+
+#include <gmock/gmock.h>
+
+#include "commands.h"
+
+namespace {
+
+using command::DoctorForm;
+using command::DoctorOptions;
+using std::chrono::seconds;
+
+DoctorOptions optionsOf(std::vector<std::string> arguments)
+{
+    arguments.insert(arguments.begin(), "doctor");
+    const auto parsed = command::parseOptions(arguments, command::subcommands());
+    return command::doctorOptions(std::get<command::Options>(parsed));
+}
+
+TEST(DoctorOptions, OnlyAPluginHasATimeLimitByItself)
+{
+    EXPECT_EQ(optionsOf({"--check"}).timeout, seconds(10));
+    EXPECT_EQ(optionsOf({"--check", "--timeout", "3"}).timeout, seconds(3));
+    for (const char* form : {"--metrics", "-J", "--json-lines", "--quiet"})
+        EXPECT_EQ(optionsOf({form}).timeout, std::nullopt) << form;
+    EXPECT_EQ(optionsOf({"--timeout", "3"}).timeout, seconds(3));
+}
+
+TEST(DoctorOptions, AFormIsWhatTheUserChose)
+{
+    EXPECT_EQ(optionsOf({}).form, DoctorForm::text);
+    EXPECT_EQ(optionsOf({"-J"}).form, DoctorForm::json);
+    EXPECT_EQ(optionsOf({"--json-lines"}).form, DoctorForm::jsonLines);
+    EXPECT_EQ(optionsOf({"--check"}).form, DoctorForm::check);
+    EXPECT_EQ(optionsOf({"--metrics"}).form, DoctorForm::metrics);
+    EXPECT_EQ(optionsOf({"--codes"}).form, DoctorForm::codes);
+}
+
+TEST(DoctorOptions, DisksAreAskedAboutOneByOneUnlessMoreAreWanted)
+{
+    EXPECT_EQ(optionsOf({}).jobs, 1U);
+    EXPECT_EQ(optionsOf({"-j", "64"}).jobs, 64U);
+    EXPECT_EQ(optionsOf({}).expectedPaths, 0U);
+}
+
+} // namespace
