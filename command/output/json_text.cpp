@@ -65,14 +65,6 @@ Field rawField(const Field& field)
     return words;
 }
 
-std::string written(const Document& document, JsonText::Layout layout)
-{
-    JsonText json(layout);
-    json.add(document);
-    json.endLine();
-    return json.text();
-}
-
 } // namespace
 
 /// Adds what a field holds.
@@ -263,14 +255,12 @@ void JsonText::addStep(const Step& step)
     endRecord();
 }
 
-std::string jsonText(const Document& document)
-{
-    return written(document, JsonText::Layout::indented);
-}
-
 std::string jsonLine(const Document& document)
 {
-    return written(document, JsonText::Layout::line);
+    JsonText json(JsonText::Layout::line);
+    json.add(document);
+    json.endLine();
+    return json.text();
 }
 
 } // namespace command

@@ -68,9 +68,6 @@ private:
     std::string m_text;
 };
 
-/// The document as text, with its line end.
-std::string jsonText(const Document& document);
-
 /// The document on one line, with its line end.
 std::string jsonLine(const Document& document);
 

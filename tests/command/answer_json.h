@@ -9,7 +9,7 @@
 /// A document as the command prints it, parsed.
 inline nlohmann::ordered_json parsed(const command::Document& document)
 {
-    return nlohmann::ordered_json::parse(command::jsonText(document));
+    return nlohmann::ordered_json::parse(command::jsonLine(document));
 }
 
 /// All columns of an answer.

@@ -85,7 +85,7 @@ TEST(JsonOutput, LinesHaveARecordEach)
 
 TEST(JsonOutput, ValuesHaveTheirTypes)
 {
-    const auto text = [](const Field& field) { return command::jsonText(field); };
+    const auto text = [](const Field& field) { return command::jsonLine(field); };
     EXPECT_EQ(text({}), "null\n");
     EXPECT_EQ(text(true), "true\n");
     EXPECT_EQ(text(std::int64_t{4294967295}), "4294967295\n");
@@ -124,9 +124,9 @@ TEST(JsonOutput, BytesThatAreNotUtf8AreReplaced)
 TEST(JsonOutput, CharactersOutsideAsciiAndDelAreEscapedAndComeBack)
 {
     const std::string text = "\x7f\u0085\u009b\u00e4\u2028\u202e\ufeff\U000e0041";
-    EXPECT_EQ(command::jsonText(text), R"("\u007f\u0085\u009b\u00e4\u2028\u202e\ufeff\udb40\udc41")"
+    EXPECT_EQ(command::jsonLine(text), R"("\u007f\u0085\u009b\u00e4\u2028\u202e\ufeff\udb40\udc41")"
                                        "\n");
-    EXPECT_EQ(Json::parse(command::jsonText(text)), text);
+    EXPECT_EQ(Json::parse(command::jsonLine(text)), text);
 }
 
 } // namespace

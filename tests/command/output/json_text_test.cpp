@@ -23,7 +23,9 @@ TEST(JsonText, LevelsAreIndentedOrOnOneLine)
     const Document document = Document::Record{{"a", Document::List{1, Document::List{}}},
                                                {"b", Document::Record{}},
                                                {"c", Document::Record{{"d", true}}}};
-    EXPECT_EQ(command::jsonText(document), R"({
+    JsonText indented(JsonText::Layout::indented);
+    indented.add(document);
+    EXPECT_EQ(indented.text(), R"({
   "a": [
     1,
     []
@@ -32,8 +34,7 @@ TEST(JsonText, LevelsAreIndentedOrOnOneLine)
   "c": {
     "d": true
   }
-}
-)");
+})");
     EXPECT_EQ(lineOf(document), R"({"a":[1,[]],"b":{},"c":{"d":true}})");
 }
 

@@ -85,7 +85,7 @@ RC_GTEST_PROP(HostileText, LosesNothingInJsonButBytesThatAreNotUtf8, ())
     const std::string text = *hostileText();
     const std::string unescaped =
         nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-    RC_ASSERT(nlohmann::json::parse(jsonText(text)) == nlohmann::json::parse(unescaped));
+    RC_ASSERT(nlohmann::json::parse(jsonLine(text)) == nlohmann::json::parse(unescaped));
 }
 
 RC_GTEST_PROP(HostileText, IsHarmlessInAnExplanation, ())
