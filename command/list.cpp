@@ -40,7 +40,7 @@ bool holds(const Words& words, const std::string& word)
 Words wordsOf(const Options& options, const char* option, const Words& known)
 {
     const std::optional<std::string> list = options.value(option);
-    const Words words = list ? splitAtCommas(*list) : Words();
+    Words words = list ? splitAtCommas(*list) : Words();
     for (const std::string& word : words) {
         if (!holds(known, word))
             throw UsageError(std::string(option) + " knows no '" + word + "'; there are " +

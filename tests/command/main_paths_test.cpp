@@ -3,6 +3,7 @@
 
 #include "tests/command/made_up_process.h"
 #include "tests/support/disk_letters.h"
+#include "tests/support/terminal.h"
 
 namespace {
 
@@ -53,6 +54,33 @@ TEST_F(PathsProcess, ShowsTheVolumeManagersPaths)
     EXPECT_EQ(failedOver.status, 64);
     useScenario("no-path-left");
     EXPECT_EQ(paths(columns).status, 32);
+}
+
+/// Reads the terminal until it gets the text.
+void awaitText(const Terminal& terminal, const std::string& text)
+{
+    std::string screen;
+    for (int tries = 0; tries < 30'000 && screen.find(text) == std::string::npos; ++tries) {
+        screen += terminal.written();
+        usleep(1000);
+    }
+    EXPECT_THAT(screen, testing::HasSubstr(text));
+}
+
+TEST_F(PathsProcess, ShowsAFailoverOnATerminalUntilASignalComes)
+{
+    const Terminal terminal;
+    Setting setting;
+    setting.output = terminal.descriptor();
+    setting.environment = {"NO_COLOR=1"};
+    Process process(onMachine({"paths", "--watch=0.1", "-o", "PATH,STATE,USED"}), setting);
+    awaitText(terminal, "/dev/sdb active  yes\n/dev/sdc standby no\n");
+    useScenario("failed-over");
+    awaitText(terminal, "/dev/sdb failed no\n/dev/sdc active yes\n");
+    process.signal(SIGINT);
+    const Result result = process.finish();
+    EXPECT_EQ(result.output + result.errors, "");
+    EXPECT_EQ(result.status, 130);
 }
 
 TEST_F(PathsProcess, FindsTheVolumeManagersNodeByItsName)
