@@ -1,7 +1,7 @@
 #include "benchmarks/comparison.h"
 
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <utility>
 
 namespace {
@@ -56,6 +56,7 @@ std::string joined(const std::vector<std::string>& texts)
 std::string textOf(const std::vector<double>& numbers)
 {
     std::vector<std::string> texts;
+    texts.reserve(numbers.size());
     for (const double number : numbers)
         texts.push_back(std::to_string(number));
     return '[' + joined(texts) + ']';
@@ -73,9 +74,8 @@ void print(const std::string& name, const std::vector<Result>& results)
         if (one.left)
             left.push_back(member + std::to_string(*one.left));
     }
-    std::printf("{\"name\": \"%s\", \"sides\": {%s}, \"left\": {%s}}\n", name.c_str(),
-                joined(sides).c_str(), joined(left).c_str());
-    std::fflush(stdout);
+    std::cout << "{\"name\": \"" << name << "\", \"sides\": {" << joined(sides) << "}, \"left\": {"
+              << joined(left) << "}}" << std::endl;
 }
 
 void compare(const std::string& name, const std::vector<Side>& sides)
@@ -90,6 +90,7 @@ void compare(const std::string& name, const std::vector<Side>& sides)
         runRound(contestants, round % 2 == 0);
     }
     std::vector<Result> results;
+    results.reserve(contestants.size());
     for (Contestant& one : contestants)
         results.push_back(std::move(one.result));
     print(name, results);

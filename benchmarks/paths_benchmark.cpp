@@ -27,9 +27,9 @@ dm_task* dm_task_create(int /*type*/)
     return new dm_task;
 }
 
-void dm_task_destroy(dm_task* task)
+void dm_task_destroy(dm_task* dmt)
 {
-    delete task;
+    delete dmt;
 }
 
 int dm_task_set_major(dm_task* /*task*/, int /*major*/)
@@ -37,9 +37,9 @@ int dm_task_set_major(dm_task* /*task*/, int /*major*/)
     return 1;
 }
 
-int dm_task_set_minor(dm_task* task, int minor)
+int dm_task_set_minor(dm_task* dmt, int minor)
 {
-    task->map = minor;
+    dmt->map = minor;
     return 1;
 }
 
@@ -54,22 +54,22 @@ int dm_task_no_open_count(dm_task* /*task*/)
 }
 
 /// A group for each of the eight paths of the map dm-N, which are the disks 8N to 8N + 7.
-int dm_task_run(dm_task* task)
+int dm_task_run(dm_task* dmt)
 {
     constexpr int pathsOfMap = 8;
-    const int first = task->map * pathsOfMap;
-    task->parameters = "2 0 1 0 8 1";
+    const int first = dmt->map * pathsOfMap;
+    dmt->parameters = "2 0 1 0 8 1";
     for (int number = first; number < first + pathsOfMap; ++number)
-        task->parameters +=
+        dmt->parameters +=
             (number == first ? " A 0 1 0 8:" : " E 0 1 0 8:") + std::to_string(number) + " A 0";
     return 1;
 }
 
-void* dm_get_next_target(dm_task* task, void* /*next*/, std::uint64_t* /*start*/,
-                         std::uint64_t* /*length*/, char** type, char** parameters)
+void* dm_get_next_target(dm_task* dmt, void* /*next*/, std::uint64_t* /*start*/,
+                         std::uint64_t* /*length*/, char** target_type, char** params)
 {
-    *type = task->target.data();
-    *parameters = task->parameters.data();
+    *target_type = dmt->target.data();
+    *params = dmt->parameters.data();
     return nullptr;
 }
 }

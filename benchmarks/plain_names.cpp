@@ -55,7 +55,8 @@ public:
     std::string append(std::string disk, unsigned int number) override
     {
         char partition[1024];
-        std::snprintf(partition, sizeof partition, "%s%d", disk.c_str(), static_cast<int>(number));
+        static_cast<void>(std::snprintf(partition, sizeof partition, "%s%d", disk.c_str(),
+                                        static_cast<int>(number)));
         return partition;
     }
 
