@@ -90,8 +90,8 @@ int exitStatus(const FindingCounts& counts, StopReason end)
     return countOf(counts, Severity::warning) > 0 ? 64 : 0;
 }
 
-/// Reads standard input to its end. Called before Interrupt blocks the signals, which would then
-/// wait for that end.
+/// Reads standard input to its end. Called before there is an Interrupt, so that a signal ends the
+/// process at once while it waits for input.
 std::vector<std::string> givenPaths(const Options& options)
 {
     std::vector<std::string> paths;

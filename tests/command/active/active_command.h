@@ -76,16 +76,6 @@ protected:
         return calls;
     }
 
-    /// The outline of four failed attempts; `result` is that of each lookup.
-    static std::vector<std::string> fourFailures(const std::string& result,
-                                                 const std::string& rescan = "0")
-    {
-        std::vector<std::string> steps;
-        for (int attempt = 0; attempt < 4; ++attempt)
-            steps.insert(steps.end(), {"getdmpnode " + result, "wait", "scandisks " + rescan});
-        return steps;
-    }
-
 private:
     static std::string outlineOfCommand(const Json& step)
     {

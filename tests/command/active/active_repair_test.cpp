@@ -3,6 +3,8 @@
 
 #include <chrono>
 
+#include "tests/command/scenario_answers.h"
+
 namespace {
 
 using testing::ElementsAre;

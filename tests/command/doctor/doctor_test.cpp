@@ -1,7 +1,6 @@
 // The command as a process, on a made-up machine with the simulated tools.
-#include <map>
-
 #include "doctor_command.h"
+#include "tests/command/scenario_answers.h"
 
 namespace {
 
@@ -167,55 +166,19 @@ TEST_F(Doctor, ADiskWithoutAnEnabledPathIsAnError)
     EXPECT_THAT(ended.output, HasSubstr("\nerror    no-path arr0_17: no path is left: "));
 }
 
-const std::vector<std::string> limit{"time-limit"};
-
-/// What doctor finds in each of the simulator's scenarios with the disks sdb and sdc.
-const std::map<std::string, std::vector<std::string>> codesOfScenarios{
-    {"healthy", {}},
-    {"any-order", {"active-path-missing", "active-path-missing", "path-lost"}},
-    {"failed-over", {"one-path-left"}},
-    {"failing-tool", {"tool-failed"}},
-    {"fault-blank-lines", {}},
-    {"fault-crlf", {}},
-    {"fault-cut-short", {"tool-failed"}},
-    {"fault-delay", {}},
-    {"fault-exit-status", {"tool-failed"}},
-    {"fault-flood", {"tool-floods"}},
-    {"fault-hang-after-output", limit},
-    {"fault-late-signal", {"tool-failed"}},
-    {"fault-many-spaces", {}},
-    {"fault-no-header", {"tool-unreadable"}},
-    {"fault-no-rule", {"no-disk-held"}},
-    {"fault-noise", {}},
-    {"fault-note", {"tool-unreadable"}},
-    {"fault-signal", {"tool-failed"}},
-    {"fault-tabs", {}},
-    {"hanging-tool", limit},
-    {"no-active-path", {"path-lost"}},
-    {"no-path-left", {"no-path"}},
-    {"only-primary-left", {"no-path"}},
-    {"replay", {"tool-failed", "tool-failed"}},
-    {"stale-paths", {}},
-    {"stale-repaired-by-refreshing", {"tool-failed"}},
-    {"stale-repaired-by-waiting", {"tool-failed"}},
-    {"unknown-disk", {}}};
-
 TEST_F(Doctor, EachScenarioHasItsCodes)
 {
     machine.addDeviceWithNode("sdb");
     machine.addDeviceWithNode("sdc");
-    for (const auto& file : std::filesystem::directory_iterator(scenarios())) {
-        const std::string name = file.path().stem();
-        ASSERT_EQ(codesOfScenarios.count(name), 1U) << name;
-        const std::vector<std::string>& codes = codesOfScenarios.at(name);
-        useScenario(name);
+    for (const ScenarioAnswer& answer : scenarios::answers) {
+        useScenario(answer.scenario);
         std::filesystem::remove(logPath());
         std::vector<std::string> found;
-        const Result ended = run({"-J", "-q", "--timeout", codes == limit ? "1" : "60"});
+        const Result ended = run({"-J", "-q", "--timeout", answer.active == nullptr ? "1" : "60"});
         const Json document = Json::parse(ended.output);
         for (const Json& finding : document["findings"])
             found.push_back(finding["code"]);
-        EXPECT_EQ(found, codes) << name;
+        EXPECT_EQ(found, answer.codes) << answer.scenario;
     }
 }
 
