@@ -1,13 +1,13 @@
 #include "dmp_nativepath_claim.h"
 
 #include <algorithm>
-#include <chrono>
 #include <new>
 
 #include <unistd.h>
 
 #include "dmp_trailing_digits.h"
 #include "kovm/command_lines.h"
+#include "kovm/pause.h"
 #include "kovm/retry_policy.h"
 #include "kovm/tables.h"
 #include "pdk/include/czeexecpipe.h"
@@ -35,15 +35,6 @@ void append(AceString& text, const AceString& piece)
     const std::size_t length = text.length() + piece.length();
     if (!isMade || (text += piece).length() != length)
         throw std::bad_alloc();
-}
-
-/// Resumes interrupted sleeps. Measures what is left, because sleep() rounds it down.
-void pauseFor(std::chrono::seconds left)
-{
-    const auto end = std::chrono::steady_clock::now() + left;
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): safe in the C library used here
-    while (left.count() > 0 && sleep(static_cast<unsigned int>(left.count())) > 0)
-        left = std::chrono::ceil<std::chrono::seconds>(end - std::chrono::steady_clock::now());
 }
 
 } // namespace
@@ -266,7 +257,7 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Waited(std::string osDiskName,
         if (result == 0)
             return 0;
         CZE_TRACE(6, "Obtaining dmp nodes failed. need to retry.");
-        pauseFor(policy.pause);
+        kovm::pauseFor(policy.pause);
         kovmScanDisks(disk);
     }
     CZE_TRACE(2, "Warning - obtaining dmp nodes failed even after multiple retries.");
@@ -295,7 +286,7 @@ int CKoDMPSupport::getKoVMDiskForOSDiskHandler_Refreshed(std::string osDiskName,
         if (result == 0)
             break;
         CZE_TRACE(6, "Obtaining dmp nodes failed. need to retry.");
-        pauseFor(policy.pause);
+        kovm::pauseFor(policy.pause);
     }
     if (result != 0)
         CZE_TRACE(2, "Warning - obtaining dmp nodes failed even after multiple retries.");
