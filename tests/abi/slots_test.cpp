@@ -9,6 +9,7 @@
 #include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "providers/device/scsitool/dmp_powerpath_claim.h"
+#include "tests/support/built_in_modules.h"
 #include "tests/support/host_module.h"
 
 using koze_pdk_4_4::CZeRefCount;
@@ -111,8 +112,8 @@ TEST(SlotNumbers, ReachTheOperationsOfTheManager)
     unsigned int number = 7;
     callSlot<void, CDmpDeviceClaimBase*>(2, &manager, new HostModule(journal, "host", 17));
     callSlot<void, CZeTraceLogHandle&>(3, &manager, log);
-    EXPECT_EQ(log->getCount(), 6);
-    EXPECT_EQ(callSlot<Strings>(4, &manager).size(), 5U);
+    EXPECT_EQ(log->getCount(), 3 + builtInModules);
+    EXPECT_EQ(callSlot<Strings>(4, &manager).size(), 2 + claimStrings().size());
     EXPECT_EQ(callSlot<std::uint32_t>(5, &manager, std::string("d")), 17U);
     EXPECT_TRUE(callSlot<bool>(6, &manager, std::string("d")));
     EXPECT_EQ(callSlot<std::string>(7, &manager, std::string("d"), 3U), "d+3");

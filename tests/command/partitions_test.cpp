@@ -17,8 +17,8 @@ protected:
         m_made.addDisk("sda", "8:0", "2:0:0:0");
         m_made.addPartition("sda", "sda1", "8:1");
         m_made.addPartition("sda", "sda11", "8:11");
-        m_made.add("pci0000:00/nvme/nvme0", "nvme0n1", "259:0");
-        m_made.addPartition("nvme0n1", "nvme0n1p1", "259:1");
+        m_made.add("pci0000:00/virtio0/block", "vda", "259:0");
+        m_made.addPartition("vda", "vda1", "259:1");
         addMap(0, "mpatha");
         addPartitionMap(1, "mpathap1", 1);
         addPartitionMap(2, "mpathap10", 10);
@@ -95,7 +95,7 @@ TEST_F(AppendOnAMachine, ByNameWarnsOfANameThatDoesNotComeBack)
 
 TEST_F(AppendOnAMachine, OfADiskThatNobodyClaimsIsEmptyWithoutAWarning)
 {
-    const Answered answered = append({"/dev/nvme0n1", "1"});
+    const Answered answered = append({"/dev/vda", "1"});
     EXPECT_EQ(answered.output, "\n");
     EXPECT_EQ(answered.errors, "");
     EXPECT_EQ(answered.status, 32);
@@ -104,7 +104,7 @@ TEST_F(AppendOnAMachine, OfADiskThatNobodyClaimsIsEmptyWithoutAWarning)
 TEST_F(AppendOnAMachine, ExistingIsTheKernelsNodeWhateverItsName)
 {
     for (const auto& [disk, node] : {std::pair("/dev/sda", "/dev/sda1"),
-                                     {"/dev/nvme0n1", "/dev/nvme0n1p1"},
+                                     {"/dev/vda", "/dev/vda1"},
                                      {"/dev/mapper/mpatha", "/dev/mapper/mpathap1"},
                                      {"/dev/mapper/mpathb", "/dev/mapper/mpathb-part1"},
                                      {"/dev/mapper/mpathc", "/dev/mapper/mpathc1"},
@@ -123,7 +123,7 @@ TEST_F(AppendOnAMachine, ExistingSaysWhatTheNamingRuleWouldHaveSaid)
               "dmpclaim: the naming rule would say '/dev/mapper/mpathbp1' for "
               "'/dev/mapper/mpathb-part1'\n");
     EXPECT_EQ(append({"--existing", "/dev/mapper/mpatha", "1"}).errors, "");
-    EXPECT_EQ(append({"--existing", "/dev/nvme0n1", "1"}).errors, "");
+    EXPECT_EQ(append({"--existing", "/dev/vda", "1"}).errors, "");
 }
 
 TEST_F(AppendOnAMachine, ExistingIsEmptyWhenTheKernelHasNone)
@@ -158,17 +158,17 @@ TEST_F(StripOnAMachine, ByNameWarnsOfADiskThatDoesNotExistOrDoesNotLeadBack)
     EXPECT_EQ(strip({"/dev/sdx1"}).errors, "dmpclaim: '/dev/sdx' does not exist on this machine\n");
     EXPECT_EQ(strip({"/dev/sda007"}).errors,
               "dmpclaim: partition 7 of '/dev/sda' would be '/dev/sda7', not '/dev/sda007'\n");
-    EXPECT_EQ(strip({"/dev/nvme0n1p1"}).errors, "");
+    EXPECT_EQ(strip({"/dev/vda1"}).errors, "");
 }
 
 TEST_F(StripOnAMachine, ExistingIsTheKernelsDiskAndNumber)
 {
     const Answered answered =
         strip({"--existing", "-r", "-n", "-o", "DISK,PARTNUM,PARTITION", "/dev/mapper/mpathap10",
-               "/dev/mapper/mpathb-part1", "/dev/nvme0n1p1", "/dev/sda"});
+               "/dev/mapper/mpathb-part1", "/dev/vda1", "/dev/sda"});
     EXPECT_EQ(answered.output, "/dev/mapper/mpatha 10 yes\n"
                                "/dev/mapper/mpathb 1 yes\n"
-                               "/dev/nvme0n1 1 yes\n"
+                               "/dev/vda 1 yes\n"
                                "/dev/sda - no\n");
     EXPECT_EQ(answered.errors, "dmpclaim: by its name '/dev/mapper/mpathap10' would be on "
                                "'/dev/mapper/mpathap10'\n");

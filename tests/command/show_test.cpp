@@ -108,19 +108,21 @@ TEST_F(ShowOnMultipath, LeavesAPathAloneThatCannotBeResolved)
 
 TEST_F(ExplainOnMultipath, PutsTheVerdictFirstAndThenWhatTheKernelHas)
 {
-    EXPECT_EQ(explain({"/dev/sda"}).output,
-              "/dev/sda\n"
-              "  owner          native (only claim)\n"
-              "  partition      no\n"
-              "  disk           /dev/sda\n"
-              "  kernel         disk, sda (8:0)\n"
-              "  agrees         no: to the kernel it is no partition, and owned by\n"
-              "                 device-mapper\n"
-              "  member of      /dev/mapper/mpatha\n"
-              "  partitions     1 is /dev/sda1\n"
-              "  native          2  claims it, a 16 would win        (prefix /dev/sd)\n"
-              "  powerpath       0  does not claim it                (prefix /dev/emcpower)\n"
-              "  device-mapper   0  does not claim it                (prefix /dev/mapper/)\n");
+    EXPECT_THAT(
+        explain({"/dev/sda"}).output,
+        testing::StartsWith(
+            "/dev/sda\n"
+            "  owner          native (only claim)\n"
+            "  partition      no\n"
+            "  disk           /dev/sda\n"
+            "  kernel         disk, sda (8:0)\n"
+            "  agrees         no: to the kernel it is no partition, and owned by\n"
+            "                 device-mapper\n"
+            "  member of      /dev/mapper/mpatha\n"
+            "  partitions     1 is /dev/sda1\n"
+            "  native          2  claims it, a 16 would win        (prefix /dev/sd)\n"
+            "  powerpath       0  does not claim it                (prefix /dev/emcpower)\n"
+            "  device-mapper   0  does not claim it                (prefix /dev/mapper/)\n"));
 }
 
 TEST_F(ExplainOnMultipath, TellsWhichNodeIsThePartition)

@@ -15,6 +15,14 @@ std::vector<std::string> claimStringsOf(ModuleList<Modules...> /*modules*/)
     return strings;
 }
 
+template <class... Modules>
+constexpr int countOf(ModuleList<Modules...> /*modules*/)
+{
+    return sizeof...(Modules);
+}
+
+inline constexpr int builtInModules = countOf(BuiltInModules());
+
 /// What a manager lists: the claim strings of the host's modules, then those of the built-in ones,
 /// the last module's first.
 inline std::vector<std::string> claimStrings(std::vector<std::string> hosts = {})

@@ -28,7 +28,7 @@ extern "C" int stat(const char* name, struct stat* file) noexcept
 {
     const int result = fstatat(AT_FDCWD, name, file, 0);
     if (result == 0 && S_ISREG(file->st_mode) && (file->st_mode & S_ISVTX) != 0) {
-        file->st_mode = S_IFBLK | (file->st_mode & ACCESSPERMS);
+        file->st_mode = S_IFBLK | (file->st_mode & ALLPERMS);
         file->st_rdev = numberIn(name);
     }
     return result;

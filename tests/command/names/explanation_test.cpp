@@ -27,10 +27,13 @@ std::vector<std::string> warningCodes(const Row& explanation)
 
 TEST(Explanation, HoldsWhatEveryModuleSaysInOrder)
 {
-    EXPECT_EQ(explain("/dev/mapper/dev/sda1")["modules"].dump(),
-              R"([{"module":"native","claim":2,"prefixes":["/dev/sd"]},)"
-              R"({"module":"powerpath","claim":0,"prefixes":["/dev/emcpower"]},)"
-              R"({"module":"device-mapper","claim":16,"prefixes":["/dev/mapper/"]}])");
+    const auto modules = explain("/dev/mapper/dev/sda1")["modules"];
+    EXPECT_EQ(modules.size(), command::drivers().size());
+    EXPECT_THAT(modules.dump(),
+                testing::StartsWith(
+                    R"([{"module":"native","claim":2,"prefixes":["/dev/sd"]},)"
+                    R"({"module":"powerpath","claim":0,"prefixes":["/dev/emcpower"]},)"
+                    R"({"module":"device-mapper","claim":16,"prefixes":["/dev/mapper/"]})"));
 }
 
 TEST(Explanation, TellsByWhichRuleTheOwnerWon)
