@@ -23,7 +23,7 @@ function(install_configured file destination)
     set(prefix ${CMAKE_INSTALL_PREFIX})
     configure_file(${template} ${configured} @ONLY)
     install(CODE "
-        set(prefix \"\${CMAKE_INSTALL_PREFIX}\")
+        cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_PREFIX OUTPUT_VARIABLE prefix)
         configure_file(\"${template}\" \"${configured}\" @ONLY)" ${ARGN})
     install(FILES ${configured} DESTINATION ${destination} ${ARGN})
 endfunction()

@@ -23,6 +23,10 @@ installed() { find "$1" ! -type d -printf '%P\n' | sort; }
 
 step "what cannot be built is refused when it is configured"
 refused "dmpclaim is a shared library only" configure -DBUILD_SHARED_LIBS=OFF
+if [[ $(uname -m) == x86_64 ]]; then
+    refused "dmpclaim is for 64-bit Linux only" configure --fresh -DCMAKE_C_FLAGS=-m32 \
+        -DCMAKE_CXX_FLAGS=-m32 -DCMAKE_TRY_COMPILE_TARGET_TYPE=STATIC_LIBRARY
+fi
 refused "names 'runtimes', which is no component" configure --fresh -DDMPCLAIM_COMPONENTS=runtimes
 refused "ACE is missing, its library or its header ace/SString.h. Install Debian's libace-dev" \
     configure --fresh -DCMAKE_IGNORE_PATH=/usr/include
@@ -67,9 +71,12 @@ step "no copy or lock of an editor is installed"
 strays=("$source"/pdk/include/{czeexport.h~,.#czeexport.h,.czeexport.h.swp})
 trap 'rm -rf "$machine" "${strays[@]}"' EXIT
 touch "${strays[@]}"
-quietly cmake --install "$build" --prefix "$work/beside_strays"
+(cd "$work" && quietly cmake --install "$build" --prefix beside_strays)
 rm "${strays[@]}"
 diff <(installed "$prefix") <(installed "$work/beside_strays")
+
+step "a prefix that was given from the current folder is known by its whole path"
+grep -qx "prefix=$work/beside_strays" "$work/beside_strays/lib/pkgconfig/dmpclaim.pc"
 
 step "no installed file names a folder of the build machine"
 names_none_of "$prefix" "$source" "$build"
