@@ -47,7 +47,8 @@ make_framework() {
         -L"$2" -lzepdk_4_4ST -lACE -Wl,-soname,libzecmn_4_4ST.so
 }
 
-# prints_and_traces HOST TRACE... <OUTPUT: the host prints OUTPUT, and its framework each line of TRACE.
+# prints_and_traces HOST TRACE... <OUTPUT: the host prints OUTPUT, and its framework each line that
+# begins with a TRACE.
 prints_and_traces() {
     local host=$1 traced line
     shift
@@ -75,7 +76,7 @@ pkg_config_hosts() {
     PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name dmpclaim.pc)")
     export PKG_CONFIG_PATH
     read -ra flags < <(pkg-config "$@" --cflags --libs dmpclaim)
-    for variable in libdir frameworkdir; do
+    for variable in frameworkdir libdir; do # as README: stand-ins may be beside the library
         flags+=("-Wl,-rpath,$(pkg-config "$@" --variable="$variable" dmpclaim)")
     done
     for host in ${hosts//;/ }; do
