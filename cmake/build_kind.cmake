@@ -16,8 +16,9 @@ if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
                         "interface have the sizes of 64-bit systems.")
 endif()
 if(DEFINED BUILD_SHARED_LIBS AND NOT BUILD_SHARED_LIBS)
-    message(FATAL_ERROR "dmpclaim is a shared library only: the host, its modules and the framework "
-                        "use one copy of its classes. Configure without BUILD_SHARED_LIBS=OFF.")
+    message(FATAL_ERROR "dmpclaim is a shared library only: the host, its modules and the "
+                        "framework use one copy of its classes. Configure without "
+                        "BUILD_SHARED_LIBS=OFF.")
 endif()
 
 # `cmake -B build` optimises. A distribution says CMAKE_BUILD_TYPE=None, or brings an -O of its own.

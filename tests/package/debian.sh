@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Checks Debian packages: their binaries, and, in a copy of this machine's root folder, what a stranger
-# does with them, from the installation to the removal.
+# Checks Debian packages: their binaries, and, in a copy of this machine's root folder, what a
+# stranger does with them, from the installation to the removal.
 #
-# usage: debian.sh FOLDER    FOLDER holds the packages, and in source the tree that they were built in
+# usage: debian.sh FOLDER    FOLDER holds the packages, and in source the tree that they came from
 set -euo pipefail
 # shellcheck source-path=SCRIPTDIR
 source "$(dirname "$0")/steps.sh"
@@ -10,8 +10,8 @@ source "$(dirname "$0")/steps.sh"
 folder=$(realpath "$1")
 unpacked=$folder/unpacked
 
-# left_behind UPPER: what the stranger's machine has and this one has not, but for the records of dpkg
-# and apt, caches, logs, and what the check put there.
+# left_behind UPPER: what the stranger's machine has and this one has not, but for the records of
+# dpkg and apt, caches, logs, and what the check put there.
 left_behind() {
     local path
     find "$1" -mindepth 1 ! -type c -printf '/%P\n' |

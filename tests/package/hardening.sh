@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Holds binaries against what hardens them: position independence, full RELRO, BIND_NOW, a stack that
-# is not executed, stack protector, checked functions of libc, marked targets of indirect jumps (CET).
+# Holds binaries against what hardens them: position independence, full RELRO, BIND_NOW, a stack
+# that is not executed, stack protector, checked functions of libc, marked targets of jumps (CET).
 #
 # usage: hardening.sh FILE...    programs or shared libraries
 set -euo pipefail

@@ -64,7 +64,8 @@ quietly apt-get -y purge libdmpclaim-dev
 prints host ./host
 
 step "the timer, and the removal of everything"
-quietly systemctl enable dmpclaim-metrics.timer
+if command -v systemctl >/dev/null; then quietly systemctl enable dmpclaim-metrics.timer; fi
 quietly apt-get -y purge dmpclaim libdmpclaim1 dmpclaim-framework libace-dev 'libace-[0-9]*'
-found=$(dpkg-query -W -f '${Package} ${db:Status-Status}\n' '*dmpclaim*' 2>/dev/null | grep -v not-installed || true)
+found=$(dpkg-query -W -f '${Package} ${db:Status-Status}\n' '*dmpclaim*' 2>/dev/null |
+    grep -v ' not-installed$' || true)
 [[ ! $found ]] || fail "dpkg still knows: $found"
