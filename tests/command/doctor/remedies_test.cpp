@@ -196,8 +196,8 @@ TEST_F(DeviceRemedies, NamePartitionsAnewAndTellMoreOfNames)
 TEST_F(DeviceRemedies, AreNotGivenWhereNoneHelps)
 {
     m_machine.addMapWithNode("mpatha", "mpath-1");
-    m_machine.addMapWithNode("mpathap12", "part12-mpath-1", {"dm-0"});
-    for (const Finding& finding : found("/dev/mapper/mpathap12"))
+    m_machine.addMapWithNode("mpathap10", "part10-mpath-1", {"dm-0"});
+    for (const Finding& finding : found("/dev/mapper/mpathap10"))
         EXPECT_EQ(finding.code, Code::ambiguousNames);
 }
 
