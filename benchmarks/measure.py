@@ -28,7 +28,8 @@ HERE = Path(__file__).parent
 
 def programs(build, name):
     """The commands of the benchmarks whose names contain `name`, by their names."""
-    found = {path.stem: [path] for path in sorted(build.glob("bin/*_benchmark"))}
+    sources = sorted(HERE.glob("*_benchmark.cpp"))
+    found = {source.stem: [build / "bin" / source.stem] for source in sources}
     found["jobs_benchmark"] = [HERE / "jobs_benchmark.sh", build]
     return {key: command for key, command in found.items() if name in key}
 
