@@ -91,6 +91,10 @@ step "the example host, built with CMake"
 cmake_hosts "$work/host" "$prefix" "$sample"
 "$work/host/host"
 
+step "a host without ACE is told so"
+refused "Install Debian's libace-dev, or set ACE_LIBRARY and ACE_INCLUDE_DIR" \
+    cmake_hosts "$work/host_without_ace" "$prefix" "$sample" -DCMAKE_IGNORE_PATH=/usr/include
+
 step "the example host, built with pkg-config, runs without the development files"
 pkg_config_hosts "$work/host_pc" "$prefix" "$sample"
 [[ $(pkg-config --variable=libdir dmpclaim) == "$prefix/lib" ]] || fail "libdir is not $prefix/lib"
