@@ -68,6 +68,14 @@ TEST_F(MapPaths, AreUsedInTheGroupThatTheKernelTriesNext)
                                                                          "/dev/sdb 2 active yes\n");
 }
 
+TEST_F(MapPaths, AreUsedInTheActiveGroupBeforeAnEarlierOneThatIsEnabled)
+{
+    // No path of the group that is next works.
+    EXPECT_EQ(shownWith("2 0 1 0 3 3 E 0 1 0 8:0 A 0 A 0 1 0 8:16 A 0 E 0 0 0"),
+              "/dev/sda 1 standby no\n"
+              "/dev/sdb 2 active yes\n");
+}
+
 TEST_F(MapPaths, AreUsedInAnotherGroupWhenTheNextOneHasFailed)
 {
     const DiskPaths disk = pathsWith("2 0 1 0 2 1 A 0 1 0 8:0 F 1 E 0 1 0 8:16 A 0");
