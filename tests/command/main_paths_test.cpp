@@ -77,10 +77,10 @@ TEST_F(PathsProcess, ShowsAFailoverOnATerminalUntilASignalComes)
     awaitText(terminal, "/dev/sdb active  yes\n/dev/sdc standby no\n");
     useScenario("failed-over");
     awaitText(terminal, "/dev/sdb failed no\n/dev/sdc active yes\n");
-    process.signal(SIGINT);
+    process.signal(SIGTERM);
     const Result result = process.finish();
     EXPECT_EQ(result.output + result.errors, "");
-    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.status, 143);
 }
 
 TEST_F(PathsProcess, FindsTheVolumeManagersNodeByItsName)

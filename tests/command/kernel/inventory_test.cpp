@@ -91,6 +91,24 @@ TEST_F(InventoryOfMultipath, TellsMembersFromPartitions)
     EXPECT_THAT(pathsOf(inventory.memberOf(partition)), ElementsAre("/dev/mapper/vg-root"));
 }
 
+TEST_F(InventoryOfMultipath, HasPartitionsInTheOrderOfTheirNumbersWhateverTheirNames)
+{
+    m_machine.addMap("dm-4", "254:4", "mpathap1", "part1-mpath-3600", {"dm-0"});
+    const Inventory inventory(m_machine.roots());
+    EXPECT_THAT(pathsOf(inventory.partitionsOf(*inventory.named("dm-0"))),
+                ElementsAre("/dev/mapper/mpathap1", "/dev/mapper/mpatha-part2",
+                            "/dev/mapper/mpatha-part10"));
+}
+
+TEST_F(InventoryOfMultipath, HasNoDiskForAPartitionsMapOverSeveralDevices)
+{
+    m_machine.addMap("dm-4", "254:4", "odd", "part1-mpath-3600", {"sda", "sdb"});
+    const Inventory inventory(m_machine.roots());
+    EXPECT_EQ(inventory.parentOf(*inventory.named("dm-4")), nullptr);
+    EXPECT_THAT(pathsOf(inventory.membersOf(*inventory.named("dm-4"))),
+                ElementsAre("/dev/sda", "/dev/sdb"));
+}
+
 TEST_F(InventoryOfMultipath, KnowsDisksPathsAndTheirPartitions)
 {
     const Inventory inventory(m_machine.roots());

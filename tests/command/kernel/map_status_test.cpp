@@ -4,8 +4,11 @@
 #include <cerrno>
 #include <cstring>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <libdevmapper.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "kernel/inventory.h"
 #include "tests/support/made_up_machine.h"
@@ -25,7 +28,8 @@ struct Kernel {
     int major = -1;
     int minor = -1;
     bool mayFlush = true;
-    int tasks = 0; // that were made and not destroyed
+    int accessError = 0; // for accounts that want to read and write the control node
+    int tasks = 0;       // that were made and not destroyed
 };
 
 Kernel kernel;
@@ -33,6 +37,14 @@ Kernel kernel;
 } // namespace
 
 extern "C" {
+
+int access(const char* name, int mode) noexcept
+{
+    if (kernel.accessError == 0 || mode != (R_OK | W_OK))
+        return static_cast<int>(syscall(SYS_faccessat, AT_FDCWD, name, mode));
+    errno = kernel.accessError;
+    return -1;
+}
 
 dm_task* dm_task_create(int type)
 {
@@ -138,6 +150,13 @@ TEST_F(MapStatusReader, AsksNothingWhenTheControlNodeMayNotBeOpened)
     EXPECT_EQ(read().error, std::errc::no_such_file_or_directory);
     EXPECT_EQ(kernel.asked, 0);
     EXPECT_EQ(kernel.tasks, 0);
+}
+
+TEST_F(MapStatusReader, AsksNothingForAccountsThatMayNotWriteToTheControlNode)
+{
+    kernel.accessError = EACCES;
+    EXPECT_EQ(read().error, std::errc::permission_denied);
+    EXPECT_EQ(kernel.asked, 0);
 }
 
 TEST_F(MapStatusReader, SaysWhatTheKernelRefuses)

@@ -32,6 +32,8 @@ TEST_F(Agreement, OfDisksAndTheirPartitions)
     EXPECT_EQ(agreement("/dev/sda"), "yes");
     EXPECT_EQ(agreement("/dev/sda1"), "yes");
     EXPECT_EQ(agreement("/dev/sda2"), "-");
+    m_made.addNode("sda3", "8:1");
+    EXPECT_EQ(agreement("/dev/sda3"), "no");
 }
 
 TEST_F(Agreement, AMultipathMapOwnsItsPaths)
