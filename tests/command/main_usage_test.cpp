@@ -27,6 +27,10 @@ TEST(Usage, BadUsageTellsWhatIsWrongAndWhereHelpIs)
     expectBadUsage({"prefixes", "-o", "SIZE"},
                    "dmpclaim: unknown column 'SIZE'; there are PREFIX, OWNER\n"
                    "Try 'dmpclaim prefixes --help' for more information.\n");
+    expectBadUsage({"list", "--owner", "x"},
+                   "dmpclaim: --owner knows no 'x'; there are native, powerpath, device-mapper, "
+                   "none\n"
+                   "Try 'dmpclaim list --help' for more information.\n");
 }
 
 TEST(Usage, AMessageForgesNoLines)
