@@ -46,7 +46,14 @@ def trace_bars():
 def growth_bars():
     for log in ("without a log", "with a log"):
         yield Bar(f"read a table {log}", "1000", "100", 11)
+    for machine in ("list so many disks", "paths of so many disks", "doctor with so many disks"):
+        yield Bar(machine, "32800", "3280", 12)
     yield Bar("look 64 stale disks up with so many jobs", "8", "1", 1 / 7)
+
+
+def row_bars():
+    for form, most in (("raw", 4), ("table", 8), ("JSON", 6), ("JSON lines", 6)):
+        yield Bar("show - for 100000 paths", form, "minimal host", most)
 
 
 BARS = [
@@ -54,5 +61,6 @@ BARS = [
     *runner_bars(),
     *trace_bars(),
     *growth_bars(),
+    *row_bars(),
     Bar("load the library", "ours", "empty library", 1.15),
 ]
