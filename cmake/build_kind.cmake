@@ -1,9 +1,9 @@
-# Which build this is, and what it cannot be; said at configuration.
+# What is built, optimised and hardened by default, and what cannot be built.
 
-# What installation can leave out, and packages are made of.
+# The components of an installation.
 set(all_components runtime development tools framework)
 set(DMPCLAIM_COMPONENTS "${all_components}" CACHE STRING
-    "What is installed: runtime, development, tools (the command), framework (its stand-ins)")
+    "What is installed: runtime, development, tools (the command), framework (stand-ins)")
 foreach(component IN LISTS DMPCLAIM_COMPONENTS)
     if(NOT component IN_LIST all_components)
         message(FATAL_ERROR "DMPCLAIM_COMPONENTS names '${component}', which is no component. "

@@ -85,7 +85,7 @@ cmake_path(APPEND pc_libdir "\${prefix}" ${CMAKE_INSTALL_LIBDIR}) # or LIBDIR, w
 cmake_path(APPEND pc_includedir "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
 install_configured(cmake/dmpclaim.pc ${CMAKE_INSTALL_LIBDIR}/pkgconfig ${in_development})
 
-# The framework's folder of CMake targets and sinks' headers is there with the stand-ins only.
+# Only stand-ins have CMake targets and headers of sinks.
 if(stand_ins)
     install(TARGETS ${stand_ins} EXPORT dmpclaimStandIns
             LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ${in_framework})
