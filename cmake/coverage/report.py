@@ -27,9 +27,9 @@ import sys
 # The least per cent of lines, branches and MC/DC; None where MC/DC is not asked for. A floor is raised
 # when tests reach more, and not lowered. Where there is nothing left to reach it is 100.
 FLOORS = {
-    "providers": (100, 99, 96),
+    "providers": (100, 100, 100),
     "vstring": (100, 100, 100),
-    "pdk": (99, 97, 90),
+    "pdk": (99, 98, 91),
     "command": (99, 96, 88),
     "simulator": (99, 96, None),
 }
