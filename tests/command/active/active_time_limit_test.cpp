@@ -122,7 +122,9 @@ TEST_F(ActiveTimeLimit, AToolThatCannotBeEndedIsNotWaitedFor)
     // The leak sanitizer looks for its own process in /proc.
     command.insert(std::find(command.begin(), command.end(), "env") + 1,
                    "LSAN_OPTIONS=detect_leaks=0");
-    const Result ended = Process(command).finish();
+    Process process(command);
+    EXPECT_TRUE(process.endsWithin(20000)); // it takes little more than three seconds
+    const Result ended = process.finish();
     EXPECT_EQ(ended.status, 64);
     EXPECT_THAT(ended.errors, testing::StartsWith("dmpclaim: a tool may still run: "));
     const Json answers = Json::parse(ended.output)["paths"];
