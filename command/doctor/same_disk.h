@@ -7,9 +7,9 @@
 
 namespace command {
 
-/// The nodes of the volume manager and the disks that the kernel multipaths, each disk once: a node
-/// whose paths are a kernel's disk's, too, is added to that disk. A path that one of both has lost
-/// is lost. Nodes come first.
+/// The nodes of the volume manager and the disks that the kernel multipaths, each disk once. A node
+/// whose paths also belong to a disk of the kernel is merged into that disk; a path is lost when
+/// either of them has lost it. Nodes come first.
 std::vector<MultipathDisk> eachDiskOnce(std::vector<MultipathDisk> nodes,
                                         std::vector<MultipathDisk> kernelDisks);
 
