@@ -38,8 +38,7 @@ stranger() {
 }
 
 if [[ ${2-} == --in-namespace ]]; then
-    root=$(mktemp -d)
-    stranger "$root"
+    stranger "$3"
     exit
 fi
 
@@ -62,4 +61,6 @@ if ! unshare --mount true 2>/dev/null; then
     echo "Skipped: installing the packages takes root and mount namespaces."
     exit 0
 fi
-unshare --mount "$0" "$folder" --in-namespace
+root=$(mktemp -d)
+trap 'rmdir "$root"' EXIT
+unshare --mount "$0" "$folder" --in-namespace "$root"
