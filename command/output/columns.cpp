@@ -18,6 +18,7 @@ std::string Heading::key() const
 std::string namesOf(const std::vector<Heading>& headings)
 {
     std::vector<std::string> names;
+    names.reserve(headings.size());
     for (const Heading& heading : headings)
         names.emplace_back(heading.name);
     return joined(names);

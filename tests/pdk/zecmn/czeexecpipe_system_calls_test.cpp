@@ -67,8 +67,8 @@ private:
         return fault.call == SYS_read || fault.call == SYS_ioctl;
     }
 
-    /// What a run left behind. A call that was not made has not closed its descriptor, nor reaped
-    /// its process.
+    /// What a run left behind. A call that was not made has not closed its descriptor, nor ended or
+    /// reaped its process.
     std::string left(const CallFault& fault) const
     {
         if (fault.call == SYS_waitid)
@@ -80,9 +80,19 @@ private:
             return "leaves a descriptor";
         if (fault.call != SYS_rt_sigprocmask && signalState() != m_signals)
             return "changes signals";
+        if (fault.call == SYS_kill)
+            endProcesses();
         if (!processesWith(mark()).empty())
             return "leaves a process";
         return {};
+    }
+
+    /// Ends what a call that was not made was to end, which the next run would find.
+    void endProcesses() const
+    {
+        for (const std::string& process : processesWith(mark()))
+            kill(std::stoi(process), SIGKILL);
+        awaitNobodyLeft();
     }
 
     std::set<std::string> m_before = openDescriptors();

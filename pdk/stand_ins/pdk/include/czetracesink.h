@@ -78,9 +78,9 @@ private:
 
     int m_descriptor;
     bool m_midLine = false;
-    std::optional<std::time_t> m_second; // of the texts below
-    std::string m_time;                  // 2026-11-21T10:53:24
-    std::string m_zone;                  // +00:00
+    std::optional<std::time_t> m_second{}; // of the texts below
+    std::string m_time{};                  // 2026-11-21T10:53:24
+    std::string m_zone{};                  // +00:00
 };
 
 /// Writes lines to standard error.
