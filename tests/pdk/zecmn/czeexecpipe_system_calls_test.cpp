@@ -3,6 +3,7 @@
 
 #include "exec_test.h"
 #include "tests/support/namespaces.h"
+#include "tests/support/sanitized.h"
 #include "tests/support/system_call_faults.h"
 
 namespace {
@@ -12,15 +13,18 @@ using koze_pdk_4_4::CZeExecPipeBase;
 /// What a run makes, but for the memory and the clocks of the C library.
 CallErrors callsOfARun()
 {
-    return errorsOf(
-        {SYS_chdir,        SYS_clone,          SYS_close,           SYS_close_range,
-         SYS_dup3,         SYS_execve,         SYS_fcntl,           SYS_futex,
-         SYS_getdents64,   SYS_ioctl,          SYS_keyctl,          SYS_kill,
-         SYS_lseek,        SYS_memfd_create,   SYS_openat,          SYS_pidfd_send_signal,
-         SYS_pipe2,        SYS_poll,           SYS_prctl,           SYS_read,
-         SYS_rt_sigaction, SYS_rt_sigprocmask, SYS_rt_sigtimedwait, SYS_setgroups,
-         SYS_setresgid,    SYS_setresuid,      SYS_setsid,          SYS_waitid,
-         SYS_write});
+    CallErrors errors =
+        errorsOf({SYS_chdir,        SYS_clone,          SYS_close,           SYS_close_range,
+                  SYS_dup3,         SYS_execve,         SYS_fcntl,           SYS_futex,
+                  SYS_getdents64,   SYS_ioctl,          SYS_keyctl,          SYS_kill,
+                  SYS_lseek,        SYS_memfd_create,   SYS_openat,          SYS_pidfd_send_signal,
+                  SYS_pipe2,        SYS_poll,           SYS_prctl,           SYS_read,
+                  SYS_rt_sigaction, SYS_rt_sigprocmask, SYS_rt_sigtimedwait, SYS_setgroups,
+                  SYS_setresgid,    SYS_setresuid,      SYS_setsid,          SYS_waitid,
+                  SYS_write});
+    if (isSanitized)
+        errors.erase(SYS_pipe2); // the sanitizer's own check of types makes pipes
+    return errors;
 }
 
 class ExecSystemCalls : public ExecTest {
@@ -57,7 +61,8 @@ protected:
                               return left(fault);
                           }});
         std::cout << faults << " faults\n";
-        EXPECT_GE(faults, leastFaults);
+        if (!isSanitized) // there, fewer calls fail
+            EXPECT_GE(faults, leastFaults);
     }
 
 private:
