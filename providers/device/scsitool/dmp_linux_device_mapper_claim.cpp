@@ -1,6 +1,7 @@
 #include "dmp_linux_device_mapper_claim.h"
 
 #include "dmp_trailing_digits.h"
+#include "vstring/Y_strings.h"
 
 namespace {
 
@@ -45,9 +46,11 @@ bool CDmpDeviceMapperClaim::isPartition(std::string device)
 std::string CDmpDeviceMapperClaim::appendPartitionSuffix(std::string device, unsigned int partnum)
 {
     CZE_TRACE_FUNCTION();
+    char suffix[32];
+    suffix[0] = '\0';
+    Y_snprintf(suffix, sizeof suffix, "p%d", static_cast<int>(partnum));
     const std::size_t diskLength = device.size();
-    device += 'p';
-    appendNumber(device, partnum);
+    device += suffix;
     CZE_TRACE(3,
               "INFO: CDmpDeviceMapperClaim::appendPartitionSuffix device [%s] partition[%s] "
               "partnum[%d]",

@@ -1,6 +1,5 @@
 #include "dmp_nativepath_claim.h"
 
-#include <algorithm>
 #include <new>
 
 #include <unistd.h>
@@ -12,6 +11,7 @@
 #include "kovm/tables.h"
 #include "pdk/include/czeexecpipe.h"
 #include "pdk/include/czestringtool.h"
+#include "vstring/Y_strings.h"
 
 using koze_pdk_4_4::CZeExecPipePosix;
 using koze_pdk_4_4::CZeStringTool;
@@ -22,8 +22,6 @@ namespace {
 using AceString = ACE_String_Base<char>;
 
 constexpr char deviceMarker[] = "/dev/sd";
-
-constexpr std::size_t longestPartition = 1023;
 
 constexpr unsigned long commandLimitSeconds = 600;
 
@@ -73,10 +71,10 @@ bool CNativePathClaim::isPartition(std::string device)
 std::string CNativePathClaim::appendPartitionSuffix(std::string device, unsigned int partnum)
 {
     CZE_TRACE_FUNCTION();
-    device.resize(std::min(device.find('\0'), device.size()));
-    appendNumber(device, partnum);
-    device.resize(std::min(device.size(), longestPartition));
-    return device;
+    char partition[1024];
+    partition[0] = '\0';
+    Y_snprintf(partition, sizeof partition, "%s%d", device.c_str(), static_cast<int>(partnum));
+    return partition;
 }
 
 std::string CNativePathClaim::removePartitionSuffix(std::string device, unsigned int& partnum)

@@ -1,6 +1,7 @@
 #include "dmp_powerpath_claim.h"
 
 #include "dmp_trailing_digits.h"
+#include "vstring/Y_strings.h"
 
 namespace {
 
@@ -40,8 +41,11 @@ bool CDmpPowerPathClaim::isPartition(std::string device)
 std::string CDmpPowerPathClaim::appendPartitionSuffix(std::string device, unsigned int partnum)
 {
     CZE_TRACE_FUNCTION();
+    char suffix[32];
+    suffix[0] = '\0';
+    Y_snprintf(suffix, sizeof suffix, "%d", static_cast<int>(partnum));
     const std::size_t diskLength = device.size();
-    appendNumber(device, partnum);
+    device += suffix;
     CZE_TRACE(3,
               "INFO: CDmpPowerPathClaim::appendPartitionSuffix device [%s] partition[%s] "
               "partnum[%d]",

@@ -3,10 +3,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstddef>
 #include <cstdlib>
-#include <iterator>
 #include <limits>
 #include <string>
 
@@ -39,15 +37,6 @@ inline unsigned int numberAt(const std::string& device, std::size_t begin)
     const long number = std::strtol(device.c_str() + first, nullptr, 10);
     errno = hostErrno;
     return static_cast<unsigned int>(number);
-}
-
-/// Appends the number as a signed decimal: 4294967295 gives "-1".
-inline void appendNumber(std::string& device, unsigned int partnum)
-{
-    char text[std::numeric_limits<int>::digits10 + 2]; // with the sign
-    char* const end =
-        std::to_chars(std::begin(text), std::end(text), static_cast<int>(partnum)).ptr;
-    device.append(text, end);
 }
 
 #endif

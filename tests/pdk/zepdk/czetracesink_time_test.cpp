@@ -43,7 +43,7 @@ void setZone(const char* zone)
     tzset();
 }
 
-/// The stamps of lines that one sink writes at these times.
+/// Writes a line at each of the times with the same sink. Returns the time stamps of the lines.
 std::vector<std::string> stampsAt(const std::vector<timespec>& times)
 {
     const TemporaryFolder folder;

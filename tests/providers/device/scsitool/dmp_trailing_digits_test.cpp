@@ -101,18 +101,4 @@ TEST(TrailingDigits, ASaturatedNumberLeavesTheHostsErrnoAlone)
     }
 }
 
-TEST(TrailingDigits, AreAppendedAsASignedDecimal)
-{
-    const auto appended = [](unsigned int number) {
-        std::string device = "sda";
-        appendNumber(device, number);
-        return device;
-    };
-    EXPECT_EQ(appended(0), "sda0");
-    EXPECT_EQ(appended(12), "sda12");
-    EXPECT_EQ(appended(2147483647), "sda2147483647");
-    EXPECT_EQ(appended(2147483648), "sda-2147483648");
-    EXPECT_EQ(appended(4294967295), "sda-1");
-}
-
 } // namespace
