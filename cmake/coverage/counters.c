@@ -22,8 +22,8 @@ SECTION_EDGE(bitmapsBegin, "__start___llvm_prf_bits");
 SECTION_EDGE(bitmapsEnd, "__stop___llvm_prf_bits");
 
 // Of the profile runtime.
-const char* __llvm_profile_begin_names(void);
-const char* __llvm_profile_end_names(void);
+const uint64_t* __llvm_profile_begin_data(void);
+const uint64_t* __llvm_profile_end_data(void);
 uint64_t __llvm_profile_get_size_for_buffer(void);
 int __llvm_profile_write_buffer(char* buffer);
 
@@ -54,12 +54,18 @@ static char* map(void* address, uint64_t size, int flags, long file, uint64_t of
                        MAP_SHARED | flags, file, (long)offset);
 }
 
-// Of the names of all functions, which differ between programs.
+// Of all functions' records: their names' and structures' hashes, and their numbers of counters and
+// of bitmap bytes. Many programs have the name "main" alone. The other words are addresses.
 static uint64_t identity(void)
 {
     uint64_t hash = 14695981039346656037U; // FNV-1a
-    for (const char* at = __llvm_profile_begin_names(); at != __llvm_profile_end_names(); ++at)
-        hash = (hash ^ (unsigned char)*at) * 1099511628211U;
+    for (const uint64_t* at = __llvm_profile_begin_data(); at != __llvm_profile_end_data();
+         at += 8) {
+        const uint64_t words[] = {at[0], at[1], at[6], at[7]};
+        for (const unsigned char* byte = (const unsigned char*)words;
+             byte != (const unsigned char*)(words + 4); ++byte)
+            hash = (hash ^ *byte) * 1099511628211U;
+    }
     return hash;
 }
 
