@@ -19,8 +19,7 @@ bool endsProcess(int signal)
 {
     constexpr std::array others = {SIGCHLD, SIGCONT, SIGSTOP, SIGTSTP,
                                    SIGTTIN, SIGTTOU, SIGURG,  SIGWINCH};
-    return signal > 0 && signal <= SIGRTMAX &&
-           std::find(others.begin(), others.end(), signal) == others.end();
+    return signal <= SIGRTMAX && std::find(others.begin(), others.end(), signal) == others.end();
 }
 
 /// Dies even if the caller has blocked or ignored the signal or a runtime library handles it.
@@ -44,7 +43,7 @@ Ending endingOf(int result)
     using Kind = koze_pdk_4_4::runner::Ending::Kind;
     const auto reported = koze_pdk_4_4::runner::endingOf(result);
     Ending ending;
-    if (reported.kind == Kind::exited && reported.number >= 0 && reported.number <= 255)
+    if (reported.kind == Kind::exited && reported.number <= 255)
         ending.status = reported.number;
     else if (reported.kind == Kind::killed && endsProcess(reported.number))
         ending.signal = reported.number;

@@ -16,7 +16,7 @@ struct Ending {
 
 /// The ending that a command runner reports as `result`: a status from 0 to 255, 1000 plus the
 /// number of a signal that ends a process, or 1100 when the time limit passed. Any other result has
-/// none.
+/// none. REQUIRES: `result` is not negative.
 Ending endingOf(int result);
 
 /// Ends the process, or hangs, when `ending` says so; else returns at once. A death by a signal

@@ -5,6 +5,7 @@
 //
 // Exit status: 0 the call succeeded, 1 it failed as a real tool would fail, 2 its arguments are
 // wrong, 70 it is not among the recorded calls, 78 the simulator cannot do its own work.
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
@@ -111,8 +112,7 @@ int run(const Command& command)
 
 int main(int argc, char** argv)
 {
-    const std::string_view called = argc > 0 ? argv[0] : "";
-    simulator::Command command{std::string(called.substr(called.rfind('/') + 1)), {}};
+    simulator::Command command{program_invocation_short_name, {}};
     if (argc > 1)
         command.arguments.assign(argv + 1, argv + argc);
     try {

@@ -12,28 +12,20 @@
 
 namespace simulator {
 
-namespace {
-
-bool isRegular(int descriptor)
-{
-    struct stat status {};
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-}
-
-} // namespace
-
 RegularFile::RegularFile(std::string path, int flags, mode_t mode)
     : m_path(std::move(path)),
       m_failure((flags & O_ACCMODE) == O_RDONLY ? "cannot read" : "cannot write"),
       m_descriptor(open(m_path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode))
 {
-    if (m_descriptor >= 0 && isRegular(m_descriptor))
-        return;
     // ELOOP: a symbolic link (O_NOFOLLOW). ENXIO: a FIFO that has no reader.
     if (m_descriptor < 0 && errno != ELOOP && errno != ENXIO)
         failWithErrno(m_failure, m_path);
-    if (m_descriptor >= 0)
-        close(m_descriptor);
+    struct stat status {};
+    fstat(m_descriptor, &status); // leaves zeros where nothing was opened
+    m_mode = status.st_mode;
+    if (S_ISREG(m_mode))
+        return;
+    close(m_descriptor);
     throw Error(std::string(m_failure) + " " + m_path + ": it is no regular file; remove it");
 }
 
@@ -50,10 +42,7 @@ void RegularFile::lock() const
 
 mode_t RegularFile::permissions() const
 {
-    struct stat status {};
-    if (fstat(m_descriptor, &status) != 0)
-        failWithErrno(m_failure, m_path);
-    return status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
+    return m_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
 }
 
 std::string RegularFile::read() const

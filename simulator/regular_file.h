@@ -32,6 +32,7 @@ private:
     std::string m_path;
     const char* m_failure;
     int m_descriptor;
+    mode_t m_mode = 0; // and type
 };
 
 } // namespace simulator

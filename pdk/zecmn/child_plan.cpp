@@ -79,7 +79,7 @@ bool placeStdio(const StandardStreams& streams)
 int numberOf(const char* name)
 {
     int number = 0;
-    for (; *name >= '0' && *name <= '9'; ++name)
+    for (; *name >= '0'; ++name)
         number = number * 10 + (*name - '0');
     return number;
 }
@@ -97,18 +97,18 @@ void closeEntries(const char* entries, long size, int directory)
     }
 }
 
-/// For kernels before 5.9, which have no close_range.
+/// For kernels before 5.9, which have no close_range. execve closes the directory.
 bool closeListed()
 {
-    const auto directory =
-        static_cast<int>(syscall(SYS_openat, AT_FDCWD, "/proc/self/fd", O_RDONLY | O_DIRECTORY, 0));
+    const auto directory = static_cast<int>(
+        syscall(SYS_openat, AT_FDCWD, "/proc/self/fd", O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
     if (directory < 0)
         return false;
     alignas(dirent64) char entries[2048];
     long size = 0;
     while ((size = syscall(SYS_getdents64, directory, entries, sizeof entries)) > 0)
         closeEntries(entries, size, directory);
-    return syscall(SYS_close, directory) == 0 && size == 0;
+    return size == 0;
 }
 
 bool closeHostDescriptors()

@@ -74,13 +74,19 @@ struct stat statusOf(const Descriptor& file)
     return status;
 }
 
+/// The owner of "/"; 0, which is root, when it cannot be told.
+uid_t rootsOwner()
+{
+    struct stat root {};
+    stat("/", &root);
+    return root.st_uid;
+}
+
 /// Trusts root, the caller, and the owner of "/": in a user namespace root may have no number, and
 /// its files belong to the overflow account.
 bool isTrusted(uid_t account)
 {
-    struct stat root {};
-    return account == 0 || account == geteuid() ||
-           (stat("/", &root) == 0 && account == root.st_uid);
+    return account == 0 || account == geteuid() || account == rootsOwner();
 }
 
 using Time = std::pair<std::time_t, long>; // seconds and nanoseconds

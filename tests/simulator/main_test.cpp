@@ -1,4 +1,4 @@
-// Names that try to steer a terminal, through every message.
+// Names that try to steer a terminal, through every message; output that cannot be written.
 #include "simulated_tools.h"
 
 #include "tests/support/harmless_text.h"
@@ -69,6 +69,16 @@ TEST_F(Main, TheNameThatTheToolIsCalledByDoesNotSteerTheTerminal)
                           SIMULATOR_TOOLS "/kodisk"})
                        .finish());
     EXPECT_THAT(log(), testing::ElementsAre(testing::EndsWith("] " + escaped + " \"scandisks\"")));
+}
+
+TEST_F(Main, OutputThatCannotBeWrittenIsAnError)
+{
+    const Descriptor full = openFile("/dev/full", O_WRONLY);
+    Setting setting;
+    setting.output = full.number();
+    setting.environment = {"KOVM_SIMULATOR_STATE=" + statePath()};
+    EXPECT_THAT(Process(tool("kodmpadm", {"getdmpnode", "nodename=sdc"}), setting).finish(),
+                Fails(78, "kodmpadm: simulator: cannot write to descriptor 1: No space left"));
 }
 
 TEST_F(Main, ToolsAndTheirStandardErrorPrintWhatTheyAreToPrint)

@@ -1,11 +1,30 @@
 // Files that another account may put in the place of the simulator's, in a folder that both can
-// write to.
-#include "simulated_tools.h"
+// write to; files that cannot be locked, read or written.
+#include "simulator/regular_file.h"
 
 #include <atomic>
+#include <cerrno>
 #include <thread>
 
+#include <sys/file.h>
 #include <sys/stat.h>
+
+#include "simulated_tools.h"
+#include "simulator/error.h"
+
+namespace {
+
+int refusedLocks = 0;
+
+} // namespace
+
+/// Of the files that the test itself opens; the tools have the kernel's.
+extern "C" int flock(int, int) noexcept
+{
+    ++refusedLocks;
+    errno = ENOLCK;
+    return -1;
+}
 
 namespace {
 
@@ -90,6 +109,38 @@ TEST_F(RegularFile, AFifoIsRefusedAtOnce)
                 IsRefused("cannot read " + (folder() / "case.json").string()));
     makeFifo(statePath());
     EXPECT_THAT(kodisk({"scandisks"}), IsRefused("cannot read " + statePath()));
+}
+
+TEST_F(RegularFile, AFileThatCannotBeLockedIsNamed)
+{
+    const simulator::RegularFile file(beside(".lock"), O_WRONLY | O_CREAT, 0640);
+    refusedLocks = 0;
+    try {
+        file.lock();
+        ADD_FAILURE();
+    } catch (const simulator::Error& error) {
+        EXPECT_EQ(error.what(), "cannot lock " + beside(".lock") + ": No locks available");
+    }
+    EXPECT_EQ(refusedLocks, 1);
+}
+
+TEST_F(RegularFile, AFileThatCannotBeReadIsNamed)
+{
+    std::filesystem::remove(statePath());
+    create_symlink(std::filesystem::path("/proc/self/mem"), std::filesystem::path(statePath()));
+    EXPECT_THAT(kodisk({"scandisks"}),
+                Fails(78, "cannot read " + statePath() + ": Input/output error"));
+}
+
+TEST_F(RegularFile, AFileThatCannotBeWrittenIsNamed)
+{
+    EXPECT_THAT(kodisk({"scandisks"}), Succeeds());
+    EXPECT_THAT(start({"/usr/bin/env", "--ignore-signal=XFSZ", "/usr/bin/prlimit", "--fsize=0",
+                       SIMULATOR_TOOLS "/kodisk", "scandisks"})
+                    .finish(),
+                Fails(78, "cannot write " + logPath() + ": File too large"));
+    EXPECT_EQ(log().size(), 1U);
+    EXPECT_EQ(state()["calls"], Json({{"scandisks", 1}}));
 }
 
 TEST_F(RegularFile, TheNewStateReplacesWhateverHasItsName)

@@ -134,6 +134,7 @@ TEST_F(Replay, ADamagedRecordingIsNamedWithItsPlace)
         {R"({"replay": [{"command": "x"}]})", "replay[0].status is missing"},
         {R"({"replay": [{"command": "x", "status": -1}]})", "[0].status is not a whole number"},
         {R"({"replay": [{"command": "x", "status": 0}]})", "replay[0].output is not an array"},
+        {R"({"replay": [{"command": "x", "status": 0, "output": "a"}]})", "is not an array"},
         {R"({"replay": [{"command": "x", "status": 0, "output": [1]}]})", "else than lines"},
         {R"({"replay": "none.json"})", "none.json: No such file"},
         {R"({"replay": "case.json"})", "case.json.commands is missing"},

@@ -71,6 +71,20 @@ TEST_F(Shaping, ColumnsCanBeSetApartByAnything)
                                "sdc\tENABLED\tSECONDARY\tc2\n"})));
 }
 
+TEST_F(Shaping, ColumnsAreSetApartAtTheBeginningOfALineToo)
+{
+    const Json record{{"command", "kodisk scandisks"}, {"status", 0}, {"output", {" a  b", ""}}};
+    write(Json{{"replay", {record}},
+               {"faults", {{{"subcommand", "scandisks"}, {"separator", "|"}}}}});
+    EXPECT_THAT(kodisk({"scandisks"}), Succeeds("|a|b\n\n"));
+}
+
+TEST_F(Shaping, WhatIsFalseSpoilsNothing)
+{
+    EXPECT_THAT(pathsWith({{"no_header", false}, {"crlf", false}}),
+                Succeeds(text({header, rule, first, second})));
+}
+
 TEST_F(Shaping, TheOutputCanBeCutShort)
 {
     const std::string whole = text({header, rule, first, second});

@@ -85,6 +85,22 @@ TEST_F(StateFile, AStateThatCannotBeReplacedIsLeftAlone)
     EXPECT_EQ(textOf(statePath()), before);
 }
 
+TEST_F(StateFile, AStateThatIsAMountPointIsNamedAndLeftAlone)
+{
+    if (start({"/usr/bin/unshare", "-Urm", "true"}).finish().status != 0) {
+        endWithoutNamespaces();
+        return;
+    }
+    useScenario("healthy");
+    const std::string before = textOf(statePath());
+    EXPECT_THAT(start({"/usr/bin/unshare", "-Urm", "sh", "-c",
+                       "mount --bind \"$1\" \"$1\" && exec \"$2\" scandisks", "sh", statePath(),
+                       SIMULATOR_TOOLS "/kodisk"})
+                    .finish(),
+                Fails(78, "cannot replace " + statePath() + ": Device or resource busy"));
+    EXPECT_EQ(textOf(statePath()), before);
+}
+
 TEST_F(StateFile, CallsInParallelLoseNoCount)
 {
     useScenario("healthy");

@@ -85,6 +85,22 @@ TEST_F(VolumeManager, ANodeThatWaitsForItsRemovalIsNotHelpedByRescans)
     EXPECT_THAT(nodeOf("sdc"), Succeeds(healthyNode));
 }
 
+TEST_F(VolumeManager, ANodeThatWaitsForItsRemovalIsRemovedByItsOwnNameToo)
+{
+    useStale({{"removal", true}, {"name", "arr0_9"}});
+    EXPECT_THAT(kodisk({"rm", "arr0_17"}), Succeeds());
+    kodisk({"scandisks"});
+    EXPECT_THAT(nodeOf("sdc"), Succeeds(healthyNode));
+}
+
+TEST_F(VolumeManager, ANodeThatWaitsForItsRemovalIsNotRemovedByAnotherName)
+{
+    useStale({{"removal", true}});
+    EXPECT_THAT(kodisk({"rm", "arr0_1"}), Fails(1, "node \"arr0_1\""));
+    kodisk({"scandisks"});
+    EXPECT_THAT(nodeOf("sdc"), Fails(1, "disk \"sdc\""));
+}
+
 TEST_F(VolumeManager, ANodeThatOnlyWaitsForRescansCannotBeRemoved)
 {
     useStale({{"rescans", 1}});

@@ -81,6 +81,20 @@ TEST_F(ExecKernelThatReaps, AndHasNoPidfds)
     expectUnknown();
 }
 
+TEST_F(ExecKernelThatReaps, AndHasNoPidfdsIsNotAskedToSignalByANumberThatIsFreeAgain)
+{
+    m_kernel.hasPidfd = false;
+    EXPECT_EQ(execToFirstWord("hang", 60s), CZeExecPipeBase::boundExceeded);
+    // SIGTERM ends the program, perhaps before SIGCONT is sent. Signal 0 only tests for the group.
+    ASSERT_FALSE(m_kernel.killed.empty());
+    const pid_t group = m_kernel.killed.front().first;
+    EXPECT_LT(group, -1);
+    for (const auto& [pid, signal] : m_kernel.killed) {
+        EXPECT_EQ(pid, group);
+        EXPECT_NE(signal, SIGKILL);
+    }
+}
+
 TEST_F(ExecKernelThatReaps, AndKeepsTheStatusALittleLater)
 {
     m_kernel.exitInformationAfter = 3;

@@ -34,6 +34,14 @@ TEST_F(ExecKernel, WithPidfdsThatCannotBeWaitedFor)
     expectDenied();
 }
 
+TEST_F(ExecKernel, ThatWaitsForNoProcessTellsNoStatus)
+{
+    m_kernel.waitsByPidfd = m_kernel.waitsByNumber = false;
+    EXPECT_EQ(exec("exit_with 3"), CZeExecPipeBase::statusUnknown);
+    expectDenied();
+    EXPECT_GT(waitpid(-1, nullptr, 0), 0);
+}
+
 TEST_F(ExecKernel, ThatSignalsNoGroupByPidfd)
 {
     m_kernel.deniedCalls[SYS_pidfd_send_signal] = EINVAL;

@@ -122,7 +122,7 @@ extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept
 
 extern "C" int waitid(idtype_t type, id_t id, siginfo_t* info, int options)
 {
-    if (kernel != nullptr && type == P_PIDFD && !kernel->waitsByPidfd)
+    if (kernel != nullptr && !(type == P_PIDFD ? kernel->waitsByPidfd : kernel->waitsByNumber))
         return deny(EINVAL);
     if (kernel != nullptr && kernel->interruptsWaits && ++kernel->waits % 2 == 1)
         return deny(EINTR);

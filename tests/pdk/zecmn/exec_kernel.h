@@ -18,6 +18,7 @@ struct Kernel {
     std::map<long, int> deniedCalls; // number and errno's value
     bool hasPidfd = true;
     bool waitsByPidfd = true;
+    bool waitsByNumber = true;
     bool interruptsWaits = false; // each second one
     int waits = 0;
     int exitInformationAfter = 0; // ioctls that do not find it yet

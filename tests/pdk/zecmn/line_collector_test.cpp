@@ -151,6 +151,19 @@ TEST(LineCollector, SharesTheBudgetOfItsRun)
     EXPECT_TRUE(budget.exceeded);
 }
 
+TEST(LineCollector, DropsItsLastLineWhereAnotherOfItsRunIsPastTheBudget)
+{
+    Budget budget = ample;
+    Lines output;
+    Lines errors;
+    LineCollector first(output, budget);
+    first.add("a\nb");
+    LineCollector(errors, budget).add(std::string(ample.longestLine + 1, 'c') + "\n");
+    first.finish();
+    EXPECT_EQ(output, Lines({"a"}));
+    EXPECT_EQ(errors, Lines());
+}
+
 TEST(KeepBeginning, KeepsTheLinesThatFit)
 {
     const Lines all = {"before", "a", "bc", "d"};

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <limits>
+#include <string>
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -25,6 +26,9 @@ bool readsProc = true;
 /// When the processes that /proc lists end, relative to the reading of their state.
 enum class Vanish { never, beforeOpening, beforeReading };
 Vanish vanish = Vanish::never;
+
+/// What is read of the state of every process; empty for its real state.
+std::string madeUpState;
 
 } // namespace
 
@@ -58,6 +62,8 @@ extern "C" ssize_t read(int descriptor, void* bytes, std::size_t size)
         errno = ESRCH;
         return -1;
     }
+    if (!madeUpState.empty())
+        return static_cast<ssize_t>(madeUpState.copy(static_cast<char*>(bytes), size));
     return syscall(SYS_read, descriptor, bytes, size);
 }
 
@@ -149,6 +155,26 @@ TEST(ProcessGroup, DoesNotRunWhereItsMembersVanishWhileTheyAreLookedAt)
         vanish = Vanish::never;
         EXPECT_TRUE(groupRuns(leader.pid()));
     }
+}
+
+TEST(ProcessGroup, RunsInTheStatesThatAProcessRunsIn)
+{
+    const Member leader(0);
+    const std::string group = std::to_string(leader.pid());
+    const auto runsWith = [&](const std::string& state) {
+        madeUpState = state;
+        const bool runs = groupRuns(leader.pid());
+        madeUpState.clear();
+        return runs;
+    };
+    for (const char* state : {"R", "S", "D", "T", "t", "I"})
+        EXPECT_TRUE(runsWith("1 (a) " + (state + (" 1 " + group)) + " 1")) << state;
+    for (const char* state : {"Z", "X"})
+        EXPECT_FALSE(runsWith("1 (a) " + (state + (" 1 " + group)) + " 1")) << state;
+    EXPECT_FALSE(runsWith("1 (a) S 1 " + std::to_string(leader.pid() + 1) + " " + group));
+    EXPECT_FALSE(runsWith("1 (a S 1 " + group));
+    EXPECT_FALSE(runsWith("1 (a) S 1 "));
+    EXPECT_FALSE(runsWith("1 (a)"));
 }
 
 TEST(ProcessGroup, RunsAsLongAsNobodyCanTell)

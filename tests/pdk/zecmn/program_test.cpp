@@ -196,8 +196,11 @@ TEST_F(LookUpUser, FindsAnAccountsVariables)
     m_accounts.entry = passwd{name, none, 1, 1, none, home, shell};
     EXPECT_EQ(lookUpUser("a").variables,
               Texts({"HOME=/home/a b", "USER=alias", "LOGNAME=alias", "SHELL=/bin/zsh"}));
-    m_accounts.entry->pw_shell = none;
-    EXPECT_EQ(lookUpUser("a").variables.back(), "SHELL=/bin/sh");
+    for (char* missing : {none, static_cast<char*>(nullptr)}) {
+        m_accounts.entry->pw_dir = m_accounts.entry->pw_shell = missing;
+        EXPECT_EQ(lookUpUser("a").variables,
+                  Texts({"HOME=/", "USER=alias", "LOGNAME=alias", "SHELL=/bin/sh"}));
+    }
 }
 
 TEST_F(LookUpUser, RefusesNumbersThatWouldLeaveTheHostsInPlace)

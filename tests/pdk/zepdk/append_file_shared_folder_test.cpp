@@ -95,6 +95,7 @@ TEST_F(InASharedFolder, WhatIsRefusedIsAQuestionOfPermission)
         FAIL();
     } catch (const std::system_error& error) {
         EXPECT_EQ(error.code(), std::errc::permission_denied);
+        EXPECT_STREQ(error.code().category().name(), "refusal");
     }
 }
 

@@ -42,6 +42,18 @@ TEST_F(AppendFile, AFifoThatNobodyReadsIsNotWaitedFor)
     }
 }
 
+TEST_F(AppendFile, AFifoThatMayNotBeWrittenIsRefusedForThat)
+{
+    chmod(folder.file("").c_str(), 0755);
+    const std::string fifo = folder.file("fifo");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0444), 0);
+    EXPECT_TRUE(holdsInChild([&] {
+        if (geteuid() == 0)
+            becomeStranger();
+        return refusal(fifo) == "Permission denied";
+    }));
+}
+
 TEST_F(AppendFile, ASocketIsNoFifo)
 {
     const Descriptor unconnected(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
