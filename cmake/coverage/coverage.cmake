@@ -12,7 +12,8 @@ target_compile_definitions(coverage_counters PRIVATE COVERAGE_FOLDER="${coverage
 # Reserved names are those of the profile runtime.
 target_compile_options(coverage_counters PRIVATE -Wno-reserved-identifier -Wno-sign-conversion)
 
-add_compile_options(-fprofile-instr-generate -fcoverage-mapping -fcoverage-mcdc)
+# Atomic: all processes of a program count in the same memory, and must not undo each other's bits.
+add_compile_options(-fprofile-instr-generate -fprofile-update=atomic -fcoverage-mapping -fcoverage-mcdc)
 link_libraries($<BUILD_INTERFACE:coverage_counters>)
 add_link_options(-fprofile-instr-generate -Wl,-T,${CMAKE_CURRENT_LIST_DIR}/counters.ld)
 # The C++ library's own templates, which clang 19 does not take for a system's.
