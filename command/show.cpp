@@ -23,7 +23,7 @@ back.)";
 constexpr char explainFooter[] =
     "-J, --json-lines, --color, --trace and the exit status: see 'dmpclaim --help'.";
 
-OwnOption resolveOption()
+OptionDeclaration resolveOption()
 {
     return {"--resolve", nullptr,
             "Ask about the device's own path: PATH may be a link, a kernel name such as dm-0, or "

@@ -1,7 +1,6 @@
 #ifndef WHOLE_OUTPUT_H
 #define WHOLE_OUTPUT_H
 
-#include <chrono>
 #include <optional>
 
 #include "cli/options.h"
@@ -20,13 +19,11 @@ public:
     {
         if (!isJson(options.form))
             return;
-        m_interrupt.emplace(m_stop, [&output] { output.end(patience); });
+        m_interrupt.emplace(m_stop, [&output] { output.end(); });
         m_interrupt->skipPatience();
     }
 
 private:
-    static constexpr std::chrono::milliseconds patience{500};
-
     StopRequest m_stop;
     std::optional<Interrupt> m_interrupt;
 };

@@ -219,21 +219,21 @@ Subcommand activeSubcommand()
             footer(),
             Arguments::paths,
             {{"--refresh", nullptr,
-              "Remove the disk's node from the volume manager and scan\n"
-              "all disks before looking it up, up to 4 times, with 10\n"
+              "Remove the disk's node from the volume manager and scan "
+              "all disks before looking it up, up to 4 times, with 10 "
               "seconds between. It removes the node each time!"},
              {"--as-given", nullptr,
-              "Ask about a partition's own name, which the volume\n"
+              "Ask about a partition's own name, which the volume "
               "manager does not know, not about its disk"},
              {"--tries", " N",
-              "Look a disk up N times at most, 1 to 4, and do not\n"
+              "Look a disk up N times at most, 1 to 4, and do not "
               "pause after the last attempt"},
              {"--once", nullptr, "The same as --tries 1"},
              {"--timeout", " SECONDS",
-              "End the tools after so many seconds, 0.001 to 1000000,\n"
+              "End the tools after so many seconds, 0.001 to 1000000, "
               "and show the paths without an answer as timed-out"},
              {"--dry-run", nullptr,
-              "Run nothing; print the commands and when each would run\n"
+              "Run nothing; print the commands and when each would run "
               "(columns: NAME, OWNER, COMMAND, WHEN)"},
              {"-j,--jobs", " N", "Look up N paths at once, 1 to 64 (default 1)"},
              {"--no-progress", nullptr, "Show no progress"}},

@@ -1,7 +1,6 @@
 #ifndef CLI_ANSWER_WRITER_H
 #define CLI_ANSWER_WRITER_H
 
-#include <chrono>
 #include <memory>
 
 #include "cli/options.h"
@@ -49,9 +48,8 @@ public:
     /// when the output takes no more.
     void endEarly()
     {
-        constexpr std::chrono::milliseconds patience{500};
         m_writer->flush();
-        m_output.end(patience);
+        m_output.end();
     }
 
 private:

@@ -80,10 +80,9 @@ public:
     }
 
 private:
-    std::string item(const std::string& name, std::string text) const
+    std::string item(const std::string& name, const std::string& text) const
     {
         const std::size_t indent = get_column_width();
-        std::replace(text.begin(), text.end(), '\n', ' ');
         std::string line = "  " + name;
         if (line.size() < indent)
             line.resize(indent, ' ');
@@ -95,45 +94,37 @@ private:
     std::size_t m_width;
 };
 
-void addFlag(CLI::App& app, const char* names, const std::string& help)
-{
-    app.add_flag(names)->description(help)->disable_flag_override();
-}
+const OptionDeclaration globalOptions[] = {
+    {"-J,--json", nullptr, "Print a JSON document"},
+    {"--json-lines", nullptr, "Print a JSON object a line"},
+    {"-o,--output", " LIST",
+     "Columns to show, separated by commas; with '+' in front, besides the usual ones"},
+    {"-O,--output-all", nullptr, "Show all columns"},
+    {"-n,--noheadings", nullptr, "Print no headings"},
+    {"-r,--raw", nullptr,
+     "Do not align columns; blanks and unprintable bytes in names become \\xNN"},
+    {"-P,--pairs", nullptr, "Print NAME=\"value\" pairs, escaped for a shell"},
+    {"-z,--zero", nullptr, "Print one column, each answer unaltered and with a NUL behind it"},
+    {"--color{always}", "[=WHEN]",
+     "Show headings, states and marks in colour: auto (on a terminal without NO_COLOR; the "
+     "default), always or never"},
+    {"--trace{6}", "[=LEVEL]",
+     "Print the library's trace lines to standard error, up to a level from 1 to 6, which is all "
+     "of them"},
+    {"--trace-file", " FILE", "Append trace lines to a file instead"}};
 
-void addGlobalOptions(CLI::App& app)
-{
-    addFlag(app, "-J,--json", "Print a JSON document");
-    addFlag(app, "--json-lines", "Print a JSON object a line");
-    app.add_option("-o,--output")
-        ->option_text(" LIST")
-        ->description("Columns to show, separated by commas; with '+' in front, besides the usual "
-                      "ones")
-        ->take_last();
-    addFlag(app, "-O,--output-all", "Show all columns");
-    addFlag(app, "-n,--noheadings", "Print no headings");
-    addFlag(app, "-r,--raw",
-            "Do not align columns; blanks and unprintable bytes in names become \\xNN");
-    addFlag(app, "-P,--pairs", "Print NAME=\"value\" pairs, escaped for a shell");
-    addFlag(app, "-z,--zero", "Print one column, each answer unaltered and with a NUL behind it");
-    app.add_flag("--color{always}")
-        ->option_text("[=WHEN]")
-        ->description("Show headings, states and marks in colour: auto (on a terminal without "
-                      "NO_COLOR; the default), always or never")
-        ->take_last();
-    app.add_flag("--trace{6}")
-        ->option_text("[=LEVEL]")
-        ->description("Print the library's trace lines to standard error, up to a level from 1 to "
-                      "6, which is all of them")
-        ->take_last();
-    app.add_option("--trace-file")
-        ->option_text(" FILE")
-        ->description("Append trace lines to a file instead")
-        ->take_last();
-}
+const OptionDeclaration nullOption{"-0,--null", nullptr,
+                                   "Paths on standard input are NUL-separated"};
 
-void addNull(CLI::App& app)
+void declare(CLI::App& app, const OptionDeclaration& option)
 {
-    addFlag(app, "-0,--null", "Paths on standard input are NUL-separated");
+    if (option.value == nullptr) {
+        app.add_flag(option.names)->description(option.help)->disable_flag_override();
+        return;
+    }
+    CLI::Option* added =
+        option.hasOptionalValue() ? app.add_flag(option.names) : app.add_option(option.names);
+    added->option_text(option.value)->description(option.help)->take_last();
 }
 
 CLI::Option* addPaths(CLI::App& app)
@@ -143,7 +134,7 @@ CLI::Option* addPaths(CLI::App& app)
                              ->description(pathHelp)
                              ->expected(1, CLI::detail::expected_max_vector_size)
                              ->allow_extra_args();
-    addNull(app);
+    declare(app, nullOption);
     return paths;
 }
 
@@ -160,29 +151,13 @@ void addArguments(CLI::App& app, Arguments arguments)
         break;
     case Arguments::diskAndNumber:
         app.add_option("DISK")
-            ->description("Path of a whole disk; '-' reads such paths from standard\n"
+            ->description("Path of a whole disk; '-' reads such paths from standard "
                           "input, as PATH does elsewhere")
             ->required();
         app.add_option("N")->description("Partition number, 0 to 4294967295")->required();
-        addNull(app);
+        declare(app, nullOption);
         break;
     }
-}
-
-void addOwnOption(CLI::App& app, const OwnOption& option)
-{
-    if (option.value == nullptr)
-        addFlag(app, option.names, option.help);
-    else if (option.hasOptionalValue())
-        app.add_flag(option.names)
-            ->option_text(option.value)
-            ->description(option.help)
-            ->take_last();
-    else
-        app.add_option(option.names)
-            ->option_text(option.value)
-            ->description(option.help)
-            ->take_last();
 }
 
 /// A line for each column.
@@ -222,8 +197,8 @@ void addSubcommand(CLI::App& app, const Subcommand& subcommand)
     CLI::App* added = app.add_subcommand(subcommand.name, subcommand.help);
     added->footer(footerOf(subcommand));
     addArguments(*added, subcommand.arguments);
-    for (const OwnOption& option : subcommand.options)
-        addOwnOption(*added, option);
+    for (const OptionDeclaration& option : subcommand.options)
+        declare(*added, option);
 }
 
 } // namespace
@@ -238,7 +213,8 @@ void declareCommandLine(CLI::App& app, const std::vector<Subcommand>& subcommand
     app.footer(std::string(globalFooter) + "\n\n" + examplesHelp(globalExamples));
     app.require_subcommand(1);
     app.fallthrough();
-    addGlobalOptions(app);
+    for (const OptionDeclaration& option : globalOptions)
+        declare(app, option);
     for (const Subcommand& subcommand : subcommands)
         addSubcommand(app, subcommand);
     CLI::App* help = app.add_subcommand(helpSubcommand, "Print the help of a subcommand");

@@ -135,7 +135,7 @@ void readArguments(const CLI::App& app, Options& options)
         options.nulSeparated = isGiven(app, "--null");
         break;
     }
-    for (const OwnOption& option : options.subcommand->options) {
+    for (const OptionDeclaration& option : options.subcommand->options) {
         const std::string name = option.longName();
         if (isGiven(app, name.c_str()))
             options.own[name] = lastValue(app, name.c_str()).value_or("");

@@ -39,11 +39,11 @@ bool isNumber(const std::string& text)
 }
 
 /// The option whose value may be left out, by one of its names; null when it is no such option.
-const OwnOption* optionalValueOption(const std::string& name,
-                                     const std::vector<Subcommand>& subcommands)
+const OptionDeclaration* optionalValueOption(const std::string& name,
+                                             const std::vector<Subcommand>& subcommands)
 {
     for (const Subcommand& subcommand : subcommands) {
-        for (const OwnOption& option : subcommand.options) {
+        for (const OptionDeclaration& option : subcommand.options) {
             if (option.hasOptionalValue() &&
                 (name == option.longName() || name == option.shortName()))
                 return &option;
@@ -58,7 +58,7 @@ std::vector<std::string> withJoinedValues(const std::vector<std::string>& argume
                                           const std::vector<Subcommand>& subcommands)
 {
     std::vector<std::string> result;
-    const OwnOption* option = nullptr;
+    const OptionDeclaration* option = nullptr;
     bool onlyValues = false;
     for (const std::string& argument : arguments) {
         const std::size_t end = std::min(argument.find('='), argument.size());

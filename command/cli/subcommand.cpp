@@ -15,13 +15,13 @@ std::string nameFrom(std::string_view names, std::size_t begin)
 
 } // namespace
 
-std::string OwnOption::longName() const
+std::string OptionDeclaration::longName() const
 {
     const std::string_view all = names;
     return nameFrom(all, all.find("--"));
 }
 
-std::string OwnOption::shortName() const
+std::string OptionDeclaration::shortName() const
 {
     const std::string_view all = names;
     return all.substr(0, 2) == "--" ? "" : nameFrom(all, 0);

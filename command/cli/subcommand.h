@@ -12,8 +12,8 @@ namespace command {
 
 struct Options;
 
-/// An option of one subcommand.
-struct OwnOption {
+/// An option of the whole command or of one subcommand. The last value given counts.
+struct OptionDeclaration {
     const char* names; // as CLI11 takes them: "-j,--jobs"; braces hold the value that stands for
                        // one that is left out: "-w{2},--watch{2}"
     const char* value; // as help shows it: " N", or "[=N]" if it may be left out; null for a flag
@@ -43,7 +43,7 @@ struct Subcommand {
     std::string help;
     std::string footer;
     Arguments arguments;
-    std::vector<OwnOption> options;
+    std::vector<OptionDeclaration> options;
     Form form;                            // without -J, -o and -r
     Headings (*headings)(const Options&); // null when it prints no columns
     int (*run)(const Options&, OutputStream&);

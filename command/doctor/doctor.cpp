@@ -213,7 +213,7 @@ Subcommand doctorSubcommand()
         "Tell what is wrong on this machine, and what to do",
         std::string(footer) + "\n\nCodes of findings:\n" + codeHelp(),
         Arguments::optionalPaths,
-        doctorOwnOptions(),
+        doctorOptionDeclarations(),
         Form::text,
         nullptr,
         run,

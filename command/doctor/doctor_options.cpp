@@ -78,14 +78,14 @@ FindingFilter filterOf(const Options& options)
 
 } // namespace
 
-std::vector<OwnOption> doctorOwnOptions()
+std::vector<OptionDeclaration> doctorOptionDeclarations()
 {
     return {{"--check", nullptr,
-             "Print one line as monitoring plugins do, and end with\n"
+             "Print one line as monitoring plugins do, and end with "
              "0 (OK), 1 (WARNING), 2 (CRITICAL) or 3 (UNKNOWN)"},
             {"--metrics", nullptr, "Print metrics in Prometheus' text format"},
             {"--output-file", " FILE",
-             "Replace FILE by the metrics, at once: readers find the\n"
+             "Replace FILE by the metrics, at once: readers find the "
              "old metrics or the new ones"},
             {"--codes", nullptr, "List the codes of findings"},
             {"--only", " CODES", "Report findings of these codes only, with commas between"},
@@ -93,7 +93,7 @@ std::vector<OwnOption> doctorOwnOptions()
             {"-q,--quiet", nullptr, "Report warnings and errors only"},
             {"--expect-paths", " N", "Warn of multipathed disks with fewer than N paths"},
             {"--timeout", " SECONDS",
-             "End the tools after so long, and report what is known\n"
+             "End the tools after so long, and report what is known "
              "(with --check: 10 unless given)"},
             {"-j,--jobs", " N", "Ask about N disks at once, 1 to 64 (default 1)"}};
 }

@@ -27,7 +27,7 @@ struct DoctorOptions {
 };
 
 /// The options of `doctor` as the command line offers them.
-std::vector<OwnOption> doctorOwnOptions();
+std::vector<OptionDeclaration> doctorOptionDeclarations();
 
 /// Throws UsageError.
 DoctorOptions doctorOptions(const Options& options);

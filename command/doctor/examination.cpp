@@ -165,7 +165,7 @@ private:
                 disks.push_back(answer.path);
         }
         const std::string left = std::to_string(disks.size()) + " of " +
-                                 std::to_string(answers.size()) + " disks were not examined" +
+                                 counted(answers.size(), "disk") + " left unexamined" +
                                  (disks.empty() ? "" : ": " + joined(disks));
         if (m_report.end == StopReason::interrupt)
             m_receiver({Code::interrupted, "dmpclaim doctor", "a signal came; " + left});

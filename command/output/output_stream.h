@@ -43,7 +43,10 @@ public:
 
     /// Ends the output early: adds the ending and writes out what is buffered, unless the
     /// descriptor takes no more for `patience`. Later writes are ignored.
-    void end(std::chrono::milliseconds patience) noexcept;
+    void end(std::chrono::milliseconds patience = endPatience) noexcept;
+
+    /// A reader that is there takes what is left in less time.
+    static constexpr std::chrono::milliseconds endPatience{500};
 
 private:
     void add(std::string_view bytes);

@@ -37,9 +37,9 @@ struct DiskList {
     std::unique_ptr<Machine> machine; // has the devices
     std::vector<DiskPaths> disks;
     std::vector<std::string> notes; // sentences without a full stop
-    bool hasUnknown = false;        // a given DEVICE is no disk
+    bool hasUnknown = false;        // a given PATH is no disk
 
-    /// 32: a disk has no used path, or a given DEVICE is no disk; else 64: a disk has lost a path;
+    /// 32: a disk has no used path, or a given PATH is no disk; else 64: a disk has lost a path;
     /// else 1: of some disk it is not known whether a path is used; else 0.
     int exitStatus() const;
 };

@@ -24,7 +24,6 @@ constexpr char usualColumns[] =
     "DEVICE,DRIVER,PATH,GROUP,STATE,USED,ADDRESS,SIZE,WWID,READS,WRITES";
 constexpr char watchedColumns[] =
     "DEVICE,PATH,GROUP,STATE,USED,ADDRESS,RPS,WPS,RBPS,WBPS,CHANGE,TIME,WAS";
-constexpr std::chrono::milliseconds patience{500};
 constexpr char footer[] =
     R"(A row for each path of each disk that the device-mapper's multipath, the
 kernel's NVMe multipathing or, where it is installed, the KoVM volume manager
@@ -136,7 +135,7 @@ int listPaths(const Options& options, OutputStream& output, const PathSources& s
 {
     const std::optional<std::chrono::milliseconds> interval = watchInterval(options);
     const WantedDisks wanted = wantedDisks(options);
-    Interrupt interrupt(stop, [&output] { output.end(patience); });
+    Interrupt interrupt(stop, [&output] { output.end(); });
     interrupt.skipPatience();
     try {
         if (interval)
@@ -161,7 +160,7 @@ Subcommand pathsSubcommand()
             Arguments::optionalPaths,
             {{"-a,--all", nullptr, "Show disks of one path, too"},
              {"-w{2},--watch{2}", "[=SECONDS]",
-              "Show the paths every 2 or SECONDS seconds, or on a\n"
+              "Show the paths every 2 or SECONDS seconds, or on a "
               "pipe the changes; '-w 0.5' will do, too"}},
             Form::table,
             headings,

@@ -21,14 +21,14 @@ Report cutShort()
 
 TEST(CheckLine, OfThousandsOfDisksThatWereNotExaminedItTellsTheFirst)
 {
-    std::string text = "the time limit of 10 s passed; 3000 of 3000 disks were not examined: ";
+    std::string text = "the time limit of 10 s passed; 3000 of 3000 disks left unexamined: ";
     for (int disk = 0; disk < 3000; ++disk)
         text += "/dev/sd" + std::to_string(disk) + ", ";
     const CheckResult result =
         command::checkResult(cutShort(), {{Code::timeLimit, "dmpclaim doctor", text}});
     EXPECT_THAT(result.line,
                 StartsWith("DMPCLAIM UNKNOWN - the time limit of 10 s passed; 3000 of 3000 disks "
-                           "were not examined: /dev/sd0, "));
+                           "left unexamined: /dev/sd0, "));
     EXPECT_THAT(result.line, HasSubstr("... | disks="));
     EXPECT_LT(result.line.size(), 400U);
 }

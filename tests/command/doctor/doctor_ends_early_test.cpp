@@ -70,7 +70,7 @@ TEST_F(Doctor, TheTimeLimitEndsTheToolAndTheRestIsExamined)
     const Result check = run({"--check", "--timeout", "1"});
     EXPECT_EQ(check.status, 3);
     EXPECT_THAT(check.output, StartsWith("DMPCLAIM UNKNOWN - the time limit of 1 s passed; 1 of 2 "
-                                         "disks were not examined: /dev/sdc | disks=1;;;;"));
+                                         "disks left unexamined: /dev/sdc | disks=1;;;;"));
 }
 
 TEST_F(Doctor, EveryInterruptHasItsStatus)
