@@ -38,7 +38,7 @@ std::set<std::string> matches(const std::string& text, const std::string& patter
 std::set<std::string> offeredOptions()
 {
     std::set<std::string> names;
-    for (const command::OwnOption& option : command::doctorOwnOptions())
+    for (const command::OptionDeclaration& option : command::doctorOptionDeclarations())
         names.merge(matches(option.names, "--[a-z-]+"));
     return names;
 }

@@ -3,11 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <limits>
 #include <new>
 
-#include "tests/support/allocation_operators.h"
+#include "tests/support/failing_allocations.h"
 
 namespace {
 
@@ -17,20 +16,10 @@ std::atomic<long> lastFailing{0};
 
 } // namespace
 
-void* operator new(std::size_t size)
+static bool allocationFails()
 {
     const long number = ++allocations;
-    void* block = number >= firstFailing && number <= lastFailing
-                      ? nullptr
-                      : std::malloc(size == 0 ? 1 : size);
-    if (block == nullptr)
-        throw std::bad_alloc();
-    return block;
-}
-
-[[gnu::noinline]] void operator delete(void* block) noexcept // inlined, it would not match new
-{
-    std::free(block);
+    return number >= firstFailing && number <= lastFailing;
 }
 
 namespace {

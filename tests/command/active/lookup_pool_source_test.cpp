@@ -18,17 +18,10 @@ TEST(LookupPoolSource, AfterItsFailureNothingIsWorkedOn)
 {
     std::vector<std::string> worked;
     int calls = 0;
-    LookupPool pool(
-        1,
-        [&]() -> std::optional<std::string> {
-            if (++calls == 2)
-                throw std::runtime_error("cannot read");
-            return "a";
-        },
-        [&](const std::string& path, unsigned int) {
-            worked.push_back(path);
-            return named(path);
-        });
+    LookupPool pool(1, sourceThatFails(calls), [&](const std::string& path, unsigned int) {
+        worked.push_back(path);
+        return named(path);
+    });
     LookupResult result;
     EXPECT_EQ(pool.next(result, 10s), LookupPool::Next::result);
     EXPECT_THROW(pool.next(result, 10s), std::runtime_error);

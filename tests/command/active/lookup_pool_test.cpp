@@ -152,14 +152,8 @@ TEST(LookupPool, WhatTheWorkThrowsTakesThePlaceOfItsAnswer)
 TEST(LookupPool, WhatTheSourceThrowsComesAfterTheAnswersBeforeIt)
 {
     int calls = 0;
-    LookupPool pool(
-        1,
-        [&]() -> std::optional<std::string> {
-            if (++calls == 2)
-                throw std::runtime_error("cannot read");
-            return "a";
-        },
-        [](const std::string& path, unsigned int) { return named(path); });
+    LookupPool pool(1, sourceThatFails(calls),
+                    [](const std::string& path, unsigned int) { return named(path); });
     LookupResult result;
     EXPECT_EQ(pool.next(result, 10s), LookupPool::Next::result);
     EXPECT_THROW(pool.next(result, 10s), std::runtime_error);

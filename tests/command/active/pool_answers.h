@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +21,16 @@ inline command::LookupPool::Source source(std::vector<std::string> paths)
 {
     return [paths = std::move(paths), position = std::size_t{0}]() mutable {
         return position < paths.size() ? std::optional(paths[position++]) : std::nullopt;
+    };
+}
+
+/// A source of one path that fails when it is called again. Counts the calls.
+inline command::LookupPool::Source sourceThatFails(int& calls)
+{
+    return [&calls]() -> std::optional<std::string> {
+        if (++calls == 2)
+            throw std::runtime_error("cannot read");
+        return "a";
     };
 }
 

@@ -21,9 +21,9 @@ TEST_F(Doctor, AnInterruptEndsTheToolThatHangsAndTheReportSaysSo)
     EXPECT_EQ(ended.errors, "");
     EXPECT_EQ(ended.output, "ok       tool-ready /usr/sbin/kodmpadm: can be run\n"
                             "ok       tool-ready /usr/sbin/kodisk: can be run\n"
-                            "error    interrupted dmpclaim doctor: a signal came; 1 of 1 disks "
-                            "were not\n"
-                            "         examined: /dev/sdb\n"
+                            "error    interrupted dmpclaim doctor: a signal came; 1 of 1 disk "
+                            "left\n"
+                            "         unexamined: /dev/sdb\n"
                             "Not everything was examined.\n");
     EXPECT_EQ(log().size(), 1U);
 }

@@ -3,36 +3,19 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-#include <new>
-
 #include "exec_test.h"
-#include "tests/support/allocation_operators.h"
+#include "tests/support/failing_allocations.h"
 
 namespace {
 
 /// How many allocations succeed before one fails; negative: all.
 int allocationsLeft = -1;
 
-bool allocationFails()
-{
-    return allocationsLeft >= 0 && allocationsLeft-- == 0;
-}
-
 } // namespace
 
-// Not inlined: if only one of the two is, the compiler warns of mismatched allocation functions.
-[[gnu::noinline]] void* operator new(std::size_t size)
+static bool allocationFails()
 {
-    void* memory = allocationFails() ? nullptr : std::malloc(size);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    return memory;
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept
-{
-    std::free(memory);
+    return allocationsLeft >= 0 && allocationsLeft-- == 0;
 }
 
 namespace {

@@ -5,10 +5,8 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <ctime>
 #include <deque>
-#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,8 +16,8 @@
 #include <unistd.h>
 
 #include "handled_signals.h"
-#include "tests/support/allocation_operators.h"
 #include "tests/support/child.h"
+#include "tests/support/failing_allocations.h"
 
 using koze_pdk_4_4::CZeTraceDescriptorSink;
 using testing::ElementsAre;
@@ -87,18 +85,9 @@ extern "C" int sigtimedwait(const sigset_t* set, siginfo_t* info, const timespec
     return static_cast<int>(syscall(SYS_rt_sigtimedwait, set, info, &noWait, _NSIG / 8));
 }
 
-// Not inlined: if only one of the two is, the compiler warns of mismatched allocation functions.
-[[gnu::noinline]] void* operator new(std::size_t size)
+static bool allocationFails()
 {
-    void* memory = memoryIsOut ? nullptr : std::malloc(size);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    return memory;
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept
-{
-    std::free(memory);
+    return memoryIsOut;
 }
 
 namespace {
