@@ -161,8 +161,9 @@ void warnOfLetters(const NamedDevice& device, std::string_view letters, Warnings
     }
 }
 
-void warnOfNumber(const NamedDevice& device, std::string_view digits, Warnings& warnings)
+void warnOfNumber(const NamedDevice& device, Warnings& warnings)
 {
+    const std::string_view digits = numbered(device.path).digits;
     std::uint32_t number = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     const std::string text(digits);
@@ -205,13 +206,14 @@ void warnOfNumberedName(const NamedDevice& device, Warnings& warnings)
     const Numbered path = numbered(device.path);
     const std::size_t letters = path.name.rfind(device.prefix) + device.prefix.size();
     warnOfLetters(device, path.name.substr(letters), warnings);
-    warnOfNumber(device, path.digits, warnings);
 }
 
 void warnOfClaimedName(const NamedDevice& device, NameWarner warnOfName, Warnings& warnings)
 {
     warnOfPrefixPosition(device, warnings);
     warnOfName(device, warnings);
+    if (device.isPartition)
+        warnOfNumber(device, warnings);
 }
 
 void warnOfUnclaimedName(const NamedDevice& device, Warnings& warnings)

@@ -33,7 +33,8 @@ void warnOfMapperName(const NamedDevice& device, std::vector<Warning>& warnings)
 ///     name = prefix letters [ digits ]          /dev/sdaa12
 void warnOfNumberedName(const NamedDevice& device, std::vector<Warning>& warnings);
 
-/// Warns of a path that a driver claims. `warnOfName` is that driver's warner.
+/// Warns of a path that a driver claims: of where its prefix stands, of what `warnOfName`, that
+/// driver's warner, finds, and of a partition's number.
 void warnOfClaimedName(const NamedDevice& device, NameWarner warnOfName,
                        std::vector<Warning>& warnings);
 
