@@ -1,5 +1,5 @@
 # Reduces g++'s -fdump-lang-class to what other binaries rely on: virtual slots, size and bases of
-# the classes that the checked-in list names. Reads the list first, then the dump.
+# the classes that are wanted. Reads their list first, a line `class NAME` each, then the dump.
 FNR == NR { if ($1 == "class") wanted[$2] = 1; next }
 
 /^Vtable for / || /^Class / { section = $1; class = $NF; known = class in wanted }
