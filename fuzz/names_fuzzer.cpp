@@ -6,10 +6,8 @@
 #include <string_view>
 
 #include "pdk/include/czetracelog.h"
+#include "providers/device/scsitool/dmp_built_in_modules.h"
 #include "providers/device/scsitool/dmp_claim_manager.h"
-#include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
-#include "providers/device/scsitool/dmp_nativepath_claim.h"
-#include "providers/device/scsitool/dmp_powerpath_claim.h"
 #include "require.h"
 #include "tests/support/names_model.h"
 
@@ -27,20 +25,24 @@ CZeTraceLogHandle logThatWantsEverything()
     return log;
 }
 
-using Model = Answer (*)(const std::string& device, unsigned int partnum);
-
 template <class Module>
-void compare(const std::string& device, Model model)
+void compare(const std::string& device)
 {
     static CZeTraceLogHandle log = logThatWantsEverything();
     Module silent;
     Module traced;
     traced.registerTraceLog(log);
     for (const unsigned int partnum : {0U, 9U, 10U, 2147483647U, 2147483648U, 4294967295U}) {
-        const Answer expected = model(device, partnum);
+        const Answer expected = model::rules<Module>(device, partnum);
         FUZZ_REQUIRE(answerOf(silent, device, partnum) == expected);
         FUZZ_REQUIRE(answerOf(traced, device, partnum) == expected);
     }
+}
+
+template <class... Modules>
+void compareAll(const std::string& device, ModuleList<Modules...> /*modules*/)
+{
+    (compare<Modules>(device), ...);
 }
 
 void checkDefaults(const std::string& device)
@@ -59,10 +61,8 @@ void checkDefaults(const std::string& device)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string device(data, data + size);
-    compare<CDmpDeviceMapperClaim>(device, model::deviceMapper);
-    compare<CDmpPowerPathClaim>(device, model::powerPath);
-    compare<CNativePathClaim>(device, model::native);
-    compare<CDmpClaimManager>(device, model::manager);
+    compareAll(device, BuiltInModules());
+    compare<CDmpClaimManager>(device);
     checkDefaults(device);
     return 0;
 }

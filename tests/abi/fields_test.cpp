@@ -5,9 +5,7 @@
 #include <cstring>
 
 #include "providers/device/scsitool/dmp_claim_manager.h"
-#include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
-#include "providers/device/scsitool/dmp_nativepath_claim.h"
-#include "providers/device/scsitool/dmp_powerpath_claim.h"
+#include "tests/support/built_in_modules.h"
 
 using koze_pdk_4_4::CZeErrorManager;
 using koze_pdk_4_4::CZeRefCount;
@@ -53,9 +51,7 @@ TEST(Fields, OfAReferenceCountAreTheCount)
 
 template <class Module>
 using ModuleFields = testing::Test;
-using Modules =
-    testing::Types<CZeTraceable, CDmpDeviceMapperClaim, CDmpPowerPathClaim, CNativePathClaim>;
-TYPED_TEST_SUITE(ModuleFields, Modules);
+TYPED_TEST_SUITE(ModuleFields, BuiltInModulesAnd<CZeTraceable>);
 
 TYPED_TEST(ModuleFields, AreTheTraceLogHandleOnly)
 {

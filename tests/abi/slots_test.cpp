@@ -6,9 +6,6 @@
 #include <cstring>
 
 #include "providers/device/scsitool/dmp_claim_manager.h"
-#include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
-#include "providers/device/scsitool/dmp_nativepath_claim.h"
-#include "providers/device/scsitool/dmp_powerpath_claim.h"
 #include "tests/support/built_in_modules.h"
 #include "tests/support/host_module.h"
 
@@ -44,9 +41,7 @@ TEST(Slots, OfATraceableFollowTheDestructors)
 
 template <class Module>
 using ModuleSlots = testing::Test;
-using Modules = testing::Types<CDmpDeviceClaimBase, CDmpDeviceMapperClaim, CDmpPowerPathClaim,
-                               CNativePathClaim>;
-TYPED_TEST_SUITE(ModuleSlots, Modules);
+TYPED_TEST_SUITE(ModuleSlots, BuiltInModulesAnd<CDmpDeviceClaimBase>);
 
 TYPED_TEST(ModuleSlots, AreThoseOfTheContract)
 {

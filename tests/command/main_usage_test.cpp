@@ -1,6 +1,7 @@
 // Bad usage: what is said, and where.
 #include <gmock/gmock.h>
 
+#include "names/drivers.h"
 #include "tests/command/dmpclaim.h"
 
 namespace {
@@ -27,10 +28,13 @@ TEST(Usage, BadUsageTellsWhatIsWrongAndWhereHelpIs)
     expectBadUsage({"prefixes", "-o", "SIZE"},
                    "dmpclaim: unknown column 'SIZE'; there are PREFIX, OWNER\n"
                    "Try 'dmpclaim prefixes --help' for more information.\n");
+    std::string owners;
+    for (const command::Driver& driver : command::drivers())
+        owners += driver.name + std::string(", ");
     expectBadUsage({"list", "--owner", "x"},
-                   "dmpclaim: --owner knows no 'x'; there are native, powerpath, device-mapper, "
-                   "none\n"
-                   "Try 'dmpclaim list --help' for more information.\n");
+                   "dmpclaim: --owner knows no 'x'; there are " + owners +
+                       "none\n"
+                       "Try 'dmpclaim list --help' for more information.\n");
 }
 
 TEST(Usage, AMessageForgesNoLines)

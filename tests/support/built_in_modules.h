@@ -1,6 +1,8 @@
 #ifndef TESTS_SUPPORT_BUILT_IN_MODULES_H
 #define TESTS_SUPPORT_BUILT_IN_MODULES_H
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -20,6 +22,13 @@ constexpr int countOf(ModuleList<Modules...> /*modules*/)
 {
     return sizeof...(Modules);
 }
+
+template <class... Others, class... Modules>
+testing::Types<Others..., Modules...> typesOf(ModuleList<Modules...> modules);
+
+/// The types of a typed test: these others, and the built-in modules.
+template <class... Others>
+using BuiltInModulesAnd = decltype(typesOf<Others...>(BuiltInModules()));
 
 inline constexpr int builtInModules = countOf(BuiltInModules());
 

@@ -6,10 +6,16 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
-// A second, simple implementation of the drivers' naming rules: the oracle of the random tests and
-// of the fuzz tests.
+#include "providers/device/scsitool/dmp_built_in_modules.h"
+#include "providers/device/scsitool/dmp_claim_manager.h"
+
+// A second, simple implementation of the drivers' naming rules, and names to ask about. Tests of
+// all built-in modules, of the manager and of random names take what they expect from here: nothing
+// of it comes from the library but the names of the modules' classes.
 
 /// All answers about one path and one partition number.
 struct Answer {
@@ -57,6 +63,24 @@ Answer answerOf(Module& module, const std::string& device, unsigned int partnum)
 
 namespace model {
 
+/// The built-in modules, in the order in which a manager asks them.
+using Modules = ModuleList<CNativePathClaim, CDmpPowerPathClaim, CDmpDeviceMapperClaim>;
+static_assert(std::is_same_v<Modules, BuiltInModules>);
+
+/// What a manager lists without modules of the host: the last module's prefix first.
+inline const std::vector<std::string> prefixes = {"/dev/mapper/", "/dev/emcpower", "/dev/sd"};
+
+/// A partition of each driver, longer than what a string holds without memory of its own.
+inline const std::vector<std::string> partitions = {"/dev/mapper/mpathbp2", "/dev/emcpowerc12",
+                                                    "/dev/sd-of-a-vm3"};
+
+/// Partitions and disks of drivers that no module knows.
+inline const std::vector<std::string> unclaimed = {"/dev/vda1", "/dev/nvme0n1p1", "/dev/dm-3"};
+
+/// Pieces of names: what the rules look for, and near-misses.
+inline const std::vector<std::string> markers = {
+    "/dev/", "/dev/sd", "/dev/mapper/", "/dev/mapper", "/dev/emcpower", "emcpower", "mpath", "sd"};
+
 inline bool holds(const std::string& device, const char* text)
 {
     return device.find(text) != std::string::npos;
@@ -95,7 +119,13 @@ inline std::string asSigned(unsigned int partnum)
     return std::to_string(static_cast<std::int32_t>(partnum));
 }
 
-inline Answer deviceMapper(const std::string& device, unsigned int partnum)
+/// What the module answers. Deleted in general, so that nothing compiles that asks about a built-in
+/// module without rules here.
+template <class Module>
+Answer rules(const std::string& device, unsigned int partnum) = delete;
+
+template <>
+inline Answer rules<CDmpDeviceMapperClaim>(const std::string& device, unsigned int partnum)
 {
     const bool marked = holds(device, "/dev/mapper/");
     const bool suffixed =
@@ -110,7 +140,8 @@ inline Answer deviceMapper(const std::string& device, unsigned int partnum)
     return answer;
 }
 
-inline Answer powerPath(const std::string& device, unsigned int partnum)
+template <>
+inline Answer rules<CDmpPowerPathClaim>(const std::string& device, unsigned int partnum)
 {
     Answer answer;
     answer.claim = holds(device, "/dev/emcpower") ? 16 : 0;
@@ -125,7 +156,8 @@ inline Answer powerPath(const std::string& device, unsigned int partnum)
     return answer;
 }
 
-inline Answer native(const std::string& device, unsigned int partnum)
+template <>
+inline Answer rules<CNativePathClaim>(const std::string& device, unsigned int partnum)
 {
     Answer answer;
     answer.claim = holds(device, "/dev/sd") && device != "/dev/sd" ? 2 : 0;
@@ -141,15 +173,22 @@ inline Answer native(const std::string& device, unsigned int partnum)
     return answer;
 }
 
-/// The multipath drivers win over the plain disk driver; PowerPath wins over the device-mapper.
-inline Answer manager(const std::string& device, unsigned int partnum)
+/// The strongest claim wins, among equals the earlier module.
+template <class... Listed>
+Answer strongest(const std::string& device, unsigned int partnum, ModuleList<Listed...> /*modules*/)
 {
-    for (Answer answer :
-         {powerPath(device, partnum), deviceMapper(device, partnum), native(device, partnum)}) {
-        if (answer.claim != 0)
-            return answer;
+    Answer winner;
+    for (const Answer& claimed : {rules<Listed>(device, partnum)...}) {
+        if (claimed.claim > winner.claim)
+            winner = claimed;
     }
-    return {};
+    return winner;
+}
+
+template <>
+inline Answer rules<CDmpClaimManager>(const std::string& device, unsigned int partnum)
+{
+    return strongest(device, partnum, Modules());
 }
 
 } // namespace model

@@ -14,6 +14,11 @@ inline void append(TraceLines& lines, const Line& line)
     lines.emplace_back(line);
 }
 
+inline void append(TraceLines& lines, const std::vector<Line>& more)
+{
+    lines.insert(lines.end(), more.begin(), more.end());
+}
+
 inline void append(TraceLines& lines, const TraceLines& more)
 {
     lines.insert(lines.end(), more.begin(), more.end());

@@ -6,10 +6,8 @@
 #include <memory>
 #include <new>
 
-#include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
-#include "providers/device/scsitool/dmp_nativepath_claim.h"
-#include "providers/device/scsitool/dmp_powerpath_claim.h"
 #include "tests/support/allocation_probe.h"
+#include "tests/support/built_in_modules.h"
 #include "tests/support/recording_log.h"
 
 using testing::IsEmpty;
@@ -18,13 +16,22 @@ using testing::SizeIs;
 
 namespace {
 
+/// Whether a list of so many modules is full: it has room for 1, 2, 4, 8 and so on.
+bool isFull(int count)
+{
+    return (count & (count - 1)) == 0;
+}
+
 TEST(AllocationProbe, SeesWhatTheLibraryAllocates)
 {
     const AllocationProbe probe;
     const CDmpClaimManager manager;
-    // Three modules, and the list that grows for each.
-    EXPECT_EQ(probe.made(), 6U);
-    EXPECT_THAT(probe.living(), SizeIs(4));
+    // The modules, and the list, which grows for a module when it is full.
+    std::size_t made = 0;
+    for (int listed = 0; listed < builtInModules; ++listed)
+        made += isFull(listed) ? 2 : 1;
+    EXPECT_EQ(probe.made(), made);
+    EXPECT_THAT(probe.living(), SizeIs(builtInModules + 1));
 }
 
 /// The number of allocations of a call. Expects that all of them are freed.
@@ -38,6 +45,13 @@ std::size_t allocationsOf(Call call)
     return made;
 }
 
+/// The allocations of the claims of all modules, each with a copy of the path.
+template <class... Modules>
+std::size_t claimsOf(const char* device, ModuleList<Modules...> /*modules*/)
+{
+    return (allocationsOf([&] { Modules().claim(device); }) + ...);
+}
+
 class SilentOperations : public testing::Test {
 protected:
     CDmpClaimManager m_manager;
@@ -47,11 +61,21 @@ protected:
     unsigned int m_number = 7;
 };
 
-TEST_F(SilentOperations, AClaimCopiesThePathOncePerModuleAndListsTwoPrefixes)
+TEST_F(SilentOperations, AClaimOfAModuleCopiesThePathAndListsItsPrefix)
 {
-    EXPECT_THAT(allocationsOf([&] { m_manager.claim("/dev/sdc"); }), Le(2U));
-    EXPECT_THAT(allocationsOf([&] { m_manager.claim("/dev/mapper/mpathbp2"); }), Le(6U));
-    EXPECT_THAT(allocationsOf([&] { m_manager.claim("/dev/emcpowerc12"); }), Le(6U));
+    EXPECT_THAT(allocationsOf([&] { m_mapper.claim("/dev/mapper/mpathbp2"); }), Le(1U));
+    EXPECT_THAT(allocationsOf([&] { m_powerPath.claim("/dev/emcpowerc12"); }), Le(2U));
+    EXPECT_THAT(allocationsOf([&] { m_native.claim("/dev/sd-long-name12"); }), Le(2U));
+}
+
+TEST_F(SilentOperations, AClaimOfTheManagerHasThatOfEachModule)
+{
+    EXPECT_THAT(allocationsOf([&] { m_manager.claim("/dev/sdc"); }),
+                Le(claimsOf("/dev/sdc", BuiltInModules())));
+    for (const char* device : {"/dev/mapper/mpathbp2", "/dev/emcpowerc12"}) {
+        EXPECT_THAT(allocationsOf([&] { m_manager.claim(device); }),
+                    Le(1 + claimsOf(device, BuiltInModules())));
+    }
 }
 
 TEST_F(SilentOperations, AppendingGrowsThePathOnce)
@@ -85,14 +109,16 @@ TEST_F(SilentOperations, AskingForAPartitionAllocatesTheArgumentOnly)
 
 TEST_F(SilentOperations, TheManagerCopiesThePathForTheSelectionAndMovesItToTheOwner)
 {
-    // The argument, the copy of the selection, the three modules' copies, and two lists.
-    EXPECT_THAT(allocationsOf([&] { m_manager.isPartition("/dev/mapper/mpathbp2"); }), Le(7U));
+    // The argument, and the copy of the selection.
+    const std::size_t selection = 2 + claimsOf("/dev/mapper/mpathbp2", BuiltInModules());
+    EXPECT_THAT(allocationsOf([&] { m_manager.isPartition("/dev/mapper/mpathbp2"); }),
+                Le(selection));
     EXPECT_THAT(
         allocationsOf([&] { m_manager.removePartitionSuffix("/dev/mapper/mpathbp2", m_number); }),
-        Le(7U));
+        Le(selection));
     // And one more when the owning module appends to the path.
     EXPECT_THAT(allocationsOf([&] { m_manager.appendPartitionSuffix("/dev/mapper/mpathb", 2); }),
-                Le(8U));
+                Le(selection + 1));
 }
 
 /// Lists a prefix that does not fit into a string without memory of its own.
@@ -108,10 +134,12 @@ public:
 
 TEST_F(SilentOperations, MergingMovesThePrefixesOutOfTheModulesLists)
 {
-    // Three lists, and the merged one that grows for each.
-    EXPECT_THAT(allocationsOf([&] { m_manager.getDeviceClaimStrings(); }), Le(6U));
+    // The modules' lists, and the merged one that grows for each.
+    EXPECT_THAT(allocationsOf([&] { m_manager.getDeviceClaimStrings(); }), Le(2U * builtInModules));
     m_manager.registerClaimModule(new LongPrefixModule);
-    EXPECT_THAT(allocationsOf([&] { m_manager.getDeviceClaimStrings(); }), Le(8U));
+    // One more list, and the memory of its prefix.
+    EXPECT_THAT(allocationsOf([&] { m_manager.getDeviceClaimStrings(); }),
+                Le(2U * builtInModules + 2));
 }
 
 TEST_F(SilentOperations, RegisteringALogAllocatesNothing)
@@ -130,9 +158,14 @@ std::vector<void*> leakedBlocks(std::size_t failing)
 
 TEST(ClaimManagerWithoutMemory, ReleasesItsListAndLeavesTheModulesMadeAlone)
 {
-    // Module, list, module, list, module, list.
-    const std::size_t modulesMade[] = {0, 1, 1, 2, 2, 3};
-    for (std::size_t failing = 1; failing <= 6; ++failing) {
+    // A module, then the list when it is full, and so on.
+    std::vector<std::size_t> modulesMade;
+    for (int listed = 0; listed < builtInModules; ++listed) {
+        modulesMade.push_back(static_cast<std::size_t>(listed));
+        if (isFull(listed))
+            modulesMade.push_back(static_cast<std::size_t>(listed) + 1);
+    }
+    for (std::size_t failing = 1; failing <= modulesMade.size(); ++failing) {
         const std::vector<void*> modules = leakedBlocks(failing);
         EXPECT_THAT(modules, SizeIs(modulesMade[failing - 1])) << failing;
         for (void* block : modules) {
@@ -147,15 +180,16 @@ TEST(ClaimManagerWithoutMemory, LeavesAModuleThatItCannotListToTheHost)
 {
     CDmpClaimManager manager;
     auto module = std::make_unique<LongPrefixModule>();
-    // The list has room for one more module, then it grows.
-    manager.registerClaimModule(new CNativePathClaim);
+    int listed = builtInModules;
+    for (; !isFull(listed); ++listed)
+        manager.registerClaimModule(new CNativePathClaim);
     {
         const AllocationProbe probe(1);
         EXPECT_THROW(manager.registerClaimModule(module.get()), std::bad_alloc);
     }
-    EXPECT_THAT(manager.getDeviceClaimStrings(), SizeIs(4));
+    EXPECT_THAT(manager.getDeviceClaimStrings(), SizeIs(listed));
     manager.registerClaimModule(module.release());
-    EXPECT_THAT(manager.getDeviceClaimStrings(), SizeIs(5));
+    EXPECT_THAT(manager.getDeviceClaimStrings(), SizeIs(listed + 1));
 }
 
 } // namespace

@@ -8,10 +8,9 @@
 #include <new>
 #include <stdexcept>
 
-#include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
-#include "providers/device/scsitool/dmp_nativepath_claim.h"
-#include "providers/device/scsitool/dmp_powerpath_claim.h"
 #include "tests/support/allocation_probe.h"
+#include "tests/support/built_in_modules.h"
+#include "tests/support/names_model.h"
 #include "tests/support/operations.h"
 #include "tests/support/recording_log.h"
 
@@ -77,8 +76,7 @@ protected:
     std::vector<Operation> operations()
     {
         std::vector<Operation> all;
-        for (const char* device :
-             {"/dev/mapper/mpathbp2", "/dev/emcpowerc12", "/dev/sd-of-a-vm3"}) {
+        for (const std::string& device : model::partitions) {
             for (Operation& operation : operationsOf(m_module, device))
                 all.push_back(std::move(operation));
         }
@@ -149,9 +147,7 @@ private:
     Module m_module;
 };
 
-using ModulesAndManager =
-    testing::Types<CDmpDeviceMapperClaim, CDmpPowerPathClaim, CNativePathClaim, CDmpClaimManager>;
-TYPED_TEST_SUITE(Failure, ModulesAndManager);
+TYPED_TEST_SUITE(Failure, BuiltInModulesAnd<CDmpClaimManager>);
 
 TYPED_TEST(Failure, OfTheLogPassesUnlessItIsAnExitingLine)
 {

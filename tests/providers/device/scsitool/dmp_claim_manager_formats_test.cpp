@@ -8,6 +8,7 @@
 
 #include "providers/device/scsitool/dmp_claim_manager.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
+#include "tests/support/names_model.h"
 #include "tests/support/operations.h"
 #include "tests/support/scripted_tools.h"
 
@@ -107,7 +108,7 @@ protected:
 
     void askForNames()
     {
-        for (const char* device : {"/dev/mapper/mpathbp2", "/dev/emcpowerc12", "/dev/sdc3"}) {
+        for (const std::string& device : model::partitions) {
             for (const Operation& operation : operationsOf(m_manager, device))
                 operation.call();
         }

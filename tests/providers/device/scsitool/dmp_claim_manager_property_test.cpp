@@ -20,8 +20,7 @@ rc::Gen<std::string> fragment()
 {
     using namespace std::string_literals;
     return rc::gen::weightedOneOf<std::string>(
-        {{3, rc::gen::element<std::string>("/dev/", "/dev/sd", "/dev/mapper/", "/dev/mapper",
-                                           "/dev/emcpower", "emcpower", "mpath", "sd")},
+        {{3, rc::gen::elementOf(model::markers)},
          {4, rc::gen::element<std::string>("p", "part", "-", "/", "a", "P", "\0"s, "\xb2", " ")},
          {4, rc::gen::element<std::string>("0", "1", "7", "9", "10", "4294967296")},
          {1, rc::gen::string<std::string>()}});
@@ -57,28 +56,24 @@ rc::Gen<unsigned int> countingNumber()
     return rc::gen::map(anyNumber(), [](unsigned int number) { return number & 0x7fffffffU; });
 }
 
-RC_GTEST_PROP(AnyName, IsAnsweredByTheDeviceMapperModuleAsTheRulesSay, ())
+template <class Module>
+void answersAsTheRulesSay(const std::string& name, unsigned int number)
 {
-    CDmpDeviceMapperClaim module;
-    const std::string name = *anyName();
-    const unsigned int number = *anyNumber();
-    RC_ASSERT(answerOf(module, name, number) == model::deviceMapper(name, number));
+    Module module;
+    RC_ASSERT(answerOf(module, name, number) == model::rules<Module>(name, number));
 }
 
-RC_GTEST_PROP(AnyName, IsAnsweredByThePowerPathModuleAsTheRulesSay, ())
+template <class... Modules>
+void answerAsTheRulesSay(ModuleList<Modules...> /*modules*/)
 {
-    CDmpPowerPathClaim module;
     const std::string name = *anyName();
     const unsigned int number = *anyNumber();
-    RC_ASSERT(answerOf(module, name, number) == model::powerPath(name, number));
+    (answersAsTheRulesSay<Modules>(name, number), ...);
 }
 
-RC_GTEST_PROP(AnyName, IsAnsweredByTheNativeModuleAsTheRulesSay, ())
+RC_GTEST_PROP(AnyName, IsAnsweredByEveryModuleAsTheRulesSay, ())
 {
-    CNativePathClaim module;
-    const std::string name = *anyName();
-    const unsigned int number = *anyNumber();
-    RC_ASSERT(answerOf(module, name, number) == model::native(name, number));
+    answerAsTheRulesSay(BuiltInModules());
 }
 
 RC_GTEST_PROP(AnyName, IsAnsweredByTheManagerAsTheRulesSayAgainAndAgain, ())
@@ -86,8 +81,8 @@ RC_GTEST_PROP(AnyName, IsAnsweredByTheManagerAsTheRulesSayAgainAndAgain, ())
     CDmpClaimManager manager;
     const std::string name = *anyName();
     const unsigned int number = *anyNumber();
-    RC_ASSERT(answerOf(manager, name, number) == model::manager(name, number));
-    RC_ASSERT(answerOf(manager, name, number) == model::manager(name, number));
+    RC_ASSERT(answerOf(manager, name, number) == model::rules<CDmpClaimManager>(name, number));
+    RC_ASSERT(answerOf(manager, name, number) == model::rules<CDmpClaimManager>(name, number));
 }
 
 RC_GTEST_PROP(AnyDeviceMapperDisk, ComesBackForOneDigitAndTheNumberDoesNot, ())

@@ -5,9 +5,8 @@
 #include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "providers/device/scsitool/dmp_powerpath_claim.h"
+#include "tests/support/names_model.h"
 #include "tests/support/naming_example.h"
-
-using testing::ElementsAre;
 
 namespace {
 
@@ -77,15 +76,19 @@ TEST(ClaimManager, AnUnclaimedPathIsNoPartitionAndHasNoDisk)
                                 {"12", 0, false, "", 7},
                                 {"123", 0, false, "", 7},
                                 {"/dev/sd", 0, false, "", 7},
-                                {"/dev/vda1", 0, false, "", 7},
-                                {"/dev/nvme0n1p1", 0, false, "", 7},
-                                {"/dev/dm-3", 0, false, "", 7},
                                 {"/dev/mapper/vg-lvp1", 0, false, "", 7},
                                 {"/dev/mapperp1", 0, false, "", 7},
                                 {"emcpowerd2", 0, false, "", 7},
                                 {"/dev/\0sda1"s, 0, false, "", 7},
                                 {mebibyte + "1", 0, false, "", 7},
                             });
+}
+
+TEST(ClaimManager, ANameThatNoModuleKnowsIsUnclaimed)
+{
+    CDmpClaimManager manager;
+    for (const std::string& name : model::unclaimed)
+        expectExamples(manager, {{name, 0, false, "", 7}});
 }
 
 TEST(ClaimManager, AppendsAsTheOwningModuleDoes)
@@ -116,8 +119,7 @@ TEST(ClaimManager, AnUnclaimedPathLeavesTheModuleArgumentAlone)
 TEST(ClaimManager, PrefixesAreListedLastModuleFirst)
 {
     CDmpClaimManager manager;
-    EXPECT_THAT(manager.getDeviceClaimStrings(),
-                ElementsAre("/dev/mapper/", "/dev/emcpower", "/dev/sd"));
+    EXPECT_EQ(manager.getDeviceClaimStrings(), model::prefixes);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "providers/device/scsitool/dmp_built_in_modules.h"
 #include "tests/support/host_module.h"
 #include "tests/support/recording_log.h"
 #include "tests/support/traced.h"
@@ -31,12 +32,32 @@ const TraceLines powerPathAsked =
     Traced("claim", powerPathFile, Traced("getDeviceClaimStrings", powerPathFile));
 const TraceLines mapperAsked = Traced("claim", mapperFile);
 
+/// The lines of an operation of each module behind these three, which come first.
+template <class Call, class... Later>
+std::vector<Line> linesOfLater(
+    Call call,
+    ModuleList<CNativePathClaim, CDmpPowerPathClaim, CDmpDeviceMapperClaim, Later...> /*modules*/)
+{
+    RecordingLog log;
+    [[maybe_unused]] const auto record = [&](CDmpDeviceClaimBase&& module) {
+        module.registerTraceLog(log.handle());
+        call(module);
+    };
+    (record(Later()), ...);
+    return log.takeLines();
+}
+
+const std::vector<Line> laterAsked =
+    linesOfLater([](CDmpDeviceClaimBase& module) { module.claim("/dev/vda"); }, BuiltInModules());
+const std::vector<Line> laterListing = linesOfLater(
+    [](CDmpDeviceClaimBase& module) { module.getDeviceClaimStrings(); }, BuiltInModules());
+
 /// The selection of the device-mapper module.
 const TraceLines mapperSelected = Traced("getClaimModule", file, nativeAsked, powerPathAsked,
-                                         Traced("claim", mapperFile, mapperClaims));
+                                         Traced("claim", mapperFile, mapperClaims), laterAsked);
 /// The selection of the native module; it is also the one that finds no module.
 const TraceLines plainSelection =
-    Traced("getClaimModule", file, nativeAsked, powerPathAsked, mapperAsked);
+    Traced("getClaimModule", file, nativeAsked, powerPathAsked, mapperAsked, laterAsked);
 
 class ManagerTrace : public testing::Test {
 protected:
@@ -71,7 +92,7 @@ TEST_F(ManagerTrace, LaterModulesAreAskedBehindTheWinner)
                     Traced("getClaimModule", file, nativeAsked,
                            Traced("claim", powerPathFile,
                                   Traced("getDeviceClaimStrings", powerPathFile), powerPathClaims),
-                           mapperAsked)));
+                           mapperAsked, laterAsked)));
 }
 
 TEST_F(ManagerTrace, IsPartitionHoldsTheSelectionAndTheOwnersAnswer)
@@ -111,10 +132,10 @@ TEST_F(ManagerTrace, ListingHoldsTheListingsInOrder)
 {
     m_manager.getDeviceClaimStrings();
     EXPECT_THAT(m_log.takeLines(),
-                ElementsAreArray(Traced("getDeviceClaimStrings", file,
-                                        Traced("getDeviceClaimStrings", nativeFile),
-                                        Traced("getDeviceClaimStrings", powerPathFile),
-                                        Traced("getDeviceClaimStrings", mapperFile))));
+                ElementsAreArray(Traced(
+                    "getDeviceClaimStrings", file, Traced("getDeviceClaimStrings", nativeFile),
+                    Traced("getDeviceClaimStrings", powerPathFile),
+                    Traced("getDeviceClaimStrings", mapperFile), laterListing)));
 }
 
 TEST_F(ManagerTrace, RegisteringAModuleWritesNoLineOfItsOwn)
@@ -163,6 +184,7 @@ TEST_F(ManagerTrace, TheBasesRegisterTraceLogWritesNoLineAndLeavesTheModulesThei
     TraceLines modules = nativeAsked;
     append(modules, powerPathAsked);
     append(modules, mapperAsked);
+    append(modules, laterAsked);
     EXPECT_THAT(m_log.takeLines(), ElementsAreArray(modules));
 }
 

@@ -4,7 +4,7 @@
 
 #include <type_traits>
 
-#include "providers/device/scsitool/dmp_built_in_modules.h"
+#include "tests/support/built_in_modules.h"
 #include "tests/support/host_module.h"
 #include "tests/support/names_model.h"
 #include "tests/support/recording_log.h"
@@ -44,9 +44,7 @@ private:
     static inline Journal m_journal;
 };
 
-using Modules =
-    testing::Types<PlainModule, CDmpDeviceMapperClaim, CDmpPowerPathClaim, CNativePathClaim>;
-TYPED_TEST_SUITE(ClaimModuleDefaults, Modules);
+TYPED_TEST_SUITE(ClaimModuleDefaults, BuiltInModulesAnd<PlainModule>);
 
 TYPED_TEST(ClaimModuleDefaults, ARawDeviceIsAPathThatHoldsTheDeviceDirectory)
 {
@@ -102,9 +100,7 @@ TYPED_TEST(DefaultActivePath, IsThePathItselfWhateverTheFlag)
 // What every module does with the log that it is given.
 template <class Module>
 using ClaimModuleLog = testing::Test;
-template <class... Modules>
-testing::Types<Modules...> typesOf(ModuleList<Modules...> modules);
-TYPED_TEST_SUITE(ClaimModuleLog, decltype(typesOf(BuiltInModules())));
+TYPED_TEST_SUITE(ClaimModuleLog, BuiltInModulesAnd<>);
 
 TYPED_TEST(ClaimModuleLog, IsSharedUntilTheModuleEnds)
 {
