@@ -72,6 +72,6 @@ int main()
                     manager.isPartition(path) ? "partition" : "whole", disk.c_str(), partnum);
     }
     std::printf("%s\n", manager.appendPartitionSuffix("/dev/nvme0n1", 12).c_str());
-    for (const std::string& claimed : manager.getDeviceClaimStrings())
-        std::printf("%s\n", claimed.c_str());
+    // The prefixes of the module that came last are the first.
+    std::printf("%s\n", manager.getDeviceClaimStrings().front().c_str());
 }

@@ -15,8 +15,8 @@
 
 /// The host's entry: owns the claim modules, finds the one that owns a path and forwards to it.
 ///
-/// Starts with the native, the PowerPath and the device-mapper module, in that order, all silent
-/// until `registerTraceLog`. The strongest claim wins, among equals the earlier module. One manager
+/// Starts with the built-in modules, in the order of docs/naming-rules.md, all silent until
+/// `registerTraceLog`. The strongest claim wins, among equals the earlier module. One manager
 /// serves one thread; queries do not change it.
 ///
 /// Modules and the trace log may call the manager from within its operations, but not destroy it. A
