@@ -5,8 +5,11 @@
 #include "providers/device/scsitool/dmp_linux_device_mapper_claim.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "providers/device/scsitool/dmp_powerpath_claim.h"
+#include "tests/support/built_in_modules.h"
 #include "tests/support/names_model.h"
 #include "tests/support/naming_example.h"
+
+static_assert(builtInModules == MODULE_HEADERS, "a claim module is not in dmp_built_in_modules.h");
 
 namespace {
 
