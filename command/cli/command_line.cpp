@@ -140,23 +140,15 @@ CLI::Option* addPaths(CLI::App& app)
 
 void addArguments(CLI::App& app, Arguments arguments)
 {
-    switch (arguments) {
-    case Arguments::none:
-        break;
-    case Arguments::paths:
-        addPaths(app)->required();
-        break;
-    case Arguments::optionalPaths:
-        addPaths(app);
-        break;
-    case Arguments::diskAndNumber:
+    if (arguments == Arguments::diskAndNumber) {
         app.add_option("DISK")
             ->description("Path of a whole disk; '-' reads such paths from standard "
                           "input, as PATH does elsewhere")
             ->required();
         app.add_option("N")->description("Partition number, 0 to 4294967295")->required();
         declare(app, nullOption);
-        break;
+    } else if (arguments != Arguments::none) {
+        addPaths(app)->required(arguments == Arguments::paths);
     }
 }
 

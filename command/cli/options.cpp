@@ -119,22 +119,16 @@ void rejectEmptyPaths(const std::vector<std::string>& paths)
 
 void readArguments(const CLI::App& app, Options& options)
 {
-    switch (options.subcommand->arguments) {
-    case Arguments::none:
-        break;
-    case Arguments::paths:
-    case Arguments::optionalPaths:
-        options.paths = valuesOf(app, "PATH");
-        options.nulSeparated = isGiven(app, "--null");
-        if (options.subcommand->arguments == Arguments::optionalPaths)
-            rejectEmptyPaths(options.paths);
-        break;
-    case Arguments::diskAndNumber:
+    const Arguments arguments = options.subcommand->arguments;
+    if (arguments == Arguments::diskAndNumber) {
         options.paths = valuesOf(app, "DISK");
         options.partnum = parsePartitionNumber(*lastValue(app, "N"));
-        options.nulSeparated = isGiven(app, "--null");
-        break;
+    } else if (arguments != Arguments::none) {
+        options.paths = valuesOf(app, "PATH");
     }
+    if (arguments == Arguments::optionalPaths)
+        rejectEmptyPaths(options.paths);
+    options.nulSeparated = arguments != Arguments::none && isGiven(app, "--null");
     for (const OptionDeclaration& option : options.subcommand->options) {
         const std::string name = option.longName();
         if (isGiven(app, name.c_str()))

@@ -45,7 +45,7 @@ const OptionDeclaration* optionalValueOption(const std::string& name,
     for (const Subcommand& subcommand : subcommands) {
         for (const OptionDeclaration& option : subcommand.options) {
             if (option.hasOptionalValue() &&
-                (name == option.longName() || name == option.shortName()))
+                (name == option.longName() || name == option.firstName()))
                 return &option;
         }
     }
@@ -76,7 +76,7 @@ std::vector<std::string> withJoinedValues(const std::vector<std::string>& argume
 
 std::string unescaped(const std::string& value)
 {
-    return !value.empty() && value.front() == escape ? value.substr(1) : value;
+    return value.find(escape) == 0 ? value.substr(1) : value;
 }
 
 /// CLI11 would take the next argument for the value when nothing follows the '='.
@@ -101,14 +101,13 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app)
         return kind + unescaped(argument) + "'";
     }
     // "--output: 1 required LIST missing", "json was given a disallowed flag override"
-    std::string text = error.what();
-    const std::size_t end = text.find_first_of(": ");
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr || end == std::string::npos)
+    const std::string text = error.what();
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr)
         return app.get_subcommands().empty()
                    ? "no subcommand is given; there are " + subcommandNames(app)
                    : text;
-    return text[end] == ':' ? text.substr(0, end) + " needs a value"
-                            : "--" + text.substr(0, end) + " takes no value";
+    const std::string name = text.substr(0, text.find_first_of(": "));
+    return startsWith(text, name + ':') ? name + " needs a value" : "--" + name + " takes no value";
 }
 
 UsageError levelApart(const std::string& level)

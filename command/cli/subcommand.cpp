@@ -21,10 +21,9 @@ std::string OptionDeclaration::longName() const
     return nameFrom(all, all.find("--"));
 }
 
-std::string OptionDeclaration::shortName() const
+std::string OptionDeclaration::firstName() const
 {
-    const std::string_view all = names;
-    return all.substr(0, 2) == "--" ? "" : nameFrom(all, 0);
+    return nameFrom(names, 0);
 }
 
 } // namespace command

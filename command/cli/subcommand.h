@@ -25,8 +25,8 @@ struct OptionDeclaration {
     /// "--jobs"
     std::string longName() const;
 
-    /// "-j"; empty when there is none.
-    std::string shortName() const;
+    /// "-j"; the long name of an option that has no short one.
+    std::string firstName() const;
 };
 
 /// A command line that help shows, and what it is for.

@@ -42,4 +42,21 @@ private:
     Descriptor m_line;
 };
 
+/// A standard stream of this process is a terminal while this lives.
+class StreamOnTerminal {
+public:
+    StreamOnTerminal(int stream, const Terminal& terminal) : m_stream(stream), m_before(dup(stream))
+    {
+        dup2(terminal.descriptor(), stream);
+    }
+
+    StreamOnTerminal(const StreamOnTerminal&) = delete;
+    StreamOnTerminal& operator=(const StreamOnTerminal&) = delete;
+    ~StreamOnTerminal() { dup2(m_before.number(), m_stream); }
+
+private:
+    int m_stream;
+    Descriptor m_before;
+};
+
 #endif

@@ -1,15 +1,34 @@
 #include "cli/line_reader.h"
 
+#include <atomic>
 #include <system_error>
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "tests/support/process.h"
 
 using command::LineReader;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+namespace {
+
+std::atomic<int> interruptedReads = 0; // that are still to come
+
+} // namespace
+
+extern "C" ssize_t read(int descriptor, void* block, size_t size)
+{
+    if (interruptedReads > 0) {
+        --interruptedReads;
+        errno = EINTR;
+        return -1;
+    }
+    return syscall(SYS_read, descriptor, block, size);
+}
 
 namespace {
 
@@ -116,6 +135,13 @@ TEST(LineReader, LinesLongerThanABlockAreWhole)
 {
     const std::string path(300000, 'x');
     EXPECT_THAT(linesOf(path + '\n' + path + "\nend"), ElementsAre(path, path, "end"));
+}
+
+TEST(LineReader, AReadThatASignalInterruptsIsRepeated)
+{
+    interruptedReads = 3;
+    EXPECT_THAT(linesOf("a\nb\n"), ElementsAre("a", "b"));
+    EXPECT_EQ(interruptedReads, 0);
 }
 
 TEST(LineReader, AnInputThatCannotBeReadIsAnError)

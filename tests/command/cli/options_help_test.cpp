@@ -77,6 +77,22 @@ TEST(Options, HelpHasTheWidthOfTheTerminal)
     }
 }
 
+TEST(Options, HelpBeginsALineBehindANameThatFillsItsColumn)
+{
+    const std::vector<command::Subcommand> made{{"wait",
+                                                 "",
+                                                 "",
+                                                 command::Arguments::none,
+                                                 {{"--for-fourteen-days", nullptr, "Fits"},
+                                                  {"--for-twenty-five-days", nullptr, "Does not"}},
+                                                 command::Form::text,
+                                                 nullptr,
+                                                 nullptr}};
+    const auto help = std::get<command::Information>(command::parseOptions({"help", "wait"}, made));
+    EXPECT_THAT(help, HasSubstr("\n  --for-fourteen-days   Fits\n"));
+    EXPECT_THAT(help, HasSubstr("\n  --for-twenty-five-days\n                        Does not\n"));
+}
+
 TEST(Options, HelpTellsWhatIsAskedBesidesNames)
 {
     EXPECT_THAT(information({"--help"}),

@@ -117,10 +117,12 @@ TEST(Options, ColoursAreAChoice)
               "list: 'x' is no choice of colours (auto, always, never)");
 }
 
-TEST(Options, AnEmptyArgumentDoesNotLimitDoctorToNoDisk)
+TEST(Options, AnEmptyArgumentDoesNotLimitDoctorOrPathsToNoDisk)
 {
     EXPECT_EQ(complaint({"doctor", ""}),
               "doctor: an empty argument names no disk; leave it out to ask about all disks");
+    EXPECT_EQ(complaint({"paths", "--watch", ""}), // which is not its value
+              "paths: an empty argument names no disk; leave it out to ask about all disks");
 }
 
 TEST(Options, HeadingsAreForTables)
@@ -167,6 +169,7 @@ TEST(Options, TraceHasALevelAndNeverTakesTheNextArgument)
     EXPECT_EQ(parsed.trace.level, 6);
     EXPECT_THAT(parsed.paths, ElementsAre("x3"));
     EXPECT_THAT(options({"show", "3", "--trace"}).paths, ElementsAre("3"));
+    EXPECT_THAT(options({"show", "--trace", "x"}).paths, ElementsAre("x"));
     EXPECT_THAT(options({"show", "--", "--trace", "3"}).paths, ElementsAre("--trace", "3"));
     for (const Arguments& arguments :
          {Arguments{"show", "--trace", "3", "x"}, Arguments{"append", "x", "--trace", "3"}})
@@ -204,6 +207,24 @@ TEST(Options, OptionsOfTheSubcommandsOwnAreKnownWhenTheyAreGiven)
     EXPECT_FALSE(told.isGiven("--dry-run"));
     EXPECT_EQ(told.value("--jobs"), "64");
     EXPECT_EQ(complaint({"show", "x", "--refresh"}), "show: unknown option '--refresh'");
+}
+
+TEST(Options, AValueThatMayBeLeftOutBelongsToAnOptionWithoutAShortName)
+{
+    const std::vector<command::Subcommand> made{{"wait",
+                                                 "",
+                                                 "",
+                                                 command::Arguments::none,
+                                                 {{"--seconds{2}", "[=N]", ""}},
+                                                 Form::text,
+                                                 nullptr,
+                                                 nullptr}};
+    const auto parsed = [&](const Arguments& arguments) {
+        return std::get<Options>(command::parseOptions(arguments, made)).value("--seconds");
+    };
+    EXPECT_EQ(parsed({"wait", "--seconds", "5"}), "5");
+    EXPECT_EQ(parsed({"wait", "--seconds"}), "2");
+    EXPECT_EQ(parsed({"wait"}), std::nullopt);
 }
 
 TEST(Options, SecondsAreReadToTheMillisecond)
