@@ -50,9 +50,9 @@ std::size_t OutputStream::width() const
 std::size_t OutputStream::height() const
 {
     constexpr std::size_t usualHeight = 24;
-    winsize size{};
-    const bool isKnown = ioctl(m_descriptor, TIOCGWINSZ, &size) == 0 && size.ws_row > 0;
-    return isKnown ? size.ws_row : usualHeight;
+    winsize size{}; // stays 0 when it cannot be read
+    ioctl(m_descriptor, TIOCGWINSZ, &size);
+    return size.ws_row > 0 ? size.ws_row : usualHeight;
 }
 
 bool OutputStream::wait(std::chrono::milliseconds time) const

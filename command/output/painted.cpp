@@ -1,11 +1,13 @@
 #include "output/painted.h"
 
+#include <string_view>
+
 namespace command {
 
 namespace {
 
-/// The control sequence of ECMA-48 that switches the colour on.
-const char* sequenceOf(Tone tone)
+/// The control sequence of ECMA-48 that switches the colour on; empty for plain text.
+std::string_view sequenceOf(Tone tone)
 {
     switch (tone) {
     case Tone::heading:
@@ -27,9 +29,10 @@ const char* sequenceOf(Tone tone)
 
 std::string painted(const std::string& text, Tone tone, const OutputStream& output)
 {
-    if (tone == Tone::plain || text.empty() || !output.isColored())
+    const std::string_view sequence = sequenceOf(tone);
+    if (sequence.empty() || text.empty() || !output.isColored())
         return text;
-    return sequenceOf(tone) + text + "\x1b[0m";
+    return std::string(sequence) + text + "\x1b[0m";
 }
 
 Tone toneOf(const Field& field)

@@ -21,7 +21,7 @@ const Columns<Answer> columns{
 TEST(Columns, TheKeyIsTheNameInLowerCase)
 {
     EXPECT_EQ(Heading{"PARTNUM"}.key(), "partnum");
-    EXPECT_EQ(Heading{"A_Z"}.key(), "a_z");
+    EXPECT_EQ(Heading{"A_Z-9"}.key(), "a_z-9");
 }
 
 TEST(Columns, HeadingsAreThoseOfTheColumnsInOrder)

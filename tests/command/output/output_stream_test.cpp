@@ -45,6 +45,16 @@ TEST(OutputStream, HasTheWidthOfTheTerminal)
     EXPECT_EQ(file.stream().width(), 79U);
 }
 
+TEST(OutputStream, HasTheHeightOfTheTerminal)
+{
+    const Terminal terminal({47, 80, 0, 0});
+    EXPECT_EQ(OutputStream(terminal.descriptor()).height(), 47U);
+    const Terminal unknown({0, 0, 0, 0});
+    EXPECT_EQ(OutputStream(unknown.descriptor()).height(), 24U);
+    CapturedOutput file;
+    EXPECT_EQ(file.stream().height(), 24U);
+}
+
 TEST(OutputStream, AnEarlyEndMakesItWholeAndIgnoresLaterWrites)
 {
     CapturedOutput output;
@@ -67,6 +77,15 @@ TEST(OutputStream, AnEarlyEndGivesUpAPipeThatNobodyReads)
     const auto begin = std::chrono::steady_clock::now();
     output.end(100ms);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
+}
+
+TEST(OutputStream, AnEarlyEndGivesUpWhatTheSystemRefuses)
+{
+    const Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+    OutputStream output(full.number());
+    output.write("a");
+    output.end(1s);
+    EXPECT_NO_THROW(output.flush()); // ended
 }
 
 TEST(OutputStream, AnEarlyEndGivesUpAWriteThatHangs)
