@@ -18,9 +18,8 @@ constexpr std::uint64_t sectorBytes = 512; // in sysfs, whatever the device's ow
 /// Takes the last component off a path.
 std::string_view takeLast(std::string_view& path)
 {
-    const std::size_t slash = path.rfind('/');
-    const std::string_view last = slash == std::string_view::npos ? path : path.substr(slash + 1);
-    path = slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
+    const std::string_view last = path.substr(path.rfind('/') + 1); // all of it without a slash
+    path.remove_suffix(std::min(last.size() + 1, path.size()));
     return last;
 }
 

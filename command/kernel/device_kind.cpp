@@ -1,6 +1,8 @@
 #include "kernel/device_kind.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 
 #include "kernel/sysfs_file.h"
@@ -90,13 +92,13 @@ std::optional<unsigned int> takePartition(std::string_view& uuid)
 
 } // namespace
 
+/// A kind without an entry would have the name of the last one, "other".
 const char* kindName(DeviceKind kind)
 {
-    for (const KindEntry& entry : kinds) {
-        if (entry.kind == kind)
-            return entry.name;
-    }
-    return "other";
+    const auto* const last = std::prev(std::end(kinds));
+    return std::find_if(std::begin(kinds), last,
+                        [kind](const KindEntry& entry) { return entry.kind == kind; })
+        ->name;
 }
 
 std::vector<std::string> kindNames()

@@ -14,11 +14,6 @@ struct DeviceNumber {
 
     /// As sysfs writes it: "8:16".
     std::string text() const { return std::to_string(major) + ':' + std::to_string(minor); }
-
-    friend bool operator==(const DeviceNumber& a, const DeviceNumber& b)
-    {
-        return a.major == b.major && a.minor == b.minor;
-    }
 };
 
 /// Nothing when the text is no number of a device.

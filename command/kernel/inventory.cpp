@@ -48,7 +48,6 @@ bool mayHaveMembers(const BlockDevice& device)
     case DeviceKind::loop:
     case DeviceKind::ram:
     case DeviceKind::zram:
-    case DeviceKind::partition:
         return false;
     default:
         return device.isVirtual();

@@ -37,7 +37,7 @@ TEST_F(BlockDeviceFacts, OfADiskAreItsAttributes)
     EXPECT_EQ(disk.hctl(), "2:0:10:1");
     EXPECT_EQ(disk.partnum(), std::nullopt);
     EXPECT_FALSE(disk.isVirtual());
-    EXPECT_EQ(disk.number(), (DeviceNumber{8, 16}));
+    EXPECT_EQ(disk.number().value().text(), "8:16");
     EXPECT_EQ(disk.size(), 1048576U);
     EXPECT_EQ(disk.isReadOnly(), true);
     EXPECT_EQ(disk.wwid(), "360014050");
@@ -151,6 +151,14 @@ TEST_F(BlockDeviceFacts, AnExclamationMarkInTheKernelsNameIsASlashInThePath)
     EXPECT_EQ(device("cciss!c0d0").path(), "/dev/cciss/c0d0");
 }
 
+TEST_F(BlockDeviceFacts, ALinkMayLeadToADeviceBesideIt)
+{
+    create_directory_symlink("sda", m_machine.sysfs("class/block/sda1"));
+    EXPECT_EQ(device("sda1").container(), "");
+    EXPECT_EQ(device("sda1").hctl(), "");
+    EXPECT_EQ(device("sda1").partnum(), std::nullopt);
+}
+
 TEST_F(BlockDeviceFacts, IoCountersAreInBytes)
 {
     m_machine.addDisk("sda", "8:0", "2:0:0:0");
@@ -177,6 +185,12 @@ TEST_F(BlockDeviceFacts, LoopAndRamDevicesAreInUseOnceTheyAreSetUp)
     m_machine.set("ram0", "stat", "5 0 40 0 1 0 8 0 0 0 0");
     for (const char* name : {"loop0", "zram0", "ram0"})
         EXPECT_TRUE(device(name).isInUse()) << name;
+}
+
+TEST_F(BlockDeviceFacts, ARamDiskWithoutCountersIsNotInUse)
+{
+    m_machine.addVirtual("ram0", "1:0");
+    EXPECT_FALSE(device("ram0").isInUse());
 }
 
 TEST_F(BlockDeviceFacts, ARamDiskThatAnotherDeviceStandsOnIsInUse)

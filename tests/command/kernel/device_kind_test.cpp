@@ -83,6 +83,7 @@ TEST(PartitionNumber, OfNearMissesIsNothing)
         {"nvme0", "nvme0n1"},
         {"nvme0", "nvme0c0n1"},
         {"nvme0n1", "nvme0n12"},
+        {"nvme0n1", "nvme0n1"},
         {"nvme0n1", "nvme0n1p"},
         {"mmcblk0", "mmcblk0boot0"},
         {"sda", "sda1x"},

@@ -172,6 +172,17 @@ TEST_F(InventoryOfMultipath, LeavesOutRelativesThatVanish)
     EXPECT_THAT(pathsOf(inventory.membersOf(*inventory.named("dm-3"))), IsEmpty());
 }
 
+TEST_F(InventoryOfMultipath, ReadsNoMembersOfLoopAndRamDevices)
+{
+    for (const auto& [name, number] :
+         {std::pair("loop0", "7:0"), {"ram0", "1:0"}, {"zram0", "252:0"}}) {
+        m_machine.addVirtual(name, number);
+        m_machine.addMember(name, "sdb");
+        const Inventory inventory(m_machine.roots());
+        EXPECT_THAT(pathsOf(inventory.membersOf(*inventory.named(name))), IsEmpty()) << name;
+    }
+}
+
 TEST(InventoryOfArrays, AnArrayHasItsDisks)
 {
     MadeUpMachine machine;

@@ -30,6 +30,8 @@ struct Kernel {
     bool mayFlush = true;
     int accessError = 0; // for accounts that want to read and write the control node
     int tasks = 0;       // that were made and not destroyed
+    int memory = 1000;   // how many calls that prepare a task find some
+    dm_log_with_errno_fn logger = nullptr; // of libdevmapper's messages
 };
 
 Kernel kernel;
@@ -46,8 +48,15 @@ int access(const char* name, int mode) noexcept
     return -1;
 }
 
+void dm_log_with_errno_init(dm_log_with_errno_fn logger)
+{
+    kernel.logger = logger;
+}
+
 dm_task* dm_task_create(int type)
 {
+    if (kernel.memory-- == 0)
+        return nullptr;
     kernel.type = type;
     ++kernel.tasks;
     return reinterpret_cast<dm_task*>(&kernel); // NOLINT: an opaque type
@@ -61,29 +70,31 @@ void dm_task_destroy(dm_task* /*task*/)
 int dm_task_set_major(dm_task* /*task*/, int major)
 {
     kernel.major = major;
-    return 1;
+    return kernel.memory-- != 0 ? 1 : 0;
 }
 
 int dm_task_set_minor(dm_task* /*task*/, int minor)
 {
     kernel.minor = minor;
-    return 1;
+    return kernel.memory-- != 0 ? 1 : 0;
 }
 
 int dm_task_no_flush(dm_task* /*task*/)
 {
     kernel.mayFlush = false;
-    return 1;
+    return kernel.memory-- != 0 ? 1 : 0;
 }
 
 int dm_task_no_open_count(dm_task* /*task*/)
 {
-    return 1;
+    return kernel.memory-- != 0 ? 1 : 0;
 }
 
 int dm_task_run(dm_task* /*task*/)
 {
     ++kernel.asked;
+    if (kernel.result == 0 && kernel.logger != nullptr)
+        kernel.logger(3, "ioctl.c", 1, kernel.error, "the request failed");
     return kernel.result;
 }
 
@@ -169,6 +180,29 @@ TEST_F(MapStatusReader, SaysWhatTheKernelRefuses)
     kernel.error = 0;
     EXPECT_EQ(read().error, std::errc::io_error);
     EXPECT_EQ(kernel.tasks, 0);
+}
+
+TEST_F(MapStatusReader, IgnoresLibdevmappersMessagesWhileItLives)
+{
+    kernel.result = 0;
+    const Inventory inventory(m_machine.roots());
+    std::optional<DeviceMapper> mapper(control());
+    ASSERT_NE(kernel.logger, nullptr);
+    testing::internal::CaptureStderr();
+    (*mapper)(*inventory.named("dm-3"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    mapper.reset();
+    EXPECT_EQ(kernel.logger, nullptr); // libdevmapper's own
+}
+
+TEST_F(MapStatusReader, AsksNothingWithoutMemory)
+{
+    for (int calls = 0; calls < 5; ++calls) {
+        kernel.memory = calls;
+        EXPECT_EQ(read().error, std::errc::not_enough_memory) << calls;
+        EXPECT_EQ(kernel.asked, 0);
+        EXPECT_EQ(kernel.tasks, 0);
+    }
 }
 
 TEST_F(MapStatusReader, AsksNothingAboutAMapThatHasVanished)

@@ -69,6 +69,18 @@ TEST_F(Nvme, AControllerWithoutAPathIsStillThere)
     EXPECT_EQ(paths[1].anaState, std::nullopt);
 }
 
+TEST_F(Nvme, ANameWithoutANamespaceHasNoPathsWithDevices)
+{
+    addMultipathed();
+    m_machine.add("virtual/nvme-subsystem/nvme-subsys0", "nvme0", "259:9");
+    const Inventory inventory(m_machine.roots());
+    const std::vector<NvmePath> paths = nvmePaths(inventory, *inventory.named("nvme0"));
+    ASSERT_EQ(paths.size(), 2U);
+    EXPECT_EQ(paths[0].controller.name, "nvme3");
+    EXPECT_EQ(paths[0].device, nullptr);
+    EXPECT_EQ(paths[1].device, nullptr);
+}
+
 TEST_F(Nvme, ADiskWithoutMultipathingHasItsControllerForAPath)
 {
     addController("nvme0", "nvme-subsys1");
