@@ -86,16 +86,15 @@ void warnOfMissing(const PartitionAnswer& answer, const Machine& machine)
     complain(text);
 }
 
-/// Warns of a partition's name that the library reads as something else.
+/// Warns of a partition's name that the library reads as something else. A name that it reads as a
+/// partition of another disk has a number.
 void warnOfReading(const PartitionAnswer& answer, CDmpClaimManager& manager)
 {
     const DeviceAnswer read = deviceAnswer(manager, *answer.name);
     if (read.isPartition && read.disk == answer.disk)
         return;
-    std::string what = "a whole disk";
-    if (read.isPartition)
-        what = read.partnum ? partitionText(*read.partnum, *read.disk)
-                            : "a partition of " + quoted(*read.disk);
+    const std::string what =
+        read.isPartition ? partitionText(read.partnum.value(), *read.disk) : "a whole disk";
     complain("the library reads " + quoted(*answer.name) + " as " + what + ", not as " +
              partitionText(answer.partnum, answer.disk));
 }

@@ -20,7 +20,7 @@ std::string partitionList(const Inventory::Devices& partitions)
 std::string partitionText(const Inventory& inventory, const BlockDevice& device)
 {
     const BlockDevice* parent = inventory.parentOf(device);
-    if (parent == nullptr || !device.partnum())
+    if (parent == nullptr)
         return {};
     return "partition " + std::to_string(*device.partnum()) + " of " + parent->path();
 }

@@ -1,5 +1,6 @@
 #include "names/naming_warnings.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <string_view>
@@ -26,11 +27,6 @@ bool isLetter(char character)
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
-bool endsWith(std::string_view text, std::string_view end)
-{
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 /// A path as its name and the digits at its end. Both refer to the path's text.
 struct Numbered {
     std::string_view name;
@@ -39,9 +35,7 @@ struct Numbered {
 
 Numbered numbered(std::string_view path)
 {
-    std::size_t length = path.size();
-    while (length > 0 && isDigit(path[length - 1]))
-        --length;
+    const std::size_t length = path.find_last_not_of("0123456789") + 1; // 0 when all are digits
     return {path.substr(0, length), path.substr(length)};
 }
 
@@ -72,10 +66,10 @@ void warnOfPrefixPosition(const NamedDevice& device, Warnings& warnings)
 void warnOfHyphen(const NamedDevice& device, Warnings& warnings)
 {
     const Numbered path = numbered(device.path);
-    const bool isUdevName = !path.digits.empty() && endsWith(path.name, udevSeparator);
+    const std::size_t hyphen = std::min(path.name.rfind('-'), path.name.size());
     std::string disk = device.path;
-    if (isUdevName) {
-        disk = path.name.substr(0, path.name.size() - udevSeparator.size());
+    if (!path.digits.empty() && path.name.substr(hyphen) == udevSeparator) {
+        disk = path.name.substr(0, hyphen);
         const std::string number(path.digits);
         warnings.push_back({"udev-partition-name",
                             inQuotes(std::string(udevSeparator) + number) +

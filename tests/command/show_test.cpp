@@ -163,6 +163,25 @@ TEST_F(ExplainOnMultipath, TellsOfReadOnlyDisksAndNvmeSubsystems)
                           "  subsystem      nvme-subsys0, nqn.x, paths chosen by numa\n"));
 }
 
+TEST_F(ExplainOnMultipath, LeavesOutWhatTheKernelDoesNotTell)
+{
+    create_directories(m_made.sysfs("class/nvme-subsystem/nvme-subsys0/nvme0"));
+    m_made.add("virtual/nvme-subsystem/nvme-subsys0", "nvme0n1", "259:0");
+    EXPECT_THAT(explain({"/dev/nvme0n1"}).output, HasSubstr("  subsystem      nvme-subsys0\n"));
+    remove(m_made.dev("nvme0n1"));
+    remove(m_made.sysfs("class/block/nvme0n1/dev"));
+    EXPECT_THAT(explain({"/dev/nvme0n1"}).output, HasSubstr("  kernel         nvme, nvme0n1\n"));
+}
+
+TEST_F(ExplainOnMultipath, SaysThatNoneOfTheDriversOwnsTheDevice)
+{
+    m_made.addMap("dm-2", "254:2", "secret", "CRYPT-x");
+    EXPECT_THAT(
+        explain({"/dev/mapper/secret"}).output,
+        HasSubstr("  agrees         no: to the kernel it is no partition, and owned by none "
+                  "of\n                 these drivers\n"));
+}
+
 TEST_F(ExplainOnMultipath, SaysWhyThereAreNoFacts)
 {
     m_made.addNode("sdx", "65:112");

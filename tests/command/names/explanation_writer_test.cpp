@@ -35,6 +35,20 @@ TEST(ExplanationWriter, APartitionWhoseNumberIsReadBack)
             "  device-mapper   0  does not claim it                (prefix /dev/mapper/)\n"));
 }
 
+TEST(ExplanationWriter, AModuleMayClaimWithAnyNumber)
+{
+    CDmpClaimManager manager;
+    command::Explanation device =
+        command::explanation(manager, command::makeModules({}), "/dev/sda");
+    device.modules[1].claim = 7;
+    CapturedOutput output;
+    command::ExplanationWriter writer(command::Form::text, output.stream());
+    writer.write(device);
+    writer.finish();
+    EXPECT_THAT(output.text(),
+                HasSubstr("  powerpath       7  claims it                        (prefix "));
+}
+
 TEST(ExplanationWriter, WarningsAreWrapped)
 {
     const std::string text = textOf({"/dev/mapper/mpathbp2"});

@@ -123,7 +123,7 @@ TEST(NamingWarnings, ADiskThatTheDigitRuleTakesForAPartition)
 TEST(NamingWarnings, ADiskWhosePartitionsOthersNameDifferently)
 {
     for (const char* path : {"/dev/mapper/mpatha", "/dev/mapper/360", "/dev/mapper/a_1",
-                             "/dev/mapper/mpathp", "/dev/mapper/dev/sda"})
+                             "/dev/mapper/a{1", "/dev/mapper/mpathp", "/dev/mapper/dev/sda"})
         EXPECT_THAT(codes(path), ElementsAre("other-partition-names")) << path;
     EXPECT_THAT(text("/dev/mapper/mpatha"),
                 AllOf(HasSubstr("this disk /dev/mapper/mpathap1;"),
