@@ -14,10 +14,8 @@ namespace {
 const BlockDevice* nvmeDiskOf(const Inventory& inventory, const BlockDevice& path)
 {
     std::string name = path.kernelName();
-    const std::size_t controller = name.find('c');
+    const std::size_t controller = name.find('c'); // the kind says that there is one
     const std::size_t space = name.find('n', controller);
-    if (controller == std::string::npos || space == std::string::npos)
-        return nullptr;
     return inventory.named(name.erase(controller, space - controller));
 }
 
@@ -30,7 +28,6 @@ bool isDisk(const BlockDevice& device)
     case DeviceKind::virtio:
         return true;
     case DeviceKind::partition:
-    case DeviceKind::nvmePath:
     case DeviceKind::powerPath:
     case DeviceKind::optical:
     case DeviceKind::floppy:

@@ -25,14 +25,14 @@ bool isPath(const NvmePath& path)
     return path.device != nullptr || isLive(path.controller) == false;
 }
 
-/// Without ANA, all paths are as good as optimized ones.
+/// Without ANA, all paths are as good as optimized ones. The controller of a path without a device
+/// is not live, see isPath.
 PathState stateOf(const NvmePath& path)
 {
     const std::optional<bool> live = isLive(path.controller);
     if (!live)
         return PathState::unknown;
-    return *live && path.device != nullptr && path.anaState != lost ? PathState::standby
-                                                                    : PathState::failed;
+    return *live && path.anaState != lost ? PathState::standby : PathState::failed;
 }
 
 /// How early the kernel chooses a working path by its ANA state; nothing when it does not.

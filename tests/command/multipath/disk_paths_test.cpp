@@ -30,6 +30,8 @@ protected:
         m_made.add("css0/0.0.0001/0.0.0200/block", "dasda", "94:0");
         m_made.add("pci0000:00/mmc0/mmc0:0001/block", "mmcblk0", "179:0");
         m_made.add("platform/floppy.0/block", "fd0", "2:0");
+        m_made.add("pci0000:00/ata1/block", "sr0", "11:0");
+        m_made.add("platform/emcp/block", "emcpowera", "120:0");
     }
 
     std::string diskOfNamed(const std::string& name) const
@@ -66,10 +68,19 @@ TEST_F(Disks, AreFoundByTheirPartitionsAndPaths)
 TEST_F(Disks, AreHardware)
 {
     EXPECT_EQ(diskOfNamed("dm-2"), "none");
-    for (const char* name : {"loop0", "nbd0", "fd0"})
+    for (const char* name : {"loop0", "nbd0", "fd0", "sr0", "emcpowera"})
         EXPECT_EQ(diskOfNamed(name), "none") << name;
     for (const char* name : {"dasda", "mmcblk0"})
         EXPECT_EQ(diskOfNamed(name), name);
+}
+
+TEST_F(Disks, AreNotFoundForPartitionsAndPathsOfADiskThatHasVanished)
+{
+    remove(m_made.sysfs("class/block/sdb"));
+    remove(m_made.sysfs("class/block/nvme0n1"));
+    m_made.add("pci0000:00/nvme/nvme11", "nvme0c11", "259:3");
+    for (const char* name : {"sdb1", "nvme0c10n1", "nvme0c11"})
+        EXPECT_EQ(diskOfNamed(name), "none") << name;
 }
 
 TEST_F(Disks, HaveADriverOverTheirPathsOrNone)

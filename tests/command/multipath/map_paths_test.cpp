@@ -58,6 +58,12 @@ TEST_F(MapPaths, OfOneGroupAreUsedTogether)
                                                                  "/dev/sdb 1 active yes\n");
 }
 
+TEST_F(MapPaths, ThatHaveFailedInTheActiveGroupAreNotUsed)
+{
+    EXPECT_EQ(shownWith("2 0 1 0 1 1 A 0 2 0 8:0 A 0 8:16 F 1"), "/dev/sda 1 active yes\n"
+                                                                 "/dev/sdb 1 failed no\n");
+}
+
 TEST_F(MapPaths, AreUsedInTheGroupThatTheKernelTriesNext)
 {
     // Before any request, no group is active.
