@@ -60,6 +60,13 @@ TEST(Show, PrintsJson)
     EXPECT_EQ(runJson({"show", "-"}).dump(), R"({"schema":1,"devices":[]})");
 }
 
+TEST(PathsCommand, SaysWithoutAVolumeManagerWhatIsNoDisk)
+{
+    const Result result = run({"paths", "no-node"});
+    EXPECT_EQ(result.errors, "dmpclaim: 'no-node' is no block device of this machine\n");
+    EXPECT_EQ(result.status, 32);
+}
+
 TEST(List, HoldsEveryBlockDeviceOfTheKernel)
 {
     const Result result = run({"list", "--all", "-n", "-r", "-o", "KNAME"});

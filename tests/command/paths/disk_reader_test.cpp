@@ -105,6 +105,13 @@ TEST_F(DiskReading, SaysWhatIsNoDisk)
     EXPECT_EQ(list.exitStatus(), 32);
 }
 
+TEST_F(DiskReading, SaysNothingOfWhatADeviceConsistsOfThatHasNoMembers)
+{
+    m_made.addVirtual("loop0", "7:0");
+    EXPECT_THAT(read({{"loop0"}}).notes,
+                ElementsAre("'loop0' is no disk, and no partition or path of one"));
+}
+
 TEST_F(DiskReading, AsksTheVolumeManagerOnceForEachOfItsNodes)
 {
     installVolumeManager();
@@ -143,6 +150,39 @@ TEST_F(DiskReading, TellsWhyTheVolumeManagerDidNotAnswerAndAsksNothingMore)
     EXPECT_EQ(names(list).size(), 5U);
 }
 
+TEST_F(DiskReading, TellsWhyTheVolumeManagerDidNotAnswerAndAsksOn)
+{
+    m_volumeManager.askAboutDisk = [](const std::string& path) {
+        DiskAnswer answer;
+        answer.path = path;
+        answer.outcome = Outcome::failed;
+        answer.reason = "ended with status 1";
+        answer.command = "kodmpadm x";
+        return answer;
+    };
+    EXPECT_THAT(read().notes, ElementsAre("the volume manager's paths of /dev/sdc are not known: "
+                                          "kodmpadm x: ended with status 1",
+                                          "the volume manager's paths of /dev/sdd are not known: "
+                                          "kodmpadm x: ended with status 1"));
+}
+
+TEST_F(DiskReading, TellsNothingOfDisksThatTheVolumeManagerDoesNotHold)
+{
+    for (const Outcome outcome : {Outcome::refused, Outcome::noNode, Outcome::misnamed}) {
+        m_volumeManager.askAboutDisk = [this, outcome](const std::string& path) {
+            m_asked.push_back(path);
+            DiskAnswer answer;
+            answer.outcome = outcome;
+            return answer;
+        };
+        m_asked.clear();
+        const DiskList list = read({{}, true});
+        EXPECT_THAT(m_asked, ElementsAre("/dev/sdc", "/dev/sdd"));
+        EXPECT_THAT(list.notes, IsEmpty());
+        EXPECT_EQ(names(list).size(), 5U);
+    }
+}
+
 TEST_F(DiskReading, TellsOnceWhatRootWouldSee)
 {
     m_made.addMap("dm-3", "254:3", "mpathb", "mpath-3601", {"sdc"});
@@ -153,6 +193,8 @@ TEST_F(DiskReading, TellsOnceWhatRootWouldSee)
         ElementsAre("only root may ask the device-mapper which paths of a map are used, and "
                     "which have failed: run this as root to see GROUP, STATE and USED of 2 "
                     "disks"));
+    m_status.error = std::make_error_code(std::errc::operation_not_permitted);
+    EXPECT_EQ(read().notes, list.notes);
     m_status.error = std::make_error_code(std::errc::no_such_file_or_directory);
     EXPECT_THAT(read({{"sda"}}).notes,
                 ElementsAre("the device-mapper does not tell GROUP, STATE and USED of 1 disk: No "

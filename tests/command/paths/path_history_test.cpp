@@ -80,6 +80,15 @@ TEST_F(History, RemembersHowAPathLastChanged)
     EXPECT_EQ(shownRows(later.changed), "");
 }
 
+TEST_F(History, DoesNotTellOfAUseThatWasNotKnown)
+{
+    DiskPath unknown = path("sda", PathState::unknown, false);
+    unknown.isUsed.reset();
+    take({unknown});
+    EXPECT_EQ(shownRows(take({path("sda", PathState::active, true)}).changed),
+              "sda active changed 1 unknown\n");
+}
+
 TEST_F(History, ShowsPathsThatCameAndWent)
 {
     const DiskPath first = path("sda", PathState::active, true);
@@ -106,6 +115,19 @@ TEST_F(History, TellsWhatAPathDoesInASecond)
     EXPECT_EQ(rates.readBytes, 800 * 512);
     EXPECT_EQ(rates.writes, 10);
     EXPECT_EQ(rates.writtenBytes, 80 * 512);
+}
+
+TEST_F(History, TellsNothingOfASecondWithoutCountersOrTime)
+{
+    const Inventory inventory(m_machine.roots());
+    DiskPath sda = path("sda", PathState::active, true);
+    sda.device = inventory.named("sda");
+    m_machine.set("sda", "stat", "100 0 800 0 10 0 80 0 0 0 0");
+    take({sda});
+    m_now.clock -= 2s;
+    EXPECT_FALSE(take({sda}).all[0].rates); // at the same time
+    remove(m_machine.sysfs("class/block/sda/stat"));
+    EXPECT_FALSE(take({sda}).all[0].rates);
 }
 
 TEST_F(History, TakesCountersThatBeginAnewForNoRequests)

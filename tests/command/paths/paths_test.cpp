@@ -1,9 +1,15 @@
 // `dmpclaim paths` on made-up machines.
 #include "paths/paths.h"
 
+#include <csignal>
+#include <thread>
+
+#include <unistd.h>
+
 #include <nlohmann/json.hpp>
 
 #include "tests/command/made_up_command.h"
+#include "tests/support/terminal.h"
 
 using namespace command;
 
@@ -43,8 +49,14 @@ protected:
     int listOf(const Options& options, OutputStream& output) const
     {
         StopRequest stop;
+        return listWith({}, stop, options, output);
+    }
+
+    int listWith(const VolumeManager& volumeManager, StopRequest& stop, const Options& options,
+                 OutputStream& output) const
+    {
         const auto status = [this](const BlockDevice&) { return m_status; };
-        return listPaths(options, output, {m_made.roots(), status, {}}, stop);
+        return listPaths(options, output, {m_made.roots(), status, volumeManager}, stop);
     }
 
     Answered paths(std::vector<std::string> arguments) const
@@ -113,6 +125,13 @@ TEST_F(Paths, HaveFurtherFacts)
               "- - - - - optimized - nvme0c1n1 259:11 nvme1 connecting tcp nvme-subsys0\n");
 }
 
+TEST_F(Paths, OfADeviceWithoutANumberHaveNone)
+{
+    remove(m_made.sysfs("class/block/nvme0c0n1/dev"));
+    EXPECT_EQ(paths({"-r", "-n", "-o", "KNAME,MAJMIN", "nvme0n1"}).output,
+              "nvme0c0n1 -\nnvme0c1n1 259:11\n");
+}
+
 TEST_F(Paths, HaveEveryColumnWhenAllAreWanted)
 {
     const std::string output = paths({"-r", "-O", "sda"}).output;
@@ -143,6 +162,58 @@ TEST_F(Paths, AreUnknownToOthersThanRootWhichIsSaidOnce)
               "dmpclaim: only root may ask the device-mapper which paths of a map are used, and "
               "which have failed: run this as root to see GROUP, STATE and USED of 1 disk\n");
     EXPECT_EQ(answered.status, 1);
+}
+
+TEST_F(Paths, CannotBeListedWithoutSysfs)
+{
+    remove_all(m_made.sysfs("class"));
+    EXPECT_THROW(paths({}), std::system_error);
+}
+
+using PathsDeathTest = Paths;
+
+TEST_F(PathsDeathTest, AreNotListedAfterASignalWhileTheVolumeManagerIsAsked)
+{
+    const auto interrupted = [this] {
+        StopRequest stop;
+        VolumeManager volumeManager;
+        volumeManager.askAboutDisk = [&](const std::string&) -> DiskAnswer {
+            kill(getpid(), SIGTERM);
+            while (!stop.isRequested())
+                std::this_thread::yield();
+            throw Interrupted();
+        };
+        const auto options = std::get<Options>(parseOptions({"paths"}, subcommands()));
+        CapturedOutput output;
+        listWith(volumeManager, stop, options, output.stream());
+    };
+    EXPECT_EXIT(interrupted(), testing::ExitedWithCode(143), "");
+}
+
+TEST_F(Paths, AreWatchedUntilNobodyReadsAnyMore)
+{
+    const auto options = std::get<Options>(parseOptions({"paths", "--watch=86400"}, subcommands()));
+    Pipe pipe = makePipe();
+    pipe.reader.close();
+    OutputStream output(pipe.writer.number());
+    EXPECT_EQ(listOf(options, output), 64);
+}
+
+TEST(WatchedPaths, HaveTheColumnsOfChangesOnATerminalAndAllElsewhere)
+{
+    const auto columns = [] {
+        return namesOf(std::get<Options>(parseOptions({"paths", "-w"}, subcommands())).columns);
+    };
+    const Pipe pipe = makePipe();
+    const std::string onATerminal = "DEVICE, PATH, GROUP, STATE, USED, ADDRESS, RPS, WPS, RBPS, "
+                                    "WBPS, CHANGE, TIME, WAS";
+    {
+        const Terminal terminal;
+        const StreamOnTerminal standard(STDOUT_FILENO, terminal);
+        EXPECT_EQ(columns(), onATerminal);
+    }
+    const std::string file = columns();
+    EXPECT_EQ(file.substr(0, 20), "DEVICE, DRIVER, PATH");
 }
 
 class NoPaths : public Paths {};

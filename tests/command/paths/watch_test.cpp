@@ -146,6 +146,35 @@ TEST_F(OnASmallTerminal, PathsThatChangedLastAreSeen)
                                      "/dev/sda active -       -\n"));
 }
 
+class OnATerminalOfFiveLines : public OnATerminal {
+protected:
+    OnATerminalOfFiveLines() : OnATerminal({5, 80, 0, 0}) {}
+};
+
+TEST_F(OnATerminalOfFiveLines, OnePathIsSeenHoweverManyNotesThereAre)
+{
+    const std::vector<DiskPath> paths{path("/dev/sda", PathState::active),
+                                      path("/dev/sdb", PathState::active)};
+    show(m_output, paths, {"a", "b", "c"});
+    EXPECT_EQ(screen(), "  2 paths\n"
+                        "PATH     STATE  CHANGE WAS\n"
+                        "/dev/sda active -      -\n"
+                        "1 more paths; to see fewer, name their disks\n"
+                        "a\nb\nc\n");
+}
+
+TEST_F(Watch, ATerminalShowsLinesOfJsonWhenTheyAreWanted)
+{
+    const Terminal terminal;
+    OutputStream stream(terminal.descriptor());
+    const Options options = optionsOf({"--watch", "--json-lines"});
+    WatchOutput output(options, stream);
+    show(output, {path("/dev/sda", PathState::active)});
+    EXPECT_EQ(terminal.written(), "");
+    show(output, {path("/dev/sda", PathState::failed)});
+    EXPECT_THAT(terminal.written(), StartsWith("{\"device\":\"/dev/mapper/mpatha\""));
+}
+
 class OnAPipe : public Watch {
 protected:
     CapturedOutput m_captured;
@@ -168,6 +197,20 @@ TEST_F(OnAPipe, EachChangedPathIsALineOfJson)
     EXPECT_EQ(change["change"], "changed");
     EXPECT_EQ(change["was"], "active used");
     EXPECT_THAT(change["time"], testing::MatchesRegex("....-..-..T..:..:..Z"));
+}
+
+TEST_F(OnAPipe, PathsThatComeAndGoAreChanges)
+{
+    show(m_output, {path("/dev/sda", PathState::active)});
+    show(m_output, {path("/dev/sdb", PathState::active)});
+    std::istringstream lines(m_captured.written());
+    std::vector<std::string> changes;
+    for (std::string line; std::getline(lines, line);) {
+        const nlohmann::json change = nlohmann::json::parse(line);
+        changes.push_back(change["path"].get<std::string>() + ' ' +
+                          change["change"].get<std::string>());
+    }
+    EXPECT_THAT(changes, testing::ElementsAre("/dev/sdb added", "/dev/sda removed"));
 }
 
 TEST_F(OnAPipe, ANoteIsWrittenToStandardErrorOnce)
@@ -200,7 +243,7 @@ TEST(WatchInterval, IsTwoSecondsOrWhatIsGiven)
 
 TEST(WatchInterval, IsANumberOfSeconds)
 {
-    for (const char* value : {"0", "0.09", "86401", "nan", "inf", "1s", "-1", "1.2.3"}) {
+    for (const char* value : {"0", "0.09", "86401", "nan", "inf", "1s", "-1", "1.2.3", "x"}) {
         EXPECT_THAT([&] { watchInterval(optionsOf({std::string("--watch=") + value})); },
                     testing::ThrowsMessage<UsageError>(
                         std::string("--watch takes a number of seconds from 0.1 to 86400, not '") +
