@@ -27,8 +27,7 @@ ActiveLookup::ActiveLookup(const LookupRules& rules, koze_pdk_4_4::CZeTraceSinkH
 
 ActiveLookup::~ActiveLookup()
 {
-    if (m_toolRuns)
-        m_stop.endTool();
+    endTool();
     m_status.set({});
 }
 
@@ -154,14 +153,20 @@ void ActiveLookup::checkAttempts(Timeline::Clock::time_point now) const
 void ActiveLookup::countTool(TraceEvent::Kind kind)
 {
     if (kind == TraceEvent::Kind::toolStarts) {
+        endTool(); // the one before: without memory its end is not told
         m_stop.beginTool();
         m_toolRuns = true;
-    } else if (kind == TraceEvent::Kind::toolEnds && m_toolRuns) {
-        m_toolRuns = false;
-        m_stop.endTool();
+    } else if (kind == TraceEvent::Kind::toolEnds) {
+        endTool();
     }
     if (m_isAsking && !m_toolRuns)
         m_stop.check();
+}
+
+void ActiveLookup::endTool()
+{
+    if (std::exchange(m_toolRuns, false))
+        m_stop.endTool();
 }
 
 void ActiveLookup::report()

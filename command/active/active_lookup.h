@@ -47,6 +47,7 @@ private:
     void take(int level, std::string_view text);
     void checkAttempts(Timeline::Clock::time_point now) const;
     void countTool(TraceEvent::Kind kind);
+    void endTool();
     void report();
 
     LookupRules m_rules;

@@ -39,6 +39,42 @@ TEST_F(ActiveLookupTest, TheTimeLimitIsAnOutcome)
     EXPECT_EQ(tools.liveRunners, 0);
 }
 
+/// A sink that calls `act` for each line that begins with `beginning`.
+koze_pdk_4_4::CZeTraceSinkHandle sinkThat(std::string_view beginning, std::function<void()> act)
+{
+    return new koze_pdk_4_4::CZeTraceCallbackSink(
+        koze_pdk_4_4::CZeTraceSink::everything,
+        [beginning, act = std::move(act)](int, std::string_view text) {
+            if (text.substr(0, beginning.size()) == beginning)
+                act();
+        });
+}
+
+TEST_F(ActiveLookupTest, TheTimeLimitMayPassBeforeAPause)
+{
+    tools.answer(nodeQuery, 3);
+    sink = sinkThat("Obtaining dmp nodes failed.", [this] { stop.request(StopReason::timeLimit); });
+    EXPECT_EQ(lookUp("/dev/sdc")["reason"], "the time limit passed in a pause");
+    EXPECT_EQ(tools.events.back(), nodeQuery);
+}
+
+TEST_F(ActiveLookupTest, ARequestToStopThatComesAsAToolStartsKeepsItFromStarting)
+{
+    sink = sinkThat("ExecuteCommand command: ", [this] { stop.request(); });
+    EXPECT_THROW(lookUp("/dev/sdc"), Interrupted);
+    EXPECT_FALSE(stop.toolsRun());
+    for (const std::string& event : tools.events)
+        EXPECT_NE(event, nodeQuery);
+}
+
+TEST_F(ActiveLookupTest, AToolRunsNoMoreWhenItsEndCannotBeTold)
+{
+    findAtOnce();
+    sink = sinkThat("Exiting Function executeCommand ", [] { throw std::bad_alloc(); });
+    lookUp("/dev/sdc");
+    EXPECT_FALSE(stop.toolsRun());
+}
+
 TEST_F(ActiveLookupTest, AfterTheTimeLimitNoToolStarts)
 {
     stop.request(StopReason::timeLimit);

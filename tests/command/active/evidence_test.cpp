@@ -61,6 +61,8 @@ struct Case {
 
 const Case cases[] = {
     {{}, Code::notInstalled, "/usr/sbin/kodmpadm is missing, or may not be executed"},
+    {foundNode, Code::notFound,
+     "the volume manager does not know sdc: no node in the answer of kodmpadm getdmpnode"},
     {foundNode + pathQuery("arr0_17") + namesPath, Code::confirmed,
      "the volume manager names /dev/sdb for node arr0_17"},
     {foundNode + pathQuery("arr0_17") + prints("NAME===sdb DISABLED PRIMARY") + found, Code::noPath,
