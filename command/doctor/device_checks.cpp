@@ -176,12 +176,12 @@ private:
                     isMapperPath(path)
                         ? "Have the node made."
                         : "Make the node, unless this is a container that is not to have it.",
-                    makeNodeCommand(path, kernelDevice(path))});
+                    makeNodeCommand(path, *kernelDevice(path))});
     }
 
     void reportReplacedNode(const std::string& path, const std::string& noun)
     {
-        const std::string make = makeNodeCommand(path, kernelDevice(path));
+        const std::string make = makeNodeCommand(path, *kernelDevice(path));
         reportNode(
             {Code::nodeReplaced, path,
              "a " + noun + " of the kernel, but what stands in the node's place is no block device",

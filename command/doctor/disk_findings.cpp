@@ -49,12 +49,11 @@ constexpr Failure failures[] = {
      "Have them scanned, unless the volume manager is not to "
      "hold them."}};
 
-const Failure* failureOf(Outcome outcome)
+/// REQUIRES: the outcome is one of `failures`.
+const Failure& failureOf(Outcome outcome)
 {
-    const auto* found =
-        std::find_if(std::begin(failures), std::end(failures),
-                     [&](const Failure& failure) { return failure.outcome == outcome; });
-    return found == std::end(failures) ? nullptr : found;
+    return *std::find_if(std::begin(failures), std::end(failures),
+                         [&](const Failure& failure) { return failure.outcome == outcome; });
 }
 
 /// Tool and subcommand: "/usr/sbin/kodmpadm getdmpnode".
@@ -147,7 +146,7 @@ private:
 
     void reportFailure(const FailedDisks& failed)
     {
-        const Failure& failure = *failureOf(failed.first->outcome);
+        const Failure& failure = failureOf(failed.first->outcome);
         const std::string& command = failed.first->command;
         const std::string disks = counted(failed.disks.size(), "disk");
         const bool isToolAtFault = failure.code != Code::noDiskHeld;

@@ -48,7 +48,7 @@ public:
         try {
             TraceRecorder recorder(openTraceSink(m_trace)); // a sink serves one thread
             const CZeTraceLogHandle log = m_forReport ? recorder.openLog() : openTraceLog(m_trace);
-            while (const std::optional<std::size_t> next = take())
+            while (const std::optional<Question> next = take())
                 answer(*next, log, recorder);
         } catch (const Interrupted&) {
             // The disk stays notAsked.
@@ -74,42 +74,39 @@ public:
         return m_done;
     }
 
-    /// The answers so far. Later ones are dropped.
+    /// The answers so far; later ones are not among them. No further disk is asked about.
     std::vector<DiskAnswer> end()
     {
         const std::lock_guard lock(m_mutex);
-        m_hasEnded = true;
+        m_next = m_answers.size();
         if (m_failure)
             std::rethrow_exception(m_failure);
-        return std::move(m_answers);
+        return m_answers;
     }
 
 private:
-    std::optional<std::size_t> take()
+    struct Question {
+        std::size_t number;
+        std::string disk;
+    };
+
+    std::optional<Question> take()
     {
         const std::lock_guard lock(m_mutex);
-        if (m_hasEnded || m_next == m_answers.size())
+        if (m_next == m_answers.size())
             return std::nullopt;
-        return m_next++;
+        const std::size_t number = m_next++;
+        return Question{number, m_answers[number].path};
     }
 
-    void answer(std::size_t number, const CZeTraceLogHandle& log, TraceRecorder& recorder)
+    void answer(const Question& question, const CZeTraceLogHandle& log, TraceRecorder& recorder)
     {
-        std::string disk;
-        {
-            const std::lock_guard lock(m_mutex);
-            if (m_hasEnded)
-                return;
-            disk = m_answers[number].path;
-        }
-        DiskAnswer answer = askAboutDisk(disk, log, *m_stop, m_forReport);
+        DiskAnswer answer = askAboutDisk(question.disk, log, *m_stop, m_forReport);
         answer.trace = recorder.takeLines();
         const std::lock_guard lock(m_mutex);
-        if (m_hasEnded)
-            return;
         if (answer.mustBeLast())
             m_next = m_answers.size();
-        m_answers[number] = std::move(answer);
+        m_answers[question.number] = std::move(answer);
         ++m_done;
     }
 
@@ -122,7 +119,6 @@ private:
     std::size_t m_next = 0;
     std::size_t m_done = 0;
     unsigned int m_working = 0;
-    bool m_hasEnded = false;
     std::exception_ptr m_failure;
 };
 

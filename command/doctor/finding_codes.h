@@ -135,6 +135,7 @@ inline constexpr CodeFacts codeTable[] = {
 
 inline constexpr std::size_t codeCount = sizeof codeTable / sizeof codeTable[0];
 
+// not covered: evaluated by the compiler
 constexpr bool codesAreInOrder()
 {
     for (std::size_t i = 0; i < codeCount; ++i) {

@@ -33,11 +33,11 @@ bool isMapperPath(const std::string& path)
     return startsWith(path, mapperFolder);
 }
 
-std::string makeNodeCommand(const std::string& path, const BlockDevice* device)
+std::string makeNodeCommand(const std::string& path, const BlockDevice& device)
 {
     if (isMapperPath(path))
         return remakeMapNode(path);
-    const std::optional<DeviceNumber> number = device == nullptr ? std::nullopt : device->number();
+    const std::optional<DeviceNumber> number = device.number();
     if (!number)
         return {};
     return "mknod " + shellWord(path) + " b " + std::to_string(number->major) + ' ' +

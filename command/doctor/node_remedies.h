@@ -16,7 +16,7 @@ bool isMapperPath(const std::string& path);
 // Commands for a shell that mend a node. `path` is in /dev.
 
 /// Makes the node of a device that the kernel has. Empty when the kernel does not tell its number.
-std::string makeNodeCommand(const std::string& path, const BlockDevice* device);
+std::string makeNodeCommand(const std::string& path, const BlockDevice& device);
 
 /// Removes the node of a device that the kernel does not have.
 std::string removeNodeCommand(const std::string& path);

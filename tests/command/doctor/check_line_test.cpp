@@ -82,6 +82,12 @@ TEST(CheckLine, OtherProblemsAreNamedByTheirCodes)
     EXPECT_THAT(result.line, StartsWith("DMPCLAIM CRITICAL - node-missing: sda, sdb | "));
 }
 
+TEST(CheckLine, ANodeOfTheVolumeManagerIsNamedWhole)
+{
+    EXPECT_THAT(check(reportOf(1, 0), {{Code::nodeMissing, "arr0_17", "text"}}).line,
+                StartsWith("DMPCLAIM CRITICAL - node-missing: arr0_17 | "));
+}
+
 TEST(CheckLine, ALongListIsCounted)
 {
     std::vector<Finding> findings;
@@ -105,6 +111,8 @@ TEST(CheckLine, AnEarlyEndIsUnknownUnlessAnErrorWasFound)
     EXPECT_EQ(check(report, findings).status, 3);
     findings.push_back({Code::noPath, "/dev/mapper/mpath0", "text"});
     EXPECT_EQ(check(report, findings).status, 2);
+    report.end = StopReason::interrupt;
+    EXPECT_EQ(check(report, {{Code::interrupted, "dmpclaim doctor", "a signal came"}}).status, 3);
 }
 
 TEST(CheckLine, IsOneLineWithOneBarWhateverTheNames)

@@ -3,10 +3,19 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
-#include <map>
-#include <mutex>
+#include <cerrno>
+#include <functional>
+#include <new>
 #include <thread>
+#include <utility>
+
+#include <dlfcn.h>
+#include <pthread.h>
+#include <sys/syscall.h>
+#include <time.h>
+#include <unistd.h>
 
 #include "kovm/command_lines.h"
 #include "pdk/include/czeexecpipe.h"
@@ -32,8 +41,12 @@ public:
         while (most < running && !m_mostAtOnce.compare_exchange_weak(most, running))
             continue;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        while (isEndless)
+            std::this_thread::yield();
         ++m_runs;
         --m_running;
+        if (command == throwing)
+            throw std::bad_alloc();
         if (command == hanging)
             return CZeExecPipeBase::deadlinePassed;
         if (command == interrupting)
@@ -43,10 +56,13 @@ public:
     }
 
     int mostAtOnce() const { return m_mostAtOnce; }
+    int running() const { return m_running; }
     int runs() const { return m_runs; }
 
     std::string hanging;
     std::string interrupting;
+    std::string throwing;
+    std::atomic<bool> isEndless{false};
     std::shared_ptr<StopRequest> stop = std::make_shared<StopRequest>();
 
 private:
@@ -61,6 +77,15 @@ Tools*& currentTools()
     return tools;
 }
 
+/// A clock that is ahead of the machine's: each wait for a time moves it there.
+std::atomic<bool> isClockFast = false;
+std::atomic<std::int64_t> nanosecondsAhead = 0;
+
+std::int64_t nanosecondsOf(const timespec& time)
+{
+    return time.tv_sec * 1'000'000'000 + time.tv_nsec;
+}
+
 class DiskInquiry : public testing::Test {
 protected:
     DiskInquiry() { currentTools() = &tools; }
@@ -71,17 +96,45 @@ protected:
         InquiryOptions options;
         options.jobs = jobs;
         options.forReport = forReport;
+        options.progress = progress;
         return askAboutDisks(disks, options, tools.stop);
     }
 
     static std::string question(const std::string& disk) { return kovm::nodeQuery(disk); }
 
     Tools tools;
+    std::function<void(std::size_t)> progress = [](std::size_t /*done*/) {};
     std::vector<std::string> disks{"/dev/sda", "/dev/sdb", "/dev/sdc", "/dev/sdd",
                                    "/dev/sde", "/dev/sdf", "/dev/sdg", "/dev/sdh"};
 };
 
 } // namespace
+
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
+{
+    const long result = syscall(SYS_clock_gettime, clock, time);
+    const std::int64_t now = nanosecondsOf(*time) + nanosecondsAhead;
+    *time = {now / 1'000'000'000, now % 1'000'000'000};
+    return static_cast<int>(result);
+}
+
+/// Of std::condition_variable.
+extern "C" int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
+                                      clockid_t clock, const timespec* end)
+{
+    if (!isClockFast) {
+        const auto real = reinterpret_cast<decltype(&pthread_cond_clockwait)>(
+            dlsym(RTLD_NEXT, "pthread_cond_clockwait"));
+        return real(condition, mutex, clock, end);
+    }
+    timespec now{};
+    clock_gettime(clock, &now);
+    nanosecondsAhead += std::max<std::int64_t>(nanosecondsOf(*end) - nanosecondsOf(now), 0);
+    pthread_mutex_unlock(mutex);
+    std::this_thread::yield();
+    pthread_mutex_lock(mutex);
+    return ETIMEDOUT;
+}
 
 namespace koze_pdk_4_4 {
 
@@ -142,6 +195,34 @@ TEST_F(DiskInquiry, ARequestToStopLeavesTheAnswersSoFar)
     EXPECT_EQ(tools.runs(), 3);
     EXPECT_EQ(ask(1).front().outcome, Outcome::notAsked);
     EXPECT_EQ(tools.runs(), 3);
+}
+
+TEST_F(DiskInquiry, WhatAWorkerThrowsReachesTheCaller)
+{
+    tools.throwing = question("sdb");
+    EXPECT_THROW(ask(2), std::bad_alloc);
+}
+
+TEST_F(DiskInquiry, AToolThatDoesNotEndIsNotWaitedFor)
+{
+    tools.isEndless = true;
+    isClockFast = true;
+    bool isAskedAlready = false;
+    progress = [&](std::size_t done) {
+        EXPECT_EQ(done, 0U);
+        if (tools.running() > 0 && !std::exchange(isAskedAlready, true))
+            tools.stop->request(command::StopReason::interrupt);
+    };
+    const std::vector<DiskAnswer> answers = ask(1);
+    isClockFast = false;
+    EXPECT_TRUE(isAskedAlready);
+    EXPECT_EQ(answers.size(), disks.size());
+    EXPECT_THAT(answers, Each(Field(&DiskAnswer::outcome, Outcome::notAsked)));
+    EXPECT_EQ(tools.running(), 1);
+    tools.isEndless = false;
+    while (tools.stop.use_count() > 1) // by the detached worker
+        std::this_thread::yield();
+    EXPECT_EQ(tools.runs(), 1);
 }
 
 TEST_F(DiskInquiry, OutputsAreKeptForReportsOnly)

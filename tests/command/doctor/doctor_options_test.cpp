@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "cli/usage_error.h"
 #include "commands.h"
 
 namespace {
@@ -41,6 +42,24 @@ TEST(DoctorOptions, DisksAreAskedAboutOneByOneUnlessMoreAreWanted)
     EXPECT_EQ(optionsOf({}).jobs, 1U);
     EXPECT_EQ(optionsOf({"-j", "64"}).jobs, 64U);
     EXPECT_EQ(optionsOf({}).expectedPaths, 0U);
+}
+
+TEST(DoctorOptions, NumbersHaveTheirRanges)
+{
+    EXPECT_EQ(optionsOf({"--timeout", "86400"}).timeout, seconds(86400));
+    for (const char* jobs : {"0", "65", "x"})
+        EXPECT_THAT(
+            [&] {
+                optionsOf({"-j", jobs});
+            },
+            testing::ThrowsMessage<command::UsageError>(
+                std::string("--jobs takes a number from 1 to 64, not '") + jobs + "'"));
+    EXPECT_THAT(
+        [] {
+            optionsOf({"--timeout", "86401"});
+        },
+        testing::ThrowsMessage<command::UsageError>(
+            "--timeout takes a number from 1 to 86400, not '86401'"));
 }
 
 } // namespace

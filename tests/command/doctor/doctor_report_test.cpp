@@ -63,6 +63,14 @@ TEST_F(Doctor, JsonHoldsWhatASupportEngineerNeeds)
     EXPECT_EQ(found["names"][1]["warnings"][0]["code"], "other-partition-names");
 }
 
+TEST_F(Doctor, TraceLinesGoToAFileAndNotToStandardError)
+{
+    machine.addDeviceWithNode("sdb");
+    const std::string file = logPath() + ".trace";
+    EXPECT_EQ(run({"--trace=6", "--trace-file", file}).errors, "");
+    EXPECT_THAT(textOf(file), HasSubstr(" 6 Entering Function getClaimModule "));
+}
+
 TEST_F(Doctor, JsonHoldsTheDisksAndTheCommandsThatFoundThem)
 {
     machine.addDeviceWithNode("sdb");

@@ -84,9 +84,9 @@ TEST(Remedies, ShowThePathsOfADisk)
         {lostDisk(hostileNode, "kodmp"), nodeWord},
         {alsoNode, nodeWord}};
     for (const auto& [disk, word] : disks) {
-        const Findings findings = remediesOf([&disk = disk](const command::FindingReceiver& take) {
-            checkRedundancy(disk, 3, take);
-            checkPath(disk, "sdc", take);
+        const Findings findings = remediesOf([&lost = disk](const command::FindingReceiver& take) {
+            checkRedundancy(lost, 3, take);
+            checkPath(lost, "sdc", take);
         });
         expectTypeable(findings, {Code::onePathLeft, Code::fewerPaths, Code::pathFailed}, word);
     }
@@ -178,6 +178,10 @@ TEST_F(DeviceRemedies, MoveAwayAFileInANodesPlace)
     m_machine.addDevice("emcpowera");
     m_machine.addFile("emcpowera");
     expectTypeable(found("/dev/emcpowera"), {Code::nodeReplaced}, "/dev/emcpowera");
+    remove(m_machine.sysfs("class/block/emcpowera/dev"));
+    const Findings findings = found("/dev/emcpowera");
+    ASSERT_EQ(findings.size(), 1U);
+    EXPECT_EQ(findings[0].remedy, "mv -n -- /dev/emcpowera /root/"); // no number to make it with
 }
 
 TEST_F(DeviceRemedies, NamePartitionsAnewAndTellMoreOfNames)
