@@ -4,10 +4,10 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -34,13 +34,13 @@ bool isProcUsable()
     return false;
 }
 
-/// The numbers among the names in a folder of /proc.
+/// The numbers among the names in a folder of /proc. An error ends the reading.
 std::vector<pid_t> numbersIn(const char* folder)
 {
     std::vector<pid_t> numbers;
     std::error_code error;
     std::filesystem::directory_iterator entry(folder, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         const std::string name = entry->path().filename();
         pid_t number = 0;
         const char* end = name.data() + name.size();
@@ -69,11 +69,12 @@ pid_t sessionOf(pid_t id)
     std::ifstream file("/proc/" + std::to_string(id) + "/stat");
     std::string text;
     std::getline(file, text, '\0');
-    const std::size_t nameEnd = text.rfind(')');
+    std::istringstream behindName(text.substr(text.rfind(')') + 1)); // the name may hold anything
+    char state = 0;
+    pid_t parent = 0;
+    pid_t group = 0;
     pid_t session = 0;
-    if (nameEnd == std::string::npos ||
-        std::sscanf(text.c_str() + nameEnd, ") %*c %*d %*d %d", &session) != 1)
-        return 0;
+    behindName >> state >> parent >> group >> session;
     return session;
 }
 

@@ -20,6 +20,8 @@ struct PidfdKernel {
     int pidfdsLeft = std::numeric_limits<int>::max(); // that can be opened
     std::function<void(pid_t)> beforeOpen = [](pid_t /*id*/) {};
     std::function<void(int)> beforeSend = [](int /*signal*/) {};
+    /// Whether the process that a descriptor holds exists: 0, or an error.
+    std::function<int(int)> probeError = [](int /*descriptor*/) { return 0; };
     std::atomic<int> denials{0};
 };
 
@@ -47,6 +49,9 @@ inline std::optional<long> answerSyscall(long number, const SyscallArguments& ar
             return denySyscall(ENOSYS);
         if (!pidfdKernel->signalsGroups && static_cast<unsigned int>(arguments[3]) != 0)
             return denySyscall(EINVAL);
+        const bool isProbe = arguments[1] == 0 && static_cast<unsigned int>(arguments[3]) == 0;
+        if (const int error = isProbe ? pidfdKernel->probeError(static_cast<int>(arguments[0])) : 0)
+            return denySyscall(error);
         pidfdKernel->beforeSend(static_cast<int>(arguments[1]));
     }
     return std::nullopt;
