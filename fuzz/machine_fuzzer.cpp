@@ -26,8 +26,15 @@
 
 namespace {
 
-constexpr const char* attributes[] = {"dm/name", "dm/uuid", "dm/suspended", "dev",
-                                      "size",    "ro",      "stat",         "uevent"};
+struct Attribute {
+    const char* device;
+    const char* name;
+};
+
+constexpr Attribute attributes[] = {
+    {"dm-0", "dm/name"},    {"dm-0", "dm/uuid"}, {"dm-0", "dm/suspended"}, {"dm-0", "dev"},
+    {"dm-0", "size"},       {"dm-0", "ro"},      {"dm-0", "stat"},         {"dm-0", "uevent"},
+    {"sda", "device/wwid"}, {"sda", "wwid"},     {"sda", "device/state"}};
 
 std::vector<std::string> links;
 
@@ -43,13 +50,14 @@ std::vector<std::string> valuesOf(const std::string& text)
 MadeUpMachine& machineWith(const std::vector<std::string>& values)
 {
     static MadeUpMachine made;
-    static const bool hasDevice = (made.addVirtual("dm-0", "254:0"), true);
-    FUZZ_REQUIRE(hasDevice);
+    static const bool hasDevices =
+        (made.addVirtual("dm-0", "254:0"), made.addDisk("sda", "8:0", "0:0:0:1"), true);
+    FUZZ_REQUIRE(hasDevices);
     static std::vector<std::string> written(std::size(attributes), "unwritten");
     for (std::size_t number = 0; number < written.size(); ++number) {
         const std::string value = number < values.size() ? values[number] : "";
         if (std::exchange(written[number], value) != value)
-            made.set("dm-0", attributes[number], value);
+            made.set(attributes[number].device, attributes[number].name, value);
     }
     links.assign(values.begin() +
                      static_cast<std::ptrdiff_t>(std::min(values.size(), written.size())),
