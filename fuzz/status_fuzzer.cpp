@@ -56,8 +56,11 @@ void checkUuid(const std::string& text)
 
 void checkNumber(const std::string& text)
 {
-    if (const std::optional<command::DeviceNumber> number = command::parseDeviceNumber(text))
-        FUZZ_REQUIRE(command::parseDeviceNumber(number->text()) == number);
+    const std::optional<command::DeviceNumber> number = command::parseDeviceNumber(text);
+    if (!number)
+        return;
+    const std::optional<command::DeviceNumber> again = command::parseDeviceNumber(number->text());
+    FUZZ_REQUIRE(again && again->text() == number->text());
 }
 
 void checkName(const std::string& text)
