@@ -37,12 +37,6 @@ public:
             m_answers.push_back({disk});
     }
 
-    void begin()
-    {
-        const std::lock_guard lock(m_mutex);
-        ++m_working;
-    }
-
     void work()
     {
         try {
@@ -57,15 +51,22 @@ public:
             m_failure = std::current_exception();
         }
         const std::lock_guard lock(m_mutex);
-        --m_working;
+        ++m_endedWorkers;
         m_changed.notify_all();
     }
 
-    /// Waits until the workers have ended, at most for `patience`. Returns whether they have.
-    bool awaitEnd(std::chrono::milliseconds patience)
+    /// Waits until that many workers have ended, at most for `patience`. Returns whether they have.
+    bool awaitEnd(std::size_t workers, std::chrono::milliseconds patience)
     {
         std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, patience, [this] { return m_working == 0; });
+        return m_changed.wait_for(lock, patience, [&] { return m_endedWorkers == workers; });
+    }
+
+    /// No further disk is asked about.
+    void stop()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_next = m_answers.size();
     }
 
     std::size_t done() const
@@ -74,11 +75,10 @@ public:
         return m_done;
     }
 
-    /// The answers so far; later ones are not among them. No further disk is asked about.
-    std::vector<DiskAnswer> end()
+    /// The answers so far; later ones are not among them.
+    std::vector<DiskAnswer> answers() const
     {
         const std::lock_guard lock(m_mutex);
-        m_next = m_answers.size();
         if (m_failure)
             std::rethrow_exception(m_failure);
         return m_answers;
@@ -118,28 +118,54 @@ private:
     std::vector<DiskAnswer> m_answers;
     std::size_t m_next = 0;
     std::size_t m_done = 0;
-    unsigned int m_working = 0;
+    std::size_t m_endedWorkers = 0;
     std::exception_ptr m_failure;
 };
 
-using Threads = std::vector<std::thread>;
-
-Threads startWorkers(const std::shared_ptr<Questions>& questions, std::size_t count)
-{
-    Threads threads;
-    while (threads.size() < count) {
-        questions->begin();
-        threads.push_back(startThread([questions] { questions->work(); }));
+/// Threads that ask. Its end waits for them, and leaves those behind that take too long.
+class Workers {
+public:
+    /// Starts `count` threads, or as many as the machine allows. Throws what startThread throws
+    /// when it allows none.
+    Workers(std::shared_ptr<Questions> questions, std::size_t count)
+        : m_questions(std::move(questions))
+    {
+        m_threads.reserve(count);
+        try {
+            while (m_threads.size() < count)
+                m_threads.push_back(startThread([asked = m_questions] { asked->work(); }));
+        } catch (const std::exception&) {
+            if (m_threads.empty())
+                throw;
+        }
     }
-    return threads;
-}
+    Workers(const Workers&) = delete;
+    Workers& operator=(const Workers&) = delete;
 
-/// Returns once the workers have ended, or were told to end.
-void awaitAnswers(Questions& questions, const InquiryOptions& options, const StopRequest& stop)
-{
-    while (!stop.isRequested() && !questions.awaitEnd(tick))
-        options.progress(questions.done());
-}
+    ~Workers()
+    {
+        m_questions->stop();
+        const bool haveEnded = haveEndedWithin(grace);
+        for (std::thread& thread : m_threads)
+            haveEnded ? thread.join() : thread.detach();
+    }
+
+    /// Returns once the workers have ended, or were told to end.
+    void await(const InquiryOptions& options, const StopRequest& stop) const
+    {
+        while (!stop.isRequested() && !haveEndedWithin(tick))
+            options.progress(m_questions->done());
+    }
+
+private:
+    bool haveEndedWithin(std::chrono::milliseconds patience) const
+    {
+        return m_questions->awaitEnd(m_threads.size(), patience);
+    }
+
+    const std::shared_ptr<Questions> m_questions;
+    std::vector<std::thread> m_threads;
+};
 
 } // namespace
 
@@ -148,12 +174,11 @@ std::vector<DiskAnswer> askAboutDisks(const std::vector<std::string>& disks,
                                       const std::shared_ptr<StopRequest>& stop)
 {
     const auto questions = std::make_shared<Questions>(disks, options, stop);
-    Threads threads = startWorkers(questions, std::min<std::size_t>(options.jobs, disks.size()));
-    awaitAnswers(*questions, options, *stop);
-    const bool haveEnded = questions->awaitEnd(grace);
-    for (std::thread& thread : threads)
-        haveEnded ? thread.join() : thread.detach();
-    return questions->end();
+    {
+        const Workers workers(questions, std::min<std::size_t>(options.jobs, disks.size()));
+        workers.await(options, *stop);
+    }
+    return questions->answers();
 }
 
 } // namespace command

@@ -6,8 +6,12 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <functional>
 #include <new>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -86,10 +90,17 @@ std::int64_t nanosecondsOf(const timespec& time)
     return time.tv_sec * 1'000'000'000 + time.tv_nsec;
 }
 
+/// How many more threads can be started; no limit when empty.
+std::optional<int> threadsLeft;
+
 class DiskInquiry : public testing::Test {
 protected:
     DiskInquiry() { currentTools() = &tools; }
-    ~DiskInquiry() override { currentTools() = nullptr; }
+    ~DiskInquiry() override
+    {
+        currentTools() = nullptr;
+        threadsLeft.reset();
+    }
 
     std::vector<DiskAnswer> ask(unsigned int jobs, bool forReport = false) const
     {
@@ -116,6 +127,17 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
     const std::int64_t now = nanosecondsOf(*time) + nanosecondsAhead;
     *time = {now / 1'000'000'000, now % 1'000'000'000};
     return static_cast<int>(result);
+}
+
+/// Of std::thread.
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                              void* (*start)(void*), void* argument) noexcept
+{
+    if (threadsLeft && (*threadsLeft)-- <= 0)
+        return EAGAIN;
+    const auto real =
+        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+    return real(thread, attributes, start, argument);
 }
 
 /// Of std::condition_variable.
@@ -229,6 +251,34 @@ TEST_F(DiskInquiry, OutputsAreKeptForReportsOnly)
 {
     EXPECT_TRUE(ask(2).front().asked.front().output.empty());
     EXPECT_EQ(ask(2, true).front().asked.front().output.size(), 3U);
+}
+
+TEST_F(DiskInquiry, FewerThreadsThanJobsAnswerAllDisksToo)
+{
+    threadsLeft = 2;
+    EXPECT_THAT(ask(4), Each(Field(&DiskAnswer::outcome, Outcome::answered)));
+    EXPECT_EQ(threadsLeft, -1);
+    EXPECT_LE(tools.mostAtOnce(), 2);
+}
+
+TEST_F(DiskInquiry, WithoutAnyThreadItFails)
+{
+    threadsLeft = 0;
+    EXPECT_THROW(ask(4), std::system_error);
+    EXPECT_EQ(tools.runs(), 0);
+}
+
+TEST_F(DiskInquiry, NoDiskIsAskedAboutAfterProgressCannotBeShown)
+{
+    tools.isEndless = true;
+    isClockFast = true;
+    progress = [](std::size_t) { throw std::runtime_error("progress"); };
+    EXPECT_THROW(ask(1), std::runtime_error);
+    isClockFast = false;
+    tools.isEndless = false;
+    while (tools.stop.use_count() > 1) // by the detached worker
+        std::this_thread::yield();
+    EXPECT_LE(tools.runs(), 2); // of one disk
 }
 
 TEST_F(DiskInquiry, NoDisksAreNoWork)
