@@ -4,15 +4,15 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include <unistd.h>
+
+#include "files/names_in.h"
 
 namespace command {
 
@@ -34,14 +34,11 @@ bool isProcUsable()
     return false;
 }
 
-/// The numbers among the names in a folder of /proc. An error ends the reading.
+/// The numbers among the names in a folder of /proc; none when it cannot be read.
 std::vector<pid_t> numbersIn(const char* folder)
 {
     std::vector<pid_t> numbers;
-    std::error_code error;
-    std::filesystem::directory_iterator entry(folder, error);
-    for (; entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename();
+    for (const std::string& name : namesIn(folder)) {
         pid_t number = 0;
         const char* end = name.data() + name.size();
         if (std::from_chars(name.data(), end, number).ptr == end)

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "files/names_in.h"
 #include "kernel/sysfs_file.h"
 #include "kernel/udev_links.h"
 #include "text/text.h"

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstring>
 #include <system_error>
+#include <utility>
 
+#include "files/names_in.h"
 #include "text/text.h"
 
 namespace fs = std::filesystem;
@@ -14,23 +16,11 @@ namespace {
 
 constexpr char powerPathPrefix[] = "emcpower";
 
-std::vector<fs::directory_entry> entriesOf(const fs::path& folder)
-{
-    std::vector<fs::directory_entry> entries;
-    std::error_code error;
-    fs::directory_iterator entry(folder, error);
-    while (!error && entry != fs::directory_iterator()) {
-        entries.push_back(*entry);
-        entry.increment(error);
-    }
-    return entries;
-}
-
 /// A node that controls a driver is a character device, or is named "control".
-bool isControlNode(const fs::directory_entry& node)
+bool isControlNode(const fs::path& folder, const std::string& name)
 {
     std::error_code error;
-    return node.path().filename() == "control" || node.is_character_file(error);
+    return name == "control" || fs::is_character_file(folder / name, error);
 }
 
 std::string sysfsDevice(std::string name)
@@ -49,15 +39,14 @@ bool comesBefore(const std::string& a, const std::string& b)
 std::vector<std::string> blockDevices(const fs::path& sysfsBlock, const fs::path& dev)
 {
     std::vector<std::string> paths;
-    for (const fs::directory_entry& entry : entriesOf(sysfsBlock))
-        paths.push_back(sysfsDevice(entry.path().filename()));
-    for (const fs::directory_entry& node : entriesOf(dev / "mapper")) {
-        if (!isControlNode(node))
-            paths.push_back("/dev/mapper/" + node.path().filename().string());
+    for (std::string& name : namesIn(sysfsBlock))
+        paths.push_back(sysfsDevice(std::move(name)));
+    for (const std::string& name : namesIn(dev / "mapper")) {
+        if (!isControlNode(dev / "mapper", name))
+            paths.push_back("/dev/mapper/" + name);
     }
-    for (const fs::directory_entry& node : entriesOf(dev)) {
-        const std::string name = node.path().filename();
-        if (startsWith(name, powerPathPrefix) && !isControlNode(node))
+    for (const std::string& name : namesIn(dev)) {
+        if (startsWith(name, powerPathPrefix) && !isControlNode(dev, name))
             paths.push_back("/dev/" + name);
     }
     std::sort(paths.begin(), paths.end(), comesBefore);

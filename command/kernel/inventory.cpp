@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "files/names_in.h"
 #include "kernel/sysfs_file.h"
 #include "text/text.h"
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "files/names_in.h"
 #include "kernel/sysfs_file.h"
 #include "text/text.h"
 

@@ -4,13 +4,9 @@
 #include <cerrno>
 #include <charconv>
 #include <climits>
-#include <filesystem>
-#include <system_error>
 
 #include <fcntl.h>
 #include <unistd.h>
-
-namespace fs = std::filesystem;
 
 namespace command {
 
@@ -66,23 +62,6 @@ std::optional<std::string> linkTarget(const std::string& file)
     if (size < 0)
         return std::nullopt;
     return std::string(target.data(), static_cast<std::size_t>(size));
-}
-
-std::vector<std::string> namesIn(const std::string& folder, std::error_code& error)
-{
-    std::vector<std::string> names;
-    fs::directory_iterator entry(folder, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error))
-        names.push_back(entry->path().filename());
-    if (error)
-        names.clear();
-    return names;
-}
-
-std::vector<std::string> namesIn(const std::string& folder)
-{
-    std::error_code ignored;
-    return namesIn(folder, ignored);
 }
 
 } // namespace command

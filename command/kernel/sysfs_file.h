@@ -5,8 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
-#include <vector>
 
 namespace command {
 
@@ -24,13 +22,6 @@ std::optional<std::uint64_t> readNumber(const std::string& file);
 
 /// Where a symbolic link leads, as it is written.
 std::optional<std::string> linkTarget(const std::string& file);
-
-/// The names in a folder, without "." and "..", in no order; none when it cannot be read to its
-/// end, and then `error` says why.
-std::vector<std::string> namesIn(const std::string& folder, std::error_code& error);
-
-/// The same where the reason does not matter.
-std::vector<std::string> namesIn(const std::string& folder);
 
 } // namespace command
 

@@ -19,6 +19,8 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "tests/support/open_descriptors.h"
+
 /// The command line of a helper program of programs/; an absolute path is not changed.
 inline std::string commandLine(const std::string& command)
 {
@@ -42,19 +44,6 @@ inline std::vector<std::string> processesWith(const std::string& variable)
             found.push_back(entry.path().filename().string());
     }
     return found;
-}
-
-/// This process's open descriptors, each with its file.
-inline std::set<std::string> openDescriptors()
-{
-    std::set<std::string> numbers;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code error;
-        const std::string file = std::filesystem::read_symlink(entry, error).string();
-        if (file.find("/fd") == std::string::npos)
-            numbers.insert(entry.path().filename().string() + " " + file);
-    }
-    return numbers;
 }
 
 /// The signals that this thread blocks, and those that the process handles or ignores.
