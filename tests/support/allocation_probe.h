@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <vector>
 
-/// Watches operator new and operator delete of the whole test program, the libraries that it
-/// loads included, while the probe lives. One probe at a time, one thread.
+/// Watches operator new and operator delete of the whole test program, its threads and the
+/// libraries that it loads included, while the probe lives. One probe at a time.
 ///
 /// A test program that links allocation_probe replaces both operators.
 class AllocationProbe {
@@ -37,7 +37,7 @@ public:
         Pause& operator=(const Pause&) = delete;
 
     private:
-        bool m_wasWatching;
+        bool m_wasWatching = false;
     };
 };
 

@@ -52,6 +52,23 @@ Lines without(Lines lines, std::size_t number)
     return lines;
 }
 
+/// What only the manager has.
+std::vector<Operation> ownOperationsOf(CDmpClaimManager& manager, const std::string& device)
+{
+    return {{"getClaimModule", [&manager, device] {
+                 CDmpDeviceClaimBase* owner = nullptr;
+                 manager.getClaimModule(owner, device);
+             }}};
+}
+
+/// What only modules have. A native path's active path is asked for without the volume manager.
+std::vector<Operation> ownOperationsOf(CDmpDeviceClaimBase& module, const std::string& device)
+{
+    return {{"getActivePath", [&module, device] { module.getActivePath(device, true); }},
+            {"isRawDevice", [&module, device] { module.isRawDevice(device); }},
+            {"removeDevPrefix", [&module, device] { module.removeDevPrefix(device); }}};
+}
+
 /// Whether the operation leaves by an Exception.
 template <class Exception>
 bool throws(const Operation& operation)
@@ -78,6 +95,8 @@ protected:
         std::vector<Operation> all;
         for (const std::string& device : model::partitions) {
             for (Operation& operation : operationsOf(m_module, device))
+                all.push_back(std::move(operation));
+            for (Operation& operation : ownOperationsOf(m_module, device))
                 all.push_back(std::move(operation));
         }
         return all;
@@ -117,7 +136,7 @@ protected:
         const Lines seen = takeLines();
         if (!probe.failed())
             return false;
-        std::vector<Lines> endings;
+        std::vector<Lines> endings(lines.empty() ? 1 : 0);
         for (std::size_t number = 0; number < lines.size(); ++number)
             endings.push_back(threw ? unwoundAt(lines, number) : without(lines, number));
         EXPECT_THAT(endings, Contains(seen));

@@ -163,6 +163,8 @@ bool endsAt(std::size_t failing, const Operation& operation, CKoDMPSupport& supp
     const AllocationProbe::Pause pause;
     EXPECT_EQ(threw, probe.failed()) << "allocation " << failing;
     EXPECT_TRUE(threw || outcome == undisturbed) << "allocation " << failing;
+    std::string().swap(outcome.name);
+    EXPECT_TRUE(probe.living().empty()) << "allocation " << failing;
     return probe.failed();
 }
 
