@@ -49,8 +49,10 @@ inline std::optional<long> answerSyscall(long number, const SyscallArguments& ar
             return denySyscall(ENOSYS);
         if (!pidfdKernel->signalsGroups && static_cast<unsigned int>(arguments[3]) != 0)
             return denySyscall(EINVAL);
-        const bool isProbe = arguments[1] == 0 && static_cast<unsigned int>(arguments[3]) == 0;
-        if (const int error = isProbe ? pidfdKernel->probeError(static_cast<int>(arguments[0])) : 0)
+        const bool isProbe =
+            static_cast<int>(arguments[1]) == 0 && static_cast<unsigned int>(arguments[3]) == 0;
+        const int error = isProbe ? pidfdKernel->probeError(static_cast<int>(arguments[0])) : 0;
+        if (error != 0)
             return denySyscall(error);
         pidfdKernel->beforeSend(static_cast<int>(arguments[1]));
     }
