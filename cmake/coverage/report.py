@@ -30,7 +30,7 @@ FLOORS = {
     "providers": (100, 100, 100),
     "vstring": (100, 100, 100),
     "pdk": (100, 100, 100),
-    "command": (99, 96, 88),
+    "command": (100, 100, 100),
     "simulator": (100, 100, None),
 }
 KINDS = ("lines", "branches", "MC/DC")
