@@ -60,14 +60,14 @@ ChildProcess::~ChildProcess()
 bool ChildProcess::start(const Deadline& deadline)
 {
     const SignalBlock block;
-    clone();
+    createProcess();
     if (!waitUntilUnshared(deadline))
         return false;
     throwFailure();
     return true;
 }
 
-void ChildProcess::clone()
+void ChildProcess::createProcess()
 {
     // Not CLONE_VFORK: its wait has no deadline, and execve hangs on a device that does not answer.
     // The kernel clears `sharesMemory` at the same moment, and a futex wait has a deadline.

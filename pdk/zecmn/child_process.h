@@ -50,7 +50,7 @@ public:
     void kill();
 
 private:
-    void clone();
+    void createProcess();
     bool waitUntilUnshared(const Deadline& deadline);
     void throwFailure() const;
     void releasePlan();

@@ -7,7 +7,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <optional>
 #include <system_error>
 #include <thread>
 
@@ -134,11 +133,12 @@ TEST_F(InterruptDeathTest, BeforeTheEndTheRequestIsMade)
 TEST_F(InterruptDeathTest, BeforeTheEndTheToolsHaveEnded)
 {
     const auto interrupted = [this] {
-        std::optional<ShellTool> tool;
-        const Interrupt interrupt(stop, [&tool] { _exit(tool->isSessionGone() ? 7 : 8); });
-        tool.emplace(stop, "ready; sleep 100");
+        std::atomic<const ShellTool*> started{nullptr};
+        const Interrupt interrupt(stop, [&] { _exit(started.load()->isSessionGone() ? 7 : 8); });
+        ShellTool tool(stop, "ready; sleep 100");
+        started = &tool;
         kill(getpid(), SIGTERM);
-        tool->status();
+        tool.status();
         pause();
     };
     EXPECT_EXIT(interrupted(), testing::ExitedWithCode(7), "");
