@@ -11,7 +11,6 @@ using command::Finding;
 using command::Report;
 using command::StopReason;
 using testing::Contains;
-using testing::Not;
 
 /// Examines sdc of a machine with ten native disks.
 class ExaminationOfAGivenDisk : public testing::Test {

@@ -20,7 +20,7 @@ class PathAnswers : public testing::Test {
 protected:
     DiskPath m_path;
     const DiskPaths m_disk{PathDriver::none, "sda", nullptr, {}, {}};
-    const DiskFacts m_facts;
+    const DiskFacts m_facts{};
     PathAnswer m_answer{m_disk, m_facts, m_path};
 };
 
