@@ -1,7 +1,8 @@
 #ifndef TESTS_SUPPORT_FAILING_ALLOCATIONS_H
 #define TESTS_SUPPORT_FAILING_ALLOCATIONS_H
 
-// Replaces operator new and operator delete of the test program whose one source file includes this.
+// Replaces operator new and operator delete of the test program whose one source file includes
+// this.
 
 #include <cstdlib>
 #include <new>
