@@ -1,7 +1,7 @@
 // What reading a tool's output costs, without the tool.
 #include "benchmarks/comparison.h"
-#include "pdk/include/czeexecpipe.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
+#include "tests/support/replaced_runner.h"
 
 namespace {
 
@@ -69,18 +69,8 @@ int main()
     compareRows("read a failed tool's lines with a log", logWithSink(), 1);
 }
 
-namespace koze_pdk_4_4 {
-
-CZeExecPipePosix::CZeExecPipePosix(int streams) : CZeExecPipeBase(streams) {}
-CZeExecPipePosix::~CZeExecPipePosix() = default;
-
-int CZeExecPipeBase::Exec(const std::string& /*command*/, std::vector<std::string>& output,
-                          const std::string& /*directory*/, unsigned long /*timeLimitSeconds*/,
-                          const std::string& /*user*/, const std::string& /*environment*/,
-                          const std::string& /*input*/)
+static int resultOf(const std::string& /*command*/, std::vector<std::string>& output)
 {
     output = current->lines;
     return current->status;
 }
-
-} // namespace koze_pdk_4_4

@@ -8,8 +8,8 @@
 #include "cli/options.h"
 #include "commands.h"
 #include "kovm/command_lines.h"
-#include "pdk/include/czeexecpipe.h"
 #include "tests/command/allocation_failures.h"
+#include "tests/support/replaced_runner.h"
 
 namespace {
 
@@ -22,22 +22,11 @@ const std::map<std::string, Lines> answers{
 
 } // namespace
 
-// Replace the runner and `access` of this program.
-namespace koze_pdk_4_4 {
-
-CZeExecPipePosix::CZeExecPipePosix(int streams) : CZeExecPipeBase(streams) {}
-CZeExecPipePosix::~CZeExecPipePosix() = default;
-
-int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& output,
-                          const std::string& /*directory*/, unsigned long /*timeLimitSeconds*/,
-                          const std::string& /*user*/, const std::string& /*environment*/,
-                          const std::string& /*input*/)
+static int resultOf(const std::string& command, std::vector<std::string>& output)
 {
     output = answers.at(command);
     return 0;
 }
-
-} // namespace koze_pdk_4_4
 
 extern "C" int access(const char* /*name*/, int /*type*/) noexcept
 {

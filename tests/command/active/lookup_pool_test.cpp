@@ -4,29 +4,9 @@
 #include <future>
 #include <stdexcept>
 
-#include <dlfcn.h>
-#include <pthread.h>
-
 #include "interrupt/stop_request.h"
 #include "pool_answers.h"
-
-namespace {
-
-/// How many more threads can be started; no limit when empty.
-std::optional<int> threadsLeft;
-
-} // namespace
-
-/// Replaces the C library's function.
-extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
-                              void* (*start)(void*), void* argument) noexcept
-{
-    if (threadsLeft && (*threadsLeft)-- <= 0)
-        return EAGAIN;
-    const auto real =
-        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
-    return real(thread, attributes, start, argument);
-}
+#include "tests/support/thread_limit.h"
 
 namespace {
 

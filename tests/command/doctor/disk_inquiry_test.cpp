@@ -22,7 +22,8 @@
 #include <unistd.h>
 
 #include "kovm/command_lines.h"
-#include "pdk/include/czeexecpipe.h"
+#include "tests/support/replaced_runner.h"
+#include "tests/support/thread_limit.h"
 
 namespace {
 
@@ -90,9 +91,6 @@ std::int64_t nanosecondsOf(const timespec& time)
     return time.tv_sec * 1'000'000'000 + time.tv_nsec;
 }
 
-/// How many more threads can be started; no limit when empty.
-std::optional<int> threadsLeft;
-
 class DiskInquiry : public testing::Test {
 protected:
     DiskInquiry() { currentTools() = &tools; }
@@ -129,17 +127,6 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept
     return static_cast<int>(result);
 }
 
-/// Of std::thread.
-extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
-                              void* (*start)(void*), void* argument) noexcept
-{
-    if (threadsLeft && (*threadsLeft)-- <= 0)
-        return EAGAIN;
-    const auto real =
-        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
-    return real(thread, attributes, start, argument);
-}
-
 /// Of std::condition_variable.
 extern "C" int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
                                       clockid_t clock, const timespec* end)
@@ -158,20 +145,10 @@ extern "C" int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t
     return ETIMEDOUT;
 }
 
-namespace koze_pdk_4_4 {
-
-CZeExecPipePosix::CZeExecPipePosix(int streams) : CZeExecPipeBase(streams) {}
-CZeExecPipePosix::~CZeExecPipePosix() = default;
-
-int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& output,
-                          const std::string& /*directory*/, unsigned long /*timeLimitSeconds*/,
-                          const std::string& /*user*/, const std::string& /*environment*/,
-                          const std::string& /*input*/)
+static int resultOf(const std::string& command, std::vector<std::string>& output)
 {
     return currentTools()->run(command, output);
 }
-
-} // namespace koze_pdk_4_4
 
 namespace {
 

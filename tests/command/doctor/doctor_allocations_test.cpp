@@ -10,26 +10,15 @@
 #include "doctor/findings.h"
 #include "doctor/metrics.h"
 #include "doctor/report.h"
-#include "pdk/include/czeexecpipe.h"
 #include "tests/command/allocation_failures.h"
 #include "tests/support/made_up_machine.h"
+#include "tests/support/replaced_runner.h"
 
-// Replaces the runner of this program.
-namespace koze_pdk_4_4 {
-
-CZeExecPipePosix::CZeExecPipePosix(int streams) : CZeExecPipeBase(streams) {}
-CZeExecPipePosix::~CZeExecPipePosix() = default;
-
-int CZeExecPipeBase::Exec(const std::string& /*command*/, std::vector<std::string>& output,
-                          const std::string& /*directory*/, unsigned long /*timeLimitSeconds*/,
-                          const std::string& /*user*/, const std::string& /*environment*/,
-                          const std::string& /*input*/)
+static int resultOf(const std::string& /*command*/, std::vector<std::string>& output)
 {
     output = {"NAME STATE TYPE", "====", "a-name-that-takes-memory ENABLED(A)"};
     return 0;
 }
-
-} // namespace koze_pdk_4_4
 
 namespace {
 

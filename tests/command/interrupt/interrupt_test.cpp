@@ -11,14 +11,12 @@
 #include <thread>
 
 #include <dlfcn.h>
-#include <pthread.h>
 #include <unistd.h>
 
 #include "tests/command/interrupt/shell_tool.h"
+#include "tests/support/thread_limit.h"
 
 namespace {
-
-bool threadsCanStart = true;
 
 std::atomic<int> waits = 0;      // for signals, that have begun
 std::atomic<int> earlyWaits = 0; // that are still to end at once, for no signal of this program's
@@ -48,17 +46,6 @@ extern "C" int sigtimedwait(const sigset_t* signals, siginfo_t* info, const time
     }
     const auto real = reinterpret_cast<decltype(&sigtimedwait)>(dlsym(RTLD_NEXT, "sigtimedwait"));
     return real(signals, info, time);
-}
-
-/// Replaces the C library's function.
-extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
-                              void* (*start)(void*), void* argument) noexcept
-{
-    if (!threadsCanStart)
-        return EAGAIN;
-    const auto real =
-        reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
-    return real(thread, attributes, start, argument);
 }
 
 namespace {
@@ -260,14 +247,14 @@ TEST_F(InterruptTest, WithoutAThreadItSaysSoAndLetsTheSignalsThrough)
 {
     sigset_t before;
     pthread_sigmask(SIG_SETMASK, nullptr, &before);
-    threadsCanStart = false;
+    threadsLeft = 0;
     try {
         const Interrupt interrupt(stop, [] {});
         ADD_FAILURE() << "it started";
     } catch (const std::system_error& error) {
         EXPECT_STREQ(error.what(), "cannot start a thread: Resource temporarily unavailable");
     }
-    threadsCanStart = true;
+    threadsLeft.reset();
     sigset_t after;
     pthread_sigmask(SIG_SETMASK, nullptr, &after);
     for (const int signal : {SIGINT, SIGPIPE, SIGRTMIN})

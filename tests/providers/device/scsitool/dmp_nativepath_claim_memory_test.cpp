@@ -7,9 +7,9 @@
 
 #include <unistd.h>
 
-#include "pdk/include/czeexecpipe.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "tests/support/allocation_probe.h"
+#include "tests/support/replaced_runner.h"
 
 using koze_pdk_4_4::CZeTraceCallbackSink;
 using koze_pdk_4_4::CZeTraceLog;
@@ -52,16 +52,7 @@ int filesAskedFor = 0;
 
 } // namespace
 
-// Replace the runner, `access` and `sleep` of this program.
-namespace koze_pdk_4_4 {
-
-CZeExecPipePosix::CZeExecPipePosix(int streams) : CZeExecPipeBase(streams) {}
-CZeExecPipePosix::~CZeExecPipePosix() = default;
-
-int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& output,
-                          const std::string& /*directory*/, unsigned long /*timeLimitSeconds*/,
-                          const std::string& /*user*/, const std::string& /*environment*/,
-                          const std::string& /*input*/)
+static int resultOf(const std::string& command, std::vector<std::string>& output)
 {
     ++commandsRun;
     const auto answer = tools->find(command);
@@ -73,8 +64,6 @@ int CZeExecPipeBase::Exec(const std::string& command, std::vector<std::string>& 
     output = answer->second.lines;
     return answer->second.status;
 }
-
-} // namespace koze_pdk_4_4
 
 extern "C" int access(const char* name, int /*type*/) noexcept
 {
