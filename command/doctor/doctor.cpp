@@ -118,7 +118,7 @@ int writeResult(const DoctorOptions& options, const Report& report, const Findin
         const CheckResult result = checkResult(report, findings.kept());
         output.write(result.line);
         status = result.status;
-    } else if (options.form == DoctorForm::text && !(options.isQuiet && isWhole)) {
+    } else if (options.form == DoctorForm::text && (!options.isQuiet || !isWhole)) {
         output.write(isWhole ? summary(findings.counts()) : "Not everything was examined.\n");
     }
     output.flush();

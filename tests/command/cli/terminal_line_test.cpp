@@ -2,10 +2,26 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <atomic>
 #include <thread>
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include "tests/support/terminal.h"
+
+namespace {
+
+std::atomic<int> writes{0};
+
+} // namespace
+
+/// Counts the calls that were begun. A terminal line is locked during each.
+extern "C" ssize_t write(int descriptor, const void* bytes, std::size_t size)
+{
+    ++writes;
+    return syscall(SYS_write, descriptor, bytes, size);
+}
 
 namespace {
 
@@ -82,9 +98,12 @@ TEST_F(TerminalLineTest, ClosingDoesNotWaitForATerminalThatTakesNoOutput)
         continue;
     fcntl(terminal.descriptor(), F_SETFL, 0);
     TerminalLine line(terminal.descriptor());
+    writes = 0;
     std::thread blocked([&line] { line.show("one"); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    while (writes == 0)
+        std::this_thread::yield();
     line.close();
+    EXPECT_EQ(writes, 1);
     while (written().find("one") == std::string::npos)
         std::this_thread::yield();
     blocked.join();
