@@ -13,10 +13,11 @@ namespace command {
 
 /// How disks are asked about.
 struct InquiryOptions {
-    unsigned int jobs = 1;                          // questions at once
-    bool forReport = false;                         // keep outputs and traces
-    TraceOptions trace = {};                        // where the user wants trace lines
-    std::function<void(std::size_t done)> progress; // called now and then; never empty
+    unsigned int jobs = 1;   // questions at once
+    bool forReport = false;  // keep outputs and traces
+    TraceOptions trace = {}; // where the user wants trace lines
+    /// Called now and then, when answers take long.
+    std::function<void(std::size_t done)> progress = [](std::size_t /*done*/) {};
 };
 
 /// Asks about `disks`; returns an answer for each, in order. After an answer that must be the last,

@@ -20,7 +20,8 @@ struct ExaminationOrder {
     std::vector<std::string> paths; // none: the whole machine
     DoctorOptions options;
     TraceOptions trace;
-    std::function<void(const std::string&)> showProgress; // called now and then with a text
+    /// Called now and then with a text.
+    std::function<void(const std::string&)> showProgress = [](const std::string& /*text*/) {};
     KernelRoots roots = {};
     /// Takes each name as it is read. Empty when no report is made: then no trace, outputs of tools
     /// and maps are kept either.

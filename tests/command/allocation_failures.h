@@ -105,7 +105,6 @@ private:
     Operation m_operation;
     Part m_part;
     std::string m_whole;
-    std::size_t m_left = 0; // blocks that nobody frees
 };
 
 #endif

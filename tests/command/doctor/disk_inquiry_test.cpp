@@ -258,6 +258,17 @@ TEST_F(DiskInquiry, NoDiskIsAskedAboutAfterProgressCannotBeShown)
     EXPECT_LE(tools.runs(), 2); // of one disk
 }
 
+TEST_F(DiskInquiry, SlowAnswersComeAlsoWhenNoProgressIsShown)
+{
+    isClockFast = true;
+    const std::int64_t before = nanosecondsAhead;
+    const std::vector<DiskAnswer> answers = askAboutDisks(disks, {}, tools.stop);
+    isClockFast = false;
+    EXPECT_GT(nanosecondsAhead, before);
+    EXPECT_EQ(answers.size(), disks.size());
+    EXPECT_THAT(answers, Each(Field(&DiskAnswer::outcome, Outcome::answered)));
+}
+
 TEST_F(DiskInquiry, NoDisksAreNoWork)
 {
     disks.clear();

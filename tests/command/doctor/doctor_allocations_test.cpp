@@ -42,7 +42,6 @@ protected:
     ExaminationOrder order() const
     {
         ExaminationOrder order;
-        order.showProgress = [](const std::string&) {};
         order.roots = m_made.roots();
         return order;
     }
@@ -96,7 +95,7 @@ TEST_F(DoctorAllocations, OfTheQuestionsToToolsFailOneByOne)
     for (const bool forReport : {false, true}) {
         const AllocationFailures inquiry([&](OutputStream& output) {
             InquiryOptions options;
-            options.jobs = 1;
+            options.jobs = 2;
             options.forReport = forReport;
             for (const DiskAnswer& answer :
                  askAboutDisks({"/dev/sda", "/dev/sdb"}, options, m_stop))
