@@ -155,7 +155,10 @@ TEST_F(ActiveTerminal, PathsThatAreStillReadAreCounted)
 
 TEST_F(ActiveTerminal, OfSeveralLookupsTheOneBegunFirstIsShown)
 {
-    delayLookups(1500);
+    Json state = scenario("healthy");
+    state["faults"] = {{{"subcommand", "getdmpnode"}, {"call", 1}, {"delay_ms", 1000}},
+                       {{"subcommand", "getdmpnode"}, {"call", 2}, {"delay_ms", 2600}}};
+    write(state);
     const std::string text =
         shown({"-j2", "-"}, "{ echo /dev/sdc; sleep 0.4; echo /dev/sdb; sleep 0.6; } | ");
     EXPECT_THAT(text, testing::HasSubstr("\r0 done, /dev/sdc: attempt 1 of 4, running kodmpadm"));
