@@ -10,25 +10,13 @@
 #include "tests/support/process.h"
 
 /// The command with its arguments, ready to start.
-inline std::vector<std::string> dmpclaim(std::vector<std::string> arguments)
-{
-    arguments.insert(arguments.begin(), DMPCLAIM_COMMAND);
-    return arguments;
-}
+std::vector<std::string> dmpclaim(std::vector<std::string> arguments);
 
 /// Runs the command to its end, with `input` on its standard input.
-inline Result run(const std::vector<std::string>& arguments, std::string_view input = {},
-                  const Setting& setting = {})
-{
-    return Process(dmpclaim(arguments), setting).finish(input);
-}
+Result run(const std::vector<std::string>& arguments, std::string_view input = {},
+           const Setting& setting = {});
 
 /// Runs the command with --json and parses what it prints.
-inline nlohmann::ordered_json runJson(std::vector<std::string> arguments,
-                                      std::string_view input = {})
-{
-    arguments.emplace_back("--json");
-    return nlohmann::ordered_json::parse(run(arguments, input).output);
-}
+nlohmann::ordered_json runJson(std::vector<std::string> arguments, std::string_view input = {});
 
 #endif

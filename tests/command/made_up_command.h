@@ -27,31 +27,10 @@ protected:
                                          const command::Machine&)>;
 
     /// `arguments` begin with the subcommand's name.
-    Answered answer(const Subcommand& run, const std::vector<std::string>& arguments) const
-    {
-        using namespace command;
-        const Options options = std::get<Options>(parseOptions(arguments, subcommands()));
-        CapturedOutput output;
-        testing::internal::CaptureStderr();
-        try {
-            const int status = run(options, output.stream(), Machine(m_made.roots()));
-            return {output.text(), testing::internal::GetCapturedStderr(), status};
-        } catch (...) {
-            testing::internal::GetCapturedStderr();
-            throw;
-        }
-    }
+    Answered answer(const Subcommand& run, const std::vector<std::string>& arguments) const;
 
     /// What the subcommand prints where colours are shown.
-    std::string coloured(const Subcommand& run, const std::vector<std::string>& arguments) const
-    {
-        using namespace command;
-        const Options options = std::get<Options>(parseOptions(arguments, subcommands()));
-        CapturedOutput output;
-        output.stream().setColored(true);
-        run(options, output.stream(), Machine(m_made.roots()));
-        return output.text();
-    }
+    std::string coloured(const Subcommand& run, const std::vector<std::string>& arguments) const;
 
     MadeUpMachine m_made;
 };

@@ -12,20 +12,10 @@
 class MadeUpProcess : public NamespacedTools {
 protected:
     /// The command with its arguments, ready to start.
-    std::vector<std::string> onMachine(const std::vector<std::string>& arguments) const
-    {
-        std::vector<std::string> all{"sh", "-c", "mount --bind \"$0\" /sys && exec \"$@\"",
-                                     m_made.roots().sysfs, DMPCLAIM_COMMAND};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        return inNamespace(all);
-    }
+    std::vector<std::string> onMachine(const std::vector<std::string>& arguments) const;
 
     /// Waits until the volume manager is asked for the first time.
-    void awaitQuestion() const
-    {
-        for (int tries = 0; log().empty() && tries < 30'000; ++tries)
-            usleep(1000);
-    }
+    void awaitQuestion() const;
 
     MadeUpMachine m_made;
 };

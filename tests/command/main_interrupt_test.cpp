@@ -1,6 +1,8 @@
 // Signals that cut a JSON document short.
 #include <gmock/gmock.h>
 
+#include <csignal>
+
 #include "tests/command/dmpclaim.h"
 
 using Json = nlohmann::ordered_json;

@@ -1,8 +1,11 @@
 // `dmpclaim paths` as a process, on a made-up machine with the simulated volume manager.
 #include <gmock/gmock.h>
 
+#include <csignal>
+
 #include "tests/command/made_up_process.h"
 #include "tests/support/disk_letters.h"
+#include "tests/support/process.h"
 #include "tests/support/terminal.h"
 
 namespace {

@@ -1,6 +1,8 @@
 // Standard output that cannot be written, and readers that go away.
 #include <gmock/gmock.h>
 
+#include <csignal>
+
 #include "tests/command/dmpclaim.h"
 
 using testing::EndsWith;

@@ -6,6 +6,7 @@
 
 #include "tests/command/dmpclaim.h"
 #include "tests/support/harmless_text.h"
+#include "tests/support/process.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/terminal.h"
 

@@ -10,22 +10,9 @@
 /// are skipped where that is not permitted.
 class NamespacedTools : public SimulatedTools {
 protected:
-    void SetUp() override
-    {
-        useScenario("healthy");
-        if (Process(inNamespace({"true"})).finish().status == notPermitted)
-            endWithoutNamespaces();
-    }
+    void SetUp() override;
 
-    std::vector<std::string> inNamespace(const std::vector<std::string>& command) const
-    {
-        std::vector<std::string> all{SIMULATOR_WITH_TOOLS, "--tools", SIMULATOR_TOOLS, statePath()};
-        all.insert(all.end(), command.begin(), command.end());
-        return all;
-    }
-
-private:
-    static constexpr int notPermitted = 77;
+    std::vector<std::string> inNamespace(const std::vector<std::string>& command) const;
 };
 
 #endif

@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <fstream>
+
 #include "tests/command/made_up_command.h"
 
 using testing::HasSubstr;

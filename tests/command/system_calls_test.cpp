@@ -1,7 +1,10 @@
 // Each system call of a subcommand fails once with each error.
 #include <gmock/gmock.h>
 
+#include <cerrno>
+#include <exception>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 
 #include <nlohmann/json.hpp>

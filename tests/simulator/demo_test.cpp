@@ -1,3 +1,5 @@
+#include <sstream>
+
 #include "tests/command/active/active_command.h"
 
 namespace {

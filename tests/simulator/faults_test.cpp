@@ -1,6 +1,7 @@
 #include "simulated_tools.h"
 
 #include <chrono>
+#include <csignal>
 
 using testing::ElementsAre;
 

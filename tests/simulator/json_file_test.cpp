@@ -1,3 +1,5 @@
+#include <fstream>
+
 #include "simulated_tools.h"
 
 namespace {

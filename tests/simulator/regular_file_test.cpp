@@ -4,9 +4,11 @@
 
 #include <atomic>
 #include <cerrno>
+#include <fstream>
 #include <thread>
 
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "simulated_tools.h"

@@ -1,3 +1,6 @@
+#include <csignal>
+#include <fstream>
+
 #include "simulated_tools.h"
 
 namespace {

@@ -1,3 +1,6 @@
+#include <csignal>
+#include <sstream>
+
 #include "simulated_tools.h"
 
 namespace {

@@ -1,5 +1,6 @@
 #include "simulated_tools.h"
 
+#include <csignal>
 #include <set>
 
 namespace {

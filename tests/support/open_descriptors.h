@@ -1,22 +1,10 @@
 #ifndef TESTS_SUPPORT_OPEN_DESCRIPTORS_H
 #define TESTS_SUPPORT_OPEN_DESCRIPTORS_H
 
-#include <filesystem>
 #include <set>
 #include <string>
-#include <system_error>
 
 /// This process's open descriptors, each with its file.
-inline std::set<std::string> openDescriptors()
-{
-    std::set<std::string> numbers;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code error;
-        const std::string file = std::filesystem::read_symlink(entry, error).string();
-        if (file.find("/fd") == std::string::npos)
-            numbers.insert(entry.path().filename().string() + " " + file);
-    }
-    return numbers;
-}
+std::set<std::string> openDescriptors();
 
 #endif

@@ -9,20 +9,9 @@
 /// Lines that are expected in this order.
 using TraceLines = std::vector<testing::Matcher<const Line&>>;
 
-inline void append(TraceLines& lines, const Line& line)
-{
-    lines.emplace_back(line);
-}
-
-inline void append(TraceLines& lines, const std::vector<Line>& more)
-{
-    lines.insert(lines.end(), more.begin(), more.end());
-}
-
-inline void append(TraceLines& lines, const TraceLines& more)
-{
-    lines.insert(lines.end(), more.begin(), more.end());
-}
+void append(TraceLines& lines, const Line& line);
+void append(TraceLines& lines, const std::vector<Line>& more);
+void append(TraceLines& lines, const TraceLines& more);
 
 /// The lines of an operation: `inside`, single lines or those of other operations, between the
 /// entering and the exiting line of `function` in `file`.

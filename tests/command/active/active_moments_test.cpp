@@ -1,5 +1,6 @@
 // `dmpclaim active` with eight jobs, and signals at random moments.
 #include <chrono>
+#include <csignal>
 #include <random>
 
 #include "active_command.h"

@@ -2,6 +2,7 @@
 #include "active_command.h"
 
 #include <chrono>
+#include <fstream>
 
 #include "tests/command/scenario_answers.h"
 

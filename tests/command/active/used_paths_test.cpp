@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "tests/support/made_up_machine.h"
 
 using namespace command;

@@ -1,6 +1,7 @@
 #include "cli/line_reader.h"
 
 #include <atomic>
+#include <cerrno>
 #include <system_error>
 #include <vector>
 

@@ -8,6 +8,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "tests/support/process.h"
 #include "tests/support/terminal.h"
 
 namespace {

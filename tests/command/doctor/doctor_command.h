@@ -2,6 +2,7 @@
 #define TESTS_COMMAND_DOCTOR_DOCTOR_COMMAND_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fake_machine.h"
@@ -10,46 +11,9 @@
 /// `dmpclaim doctor` as a process, on a made-up machine with the simulated tools.
 class Doctor : public NamespacedTools {
 protected:
-    /// Mounts the machine's trees over the real ones. Programs also need /dev/null there.
-    static constexpr char layOver[] = R"(set -e
-touch "$1/null" && mount --bind /dev/null "$1/null"
-mount --bind "$3" /proc/devices
-mount --rbind "$1" /dev
-mount --rbind "$2" /sys
-shift 3
-exec "$@")";
-
-    std::vector<std::string> doctor(const std::vector<std::string>& arguments) const
-    {
-        std::vector<std::string> command{"sh",
-                                         "-c",
-                                         layOver,
-                                         "sh",
-                                         machine.roots().dev,
-                                         machine.roots().sysfs,
-                                         machine.drivers(),
-                                         "env",
-                                         "--default-signal=INT,TERM,HUP,QUIT,PIPE",
-                                         "LD_PRELOAD=" FAKE_NODES,
-                                         "ASAN_OPTIONS=" + sanitizerOptions,
-                                         DMPCLAIM_COMMAND,
-                                         "doctor"};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return inNamespace(command);
-    }
-
-    Result run(const std::vector<std::string>& arguments = {}, std::string_view input = {}) const
-    {
-        return Process(doctor(arguments)).finish(input);
-    }
-
-    Json report(std::vector<std::string> arguments = {}) const
-    {
-        arguments.emplace_back("-J");
-        const Result ended = run(arguments);
-        EXPECT_EQ(ended.errors, "");
-        return Json::parse(ended.output);
-    }
+    std::vector<std::string> doctor(const std::vector<std::string>& arguments) const;
+    Result run(const std::vector<std::string>& arguments = {}, std::string_view input = {}) const;
+    Json report(std::vector<std::string> arguments = {}) const;
 
     FakeMachine machine;
     std::string sanitizerOptions = "verify_asan_link_order=0";

@@ -1,4 +1,6 @@
 // Examinations that a signal or the time limit ends.
+#include <csignal>
+
 #include "doctor_command.h"
 
 namespace {

@@ -2,9 +2,12 @@
 // answer in time.
 #include "doctor/finding_codes.h"
 #include "doctor_command.h"
+#include "tests/support/process.h"
 #include "tests/support/terminal.h"
 
 #include <algorithm>
+#include <csignal>
+#include <fstream>
 
 namespace {
 

@@ -1,4 +1,6 @@
 // The JSON that a support engineer asks for, its trace and its replay.
+#include <fstream>
+
 #include "doctor_command.h"
 #include "names/drivers.h"
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "doctor/kernel_disks.h"
 #include "tests/support/made_up_machine.h"
 

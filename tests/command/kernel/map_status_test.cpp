@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "tests/command/multipath/shown_paths.h"
 #include "tests/support/made_up_machine.h"
 

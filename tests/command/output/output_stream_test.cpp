@@ -1,9 +1,11 @@
 #include "output/output_stream.h"
 
 #include <chrono>
+#include <system_error>
 #include <thread>
 
 #include <fcntl.h>
+#include <poll.h>
 
 #include <gtest/gtest.h>
 

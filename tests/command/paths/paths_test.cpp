@@ -5,7 +5,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <fstream>
+
 #include "tests/command/made_up_command.h"
+#include "tests/support/process.h"
 #include "tests/support/terminal.h"
 
 using namespace command;

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
