@@ -12,6 +12,7 @@
 #include <linux/keyctl.h>
 #include <pwd.h>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 

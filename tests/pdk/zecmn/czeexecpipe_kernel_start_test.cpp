@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <malloc.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>

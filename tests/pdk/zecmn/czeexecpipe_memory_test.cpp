@@ -5,6 +5,8 @@
 
 #include <iostream>
 
+#include <unistd.h>
+
 #include "exec_test.h"
 #include "tests/support/allocation_probe.h"
 

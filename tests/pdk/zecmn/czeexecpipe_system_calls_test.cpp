@@ -1,8 +1,18 @@
 // Each system call of a run fails once with each error, those of the started child included.
+#include <csignal>
+#include <exception>
+#include <iostream>
+
+#include <sys/prctl.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "exec_test.h"
+#include "pdk/include/czeexecpipe.h"
+#include "pdk/zecmn/run.h"
 #include "tests/support/namespaces.h"
+#include "tests/support/open_descriptors.h"
 #include "tests/support/sanitized.h"
 #include "tests/support/system_call_faults.h"
 

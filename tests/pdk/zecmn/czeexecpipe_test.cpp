@@ -5,11 +5,14 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdlib>
 #include <stdexcept>
 #include <type_traits>
 
 #include <dlfcn.h>
 #include <link.h>
+#include <sys/prctl.h>
+#include <unistd.h>
 
 #include "exec_test.h"
 

@@ -14,6 +14,7 @@
 #include "closed_standard.h"
 #include "runs_programs.h"
 #include "tests/support/child.h"
+#include "tests/support/open_descriptors.h"
 
 using koze_pdk_4_4::Descriptor;
 using koze_pdk_4_4::moveAboveStdio;

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <numeric>
 #include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "pdk/include/czeexecpipe.h"
 #include "pdk/zecmn/line_collector.h"
