@@ -1,3 +1,4 @@
+#include "pdk/include/czeexecpipe.h"
 #include "scripted_lookup.h"
 #include "tests/support/recording_log.h"
 

@@ -1,8 +1,6 @@
 #ifndef TESTS_COMMAND_ACTIVE_SCRIPTED_LOOKUP_H
 #define TESTS_COMMAND_ACTIVE_SCRIPTED_LOOKUP_H
 
-// Include it in the one source file of a test program, see ScriptedTools.
-
 #include <gmock/gmock.h>
 
 #include <string>

@@ -1,5 +1,6 @@
 // Tools that fail, hang, flood or cannot be run.
 #include "asked_disks.h"
+#include "pdk/include/czeexecpipe.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
 #include "asked_disks.h"
+#include "doctor/tool_files.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <set>
 
+#include "pdk/include/czeexecpipe.h"
 #include "providers/device/scsitool/dmp_claim_manager.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "tests/support/names_model.h"

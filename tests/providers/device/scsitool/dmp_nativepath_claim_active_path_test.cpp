@@ -3,6 +3,7 @@
 
 #include <new>
 
+#include "pdk/include/czeexecpipe.h"
 #include "providers/device/scsitool/dmp_claim_manager.h"
 #include "providers/device/scsitool/dmp_nativepath_claim.h"
 #include "tests/support/scripted_tools.h"

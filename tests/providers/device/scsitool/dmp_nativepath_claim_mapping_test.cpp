@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ko_dmp_mapping.h"
+#include "pdk/include/czeexecpipe.h"
 #include "tests/support/allocation_probe.h"
 
 using koze_pdk_4_4::CZeTraceLog;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ko_dmp_retry.h"
+#include "pdk/include/czeexecpipe.h"
 
 using koze_pdk_4_4::EZeExecPipe;
 using testing::ElementsAre;
