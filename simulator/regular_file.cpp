@@ -1,5 +1,6 @@
 #include "regular_file.h"
 
+#include <cerrno>
 #include <utility>
 
 #include <fcntl.h>
@@ -12,21 +13,33 @@
 
 namespace simulator {
 
+namespace {
+
+[[noreturn]] void refuse(const char* failure, const std::string& path)
+{
+    throw Error(std::string(failure) + " " + path + ": it is no regular file; remove it");
+}
+
+} // namespace
+
 RegularFile::RegularFile(std::string path, int flags, mode_t mode)
     : m_path(std::move(path)),
       m_failure((flags & O_ACCMODE) == O_RDONLY ? "cannot read" : "cannot write"),
       m_descriptor(open(m_path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode))
 {
-    // ELOOP: a symbolic link (O_NOFOLLOW). ENXIO: a FIFO that has no reader.
-    if (m_descriptor < 0 && errno != ELOOP && errno != ENXIO)
+    if (m_descriptor < 0) {
+        // ELOOP: a symbolic link (O_NOFOLLOW). ENXIO: a FIFO that has no reader.
+        if (errno == ELOOP || errno == ENXIO)
+            refuse(m_failure, m_path);
         failWithErrno(m_failure, m_path);
+    }
     struct stat status {};
-    fstat(m_descriptor, &status); // leaves zeros where nothing was opened
+    fstat(m_descriptor, &status);
     m_mode = status.st_mode;
     if (S_ISREG(m_mode))
         return;
     close(m_descriptor);
-    throw Error(std::string(m_failure) + " " + m_path + ": it is no regular file; remove it");
+    refuse(m_failure, m_path);
 }
 
 RegularFile::~RegularFile()

@@ -10,6 +10,8 @@
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "simulated_tools.h"
 #include "simulator/error.h"
@@ -17,8 +19,16 @@
 namespace {
 
 int refusedLocks = 0;
+std::atomic<int> examinations{0};
 
 } // namespace
+
+/// Of the files that the test itself opens.
+extern "C" int fstat(int descriptor, struct stat* status) noexcept
+{
+    ++examinations;
+    return static_cast<int>(syscall(SYS_fstat, descriptor, status));
+}
 
 /// Of the files that the test itself opens; the tools have the kernel's.
 extern "C" int flock(int, int) noexcept
@@ -111,6 +121,15 @@ TEST_F(RegularFile, AFifoIsRefusedAtOnce)
                 IsRefused("cannot read " + (folder() / "case.json").string()));
     makeFifo(statePath());
     EXPECT_THAT(kodisk({"scandisks"}), IsRefused("cannot read " + statePath()));
+}
+
+TEST_F(RegularFile, ALinkThatIsNotOpenedIsNotExaminedEither)
+{
+    create_symlink(statePath(), std::filesystem::path(beside(".lock")));
+    examinations = 0;
+    EXPECT_NO_THROW(simulator::RegularFile(statePath(), O_RDONLY | O_NOFOLLOW));
+    EXPECT_THROW(simulator::RegularFile(beside(".lock"), O_RDONLY | O_NOFOLLOW), simulator::Error);
+    EXPECT_EQ(examinations, 1);
 }
 
 TEST_F(RegularFile, AFileThatCannotBeLockedIsNamed)
