@@ -29,63 +29,58 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds longestRun{20};
 
-// As section 2 of the manual names them.
-const CallErrors& knownErrors()
-{
-    static const CallErrors errors{
-        {SYS_access, {EACCES, EIO, ELOOP, ENOENT, ENOMEM, ENOTDIR}},
-        {SYS_chdir, {EACCES, EIO, ELOOP, ENOENT, ENOMEM, ENOTDIR}},
-        {SYS_clone, {EAGAIN, EINVAL, ENOMEM, ENOSPC, EPERM}},
-        {SYS_clone3, {EAGAIN, EBUSY, EINVAL, ENOMEM, ENOSPC, EOPNOTSUPP, EPERM, ENOSYS}},
-        {SYS_close, {EBADF, EDQUOT, EINTR, EIO, ENOSPC}},
-        {SYS_close_range, {EINVAL, EMFILE, ENOMEM, ENOSYS}},
-        {SYS_dup3, {EBADF, EBUSY, EINTR, EINVAL, EMFILE}},
-        {SYS_execve,
-         {E2BIG, EACCES, EIO, ELOOP, EMFILE, ENFILE, ENOENT, ENOEXEC, ENOMEM, ENOTDIR, EPERM,
-          ETXTBSY}},
-        {SYS_fchmod, {EBADF, EIO, EPERM, EROFS}},
-        {SYS_fcntl, {EACCES, EAGAIN, EBADF, EINVAL, EMFILE}},
-        {SYS_fstat, {EBADF, ENOMEM, EOVERFLOW}},
-        {SYS_fstatfs, {EBADF, EINTR, EIO, ENOMEM, ENOSYS, EOVERFLOW}},
-        {SYS_fsync, {EBADF, EDQUOT, EINTR, EINVAL, EIO, ENOSPC, EROFS}},
-        {SYS_ftruncate, {EBADF, EFBIG, EINTR, EINVAL, EIO, EPERM}},
-        {SYS_futex, {EAGAIN, EINTR, EINVAL, ENOSYS, ETIMEDOUT}},
-        // Not ENOENT, which is the end of the folder to the C library.
-        {SYS_getdents64, {EBADF, EFAULT, EINVAL, ENOTDIR}},
-        {SYS_ioctl, {EBADF, EFAULT, EINVAL, ENOTTY}},
-        {SYS_keyctl, {EACCES, EDQUOT, ENOMEM, ENOSYS, EPERM}},
-        {SYS_kill, {EINVAL, EPERM, ESRCH}},
-        {SYS_lseek, {EBADF, EINVAL, EOVERFLOW, ESPIPE}},
-        {SYS_memfd_create, {EFAULT, EINVAL, EMFILE, ENFILE, ENOMEM}},
-        {SYS_mmap, {EACCES, EAGAIN, EINVAL, ENFILE, ENODEV, ENOMEM, EPERM}},
-        {SYS_newfstatat, {EACCES, EBADF, ELOOP, ENOENT, ENOMEM, ENOTDIR, EOVERFLOW}},
-        {SYS_openat,
-         {EACCES, EBUSY, EDQUOT, EEXIST, EINTR, EISDIR, ELOOP, EMFILE, ENFILE, ENODEV, ENOENT,
-          ENOMEM, ENOSPC, ENOTDIR, ENXIO, EPERM, EROFS, ETXTBSY, EWOULDBLOCK}},
-        {SYS_pidfd_open, {EINVAL, EMFILE, ENFILE, ENODEV, ENOMEM, ESRCH}},
-        {SYS_pidfd_send_signal, {EBADF, EINVAL, EPERM, ESRCH, ENOSYS}},
-        {SYS_pipe2, {EFAULT, EINVAL, EMFILE, ENFILE}},
-        {SYS_poll, {EFAULT, EINTR, EINVAL, ENOMEM}},
-        {SYS_prctl, {EACCES, EINVAL, EPERM}},
-        {SYS_read, {EAGAIN, EBADF, EINTR, EINVAL, EIO, EISDIR}},
-        {SYS_readlink, {EACCES, EINVAL, EIO, ELOOP, ENOENT, ENOMEM, ENOTDIR}},
-        {SYS_readlinkat, {EACCES, EBADF, EINVAL, EIO, ELOOP, ENOENT, ENOMEM, ENOTDIR}},
-        {SYS_rename,
-         {EACCES, EBUSY, EDQUOT, EINVAL, EISDIR, ELOOP, EMLINK, ENOENT, ENOMEM, ENOSPC, ENOTDIR,
-          ENOTEMPTY, EPERM, EROFS, EXDEV}},
-        {SYS_rt_sigaction, {EFAULT, EINVAL}},
-        {SYS_rt_sigprocmask, {EFAULT, EINVAL}},
-        {SYS_rt_sigtimedwait, {EAGAIN, EINTR, EINVAL}},
-        {SYS_setgroups, {EFAULT, EINVAL, ENOMEM, EPERM}},
-        {SYS_setresgid, {EINVAL, EPERM}},
-        {SYS_setresuid, {EAGAIN, EINVAL, EPERM}},
-        {SYS_setsid, {EPERM}},
-        {SYS_unlink, {EACCES, EBUSY, EIO, EISDIR, ELOOP, ENOENT, ENOMEM, ENOTDIR, EPERM, EROFS}},
-        {SYS_waitid, {ECHILD, EINTR, EINVAL}},
-        {SYS_write, {EAGAIN, EBADF, EDQUOT, EFBIG, EINTR, EINVAL, EIO, ENOSPC, EPERM, EPIPE}},
-    };
-    return errors;
-}
+/// As section 2 of the manual names them.
+const CallErrors knownErrors{
+    {SYS_access, {EACCES, EIO, ELOOP, ENOENT, ENOMEM, ENOTDIR}},
+    {SYS_chdir, {EACCES, EIO, ELOOP, ENOENT, ENOMEM, ENOTDIR}},
+    {SYS_clone, {EAGAIN, EINVAL, ENOMEM, ENOSPC, EPERM}},
+    {SYS_clone3, {EAGAIN, EBUSY, EINVAL, ENOMEM, ENOSPC, EOPNOTSUPP, EPERM, ENOSYS}},
+    {SYS_close, {EBADF, EDQUOT, EINTR, EIO, ENOSPC}},
+    {SYS_close_range, {EINVAL, EMFILE, ENOMEM, ENOSYS}},
+    {SYS_dup3, {EBADF, EBUSY, EINTR, EINVAL, EMFILE}},
+    {SYS_execve,
+     {E2BIG, EACCES, EIO, ELOOP, EMFILE, ENFILE, ENOENT, ENOEXEC, ENOMEM, ENOTDIR, EPERM, ETXTBSY}},
+    {SYS_fchmod, {EBADF, EIO, EPERM, EROFS}},
+    {SYS_fcntl, {EACCES, EAGAIN, EBADF, EINVAL, EMFILE}},
+    {SYS_fstat, {EBADF, ENOMEM, EOVERFLOW}},
+    {SYS_fstatfs, {EBADF, EINTR, EIO, ENOMEM, ENOSYS, EOVERFLOW}},
+    {SYS_fsync, {EBADF, EDQUOT, EINTR, EINVAL, EIO, ENOSPC, EROFS}},
+    {SYS_ftruncate, {EBADF, EFBIG, EINTR, EINVAL, EIO, EPERM}},
+    {SYS_futex, {EAGAIN, EINTR, EINVAL, ENOSYS, ETIMEDOUT}},
+    // Not ENOENT, which is the end of the folder to the C library.
+    {SYS_getdents64, {EBADF, EFAULT, EINVAL, ENOTDIR}},
+    {SYS_ioctl, {EBADF, EFAULT, EINVAL, ENOTTY}},
+    {SYS_keyctl, {EACCES, EDQUOT, ENOMEM, ENOSYS, EPERM}},
+    {SYS_kill, {EINVAL, EPERM, ESRCH}},
+    {SYS_lseek, {EBADF, EINVAL, EOVERFLOW, ESPIPE}},
+    {SYS_memfd_create, {EFAULT, EINVAL, EMFILE, ENFILE, ENOMEM}},
+    {SYS_mmap, {EACCES, EAGAIN, EINVAL, ENFILE, ENODEV, ENOMEM, EPERM}},
+    {SYS_newfstatat, {EACCES, EBADF, ELOOP, ENOENT, ENOMEM, ENOTDIR, EOVERFLOW}},
+    {SYS_openat,
+     {EACCES, EBUSY, EDQUOT, EEXIST, EINTR, EISDIR, ELOOP, EMFILE, ENFILE, ENODEV, ENOENT, ENOMEM,
+      ENOSPC, ENOTDIR, ENXIO, EPERM, EROFS, ETXTBSY, EWOULDBLOCK}},
+    {SYS_pidfd_open, {EINVAL, EMFILE, ENFILE, ENODEV, ENOMEM, ESRCH}},
+    {SYS_pidfd_send_signal, {EBADF, EINVAL, EPERM, ESRCH, ENOSYS}},
+    {SYS_pipe2, {EFAULT, EINVAL, EMFILE, ENFILE}},
+    {SYS_poll, {EFAULT, EINTR, EINVAL, ENOMEM}},
+    {SYS_prctl, {EACCES, EINVAL, EPERM}},
+    {SYS_read, {EAGAIN, EBADF, EINTR, EINVAL, EIO, EISDIR}},
+    {SYS_readlink, {EACCES, EINVAL, EIO, ELOOP, ENOENT, ENOMEM, ENOTDIR}},
+    {SYS_readlinkat, {EACCES, EBADF, EINVAL, EIO, ELOOP, ENOENT, ENOMEM, ENOTDIR}},
+    {SYS_rename,
+     {EACCES, EBUSY, EDQUOT, EINVAL, EISDIR, ELOOP, EMLINK, ENOENT, ENOMEM, ENOSPC, ENOTDIR,
+      ENOTEMPTY, EPERM, EROFS, EXDEV}},
+    {SYS_rt_sigaction, {EFAULT, EINVAL}},
+    {SYS_rt_sigprocmask, {EFAULT, EINVAL}},
+    {SYS_rt_sigtimedwait, {EAGAIN, EINTR, EINVAL}},
+    {SYS_setgroups, {EFAULT, EINVAL, ENOMEM, EPERM}},
+    {SYS_setresgid, {EINVAL, EPERM}},
+    {SYS_setresuid, {EAGAIN, EINVAL, EPERM}},
+    {SYS_setsid, {EPERM}},
+    {SYS_unlink, {EACCES, EBUSY, EIO, EISDIR, ELOOP, ENOENT, ENOMEM, ENOTDIR, EPERM, EROFS}},
+    {SYS_waitid, {ECHILD, EINTR, EINVAL}},
+    {SYS_write, {EAGAIN, EBADF, EDQUOT, EFBIG, EINTR, EINVAL, EIO, ENOSPC, EPERM, EPIPE}},
+};
 
 /// What the process and its child share.
 struct Shared {
@@ -257,7 +252,7 @@ CallErrors errorsOf(const std::vector<long>& calls)
 {
     CallErrors errors;
     for (const long call : calls)
-        errors.emplace(call, knownErrors().at(call));
+        errors.emplace(call, knownErrors.at(call));
     return errors;
 }
 
