@@ -51,11 +51,11 @@ void FakeMachine::addFile(const std::string& name) const
     std::ofstream(dev(name)).put('\n');
 }
 
-void FakeMachine::addMapWithNode(const std::string& name, const std::string& uuid,
+void FakeMachine::addMapWithNode(const std::string& mapName, const std::string& uuid,
                                  const std::vector<std::string>& members)
 {
     const std::string kernelName = "dm-" + std::to_string(m_maps++);
-    MadeUpMachine::addMap(kernelName, nextNumber(), name, uuid, members);
+    MadeUpMachine::addMap(kernelName, nextNumber(), mapName, uuid, members);
 }
 
 void FakeMachine::addMap(const std::string& name, const std::string& uuid)

@@ -29,7 +29,7 @@ public:
     /// A file among the nodes that is none.
     void addFile(const std::string& name) const;
 
-    void addMapWithNode(const std::string& name, const std::string& uuid,
+    void addMapWithNode(const std::string& mapName, const std::string& uuid,
                         const std::vector<std::string>& members = {});
 
     /// A map of the device-mapper without a node in /dev/mapper.
