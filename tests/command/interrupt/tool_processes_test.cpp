@@ -13,6 +13,18 @@
 
 namespace {
 
+/// A tool with a child that sleeps.
+struct ToolWithChild {
+    explicit ToolWithChild(command::StopRequest& stop)
+        : tool(stop, "sleep 100 & echo $! >" + file + "; ready; wait; exec sleep 100")
+    {}
+
+    TemporaryFolder folder;
+    std::string file = folder.file("id");
+    ShellTool tool;
+    pid_t child = std::stoi(textOf(file));
+};
+
 class ToolProcessesTest : public testing::Test {
 protected:
     ToolProcessesTest() { pidfdKernel = &m_kernel; }
@@ -43,41 +55,35 @@ TEST_F(ToolProcessesTest, AToolThatEndsBeforeItIsHeldIsNotMissed)
 
 TEST_F(ToolProcessesTest, AToolsChildThatEndsBeforeItIsHeldIsNotMissed)
 {
-    const TemporaryFolder folder;
-    const std::string file = folder.file("id");
-    const ShellTool tool(m_stop, "sleep 100 & echo $! >" + file + "; ready; wait; exec sleep 100");
-    const pid_t child = std::stoi(textOf(file));
+    const ToolWithChild parent(m_stop);
     bool hasEnded = false;
     m_kernel.beforeOpen = [&](pid_t id) {
-        if (id != child)
+        if (id != parent.child)
             return;
-        kill(child, SIGKILL);
-        while (kill(child, 0) == 0)
+        kill(parent.child, SIGKILL);
+        while (kill(parent.child, 0) == 0)
             std::this_thread::yield();
         hasEnded = true;
     };
     m_tools.update();
     EXPECT_TRUE(hasEnded);
     EXPECT_TRUE(m_tools.areAlive());
-    end(tool);
+    end(parent.tool);
     EXPECT_FALSE(m_tools.areAlive());
 }
 
 TEST_F(ToolProcessesTest, AProcessThatMayHaveTheNumberOfOneThatWasHeldIsLookedAt)
 {
-    const TemporaryFolder folder;
-    const std::string file = folder.file("id");
-    const ShellTool tool(m_stop, "sleep 100 & echo $! >" + file + "; ready; wait");
-    const pid_t child = std::stoi(textOf(file));
+    const ToolWithChild parent(m_stop);
     int looks = 0; // at the child
-    m_kernel.beforeOpen = [&](pid_t id) { looks += id == child ? 1 : 0; };
+    m_kernel.beforeOpen = [&](pid_t id) { looks += id == parent.child ? 1 : 0; };
     m_tools.update();
     m_tools.update();
     EXPECT_EQ(looks, 1);
     m_kernel.probeError = [](int /*descriptor*/) { return ESRCH; };
     m_tools.update();
     EXPECT_EQ(looks, 2);
-    end(tool);
+    end(parent.tool);
 }
 
 } // namespace
