@@ -2,7 +2,6 @@
 #include <set>
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 #include <rapidcheck/gtest.h>
 
 #include "list.h"
@@ -10,10 +9,9 @@
 #include "providers/device/scsitool/dmp_claim_manager.h"
 #include "show.h"
 #include "tests/command/made_up_command.h"
+#include "tests/support/json.h"
 
 namespace {
-
-using nlohmann::json;
 
 /// A machine of a few disks and maps whose partitions have names of all the usual kinds.
 class Contradictions : public MadeUpCommand {
@@ -40,18 +38,18 @@ protected:
     }
 
     /// The only row that the subcommand prints.
-    json row(const Subcommand& run, std::vector<std::string> arguments) const
+    Json row(const Subcommand& run, std::vector<std::string> arguments) const
     {
-        const json rows = rowsOf(run, std::move(arguments));
+        const Json rows = rowsOf(run, std::move(arguments));
         RC_ASSERT(rows.size() == 1U);
         return rows[0];
     }
 
-    json rowsOf(const Subcommand& run, std::vector<std::string> arguments) const
+    Json rowsOf(const Subcommand& run, std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin() + 1, "-J");
-        for (const json& member : json::parse(answer(run, arguments).output)) {
-            if (member.is_array())
+        for (const Json& member : Json::parse(answer(run, arguments).output)) {
+            if (member.isArray())
                 return member;
         }
         return {};
@@ -97,11 +95,11 @@ private:
 };
 
 /// What rows of several subcommands say about a path by its name.
-json byName(const json& row)
+Json byName(const Json& row)
 {
-    json named;
+    Json named;
     for (const char* column : {"name", "owner", "claim", "partition", "disk", "partnum"})
-        named[column] = row.at(column);
+        named[column] = row[column];
     return named;
 }
 
@@ -109,12 +107,12 @@ RC_GTEST_FIXTURE_PROP(Contradictions, ShowExplainStripAndTheLibraryAgreeOnAPath,
 {
     makeMachine();
     const std::string path = anyPath();
-    const json shown = row(command::showPaths, {"show", path});
+    const Json shown = row(command::showPaths, {"show", path});
     CDmpClaimManager library;
     CDmpDeviceClaimBase* owner = nullptr;
     unsigned int partnum = 0;
     RC_ASSERT(shown["claim"] == library.getClaimModule(owner, path));
-    RC_ASSERT(shown["owner"].is_null() == (owner == nullptr));
+    RC_ASSERT((shown["owner"] == nullptr) == (owner == nullptr));
     RC_ASSERT(shown["partition"] == library.isPartition(path));
     if (owner != nullptr)
         RC_ASSERT(shown["disk"] == library.removePartitionSuffix(path, partnum));
@@ -125,8 +123,8 @@ RC_GTEST_FIXTURE_PROP(Contradictions, ShowExplainStripAndTheLibraryAgreeOnAPath,
 RC_GTEST_FIXTURE_PROP(Contradictions, ListAndShowAgreeOnEveryDevice, ())
 {
     makeMachine();
-    for (const json& listed : rowsOf(command::listDevices, {"list", "-O"})) {
-        const std::string path = listed["name"];
+    for (const Json& listed : rowsOf(command::listDevices, {"list", "-O"})) {
+        const std::string path = listed["name"].text();
         RC_ASSERT(row(command::showPaths, {"show", "-O", path}) == listed);
         RC_ASSERT(row(command::listDevices, {"list", "-O", path}) == listed);
     }
@@ -137,12 +135,12 @@ RC_GTEST_FIXTURE_PROP(Contradictions, AppendAndTheLibraryNameAPartitionAlike, ()
     makeMachine();
     const std::string disk = anyPath();
     const auto partnum = *rc::gen::arbitrary<unsigned int>();
-    const json appended =
+    const Json appended =
         row(command::appendNumber, {"append", "-O", disk, std::to_string(partnum)});
     CDmpClaimManager library;
     CDmpDeviceClaimBase* owner = nullptr;
     if (library.getClaimModule(owner, disk) == CLAIM_NONE)
-        RC_ASSERT(appended["name"].is_null());
+        RC_ASSERT(appended["name"] == nullptr);
     else
         RC_ASSERT(appended["name"] == library.appendPartitionSuffix(disk, partnum));
 }
@@ -150,16 +148,16 @@ RC_GTEST_FIXTURE_PROP(Contradictions, AppendAndTheLibraryNameAPartitionAlike, ()
 RC_GTEST_FIXTURE_PROP(Contradictions, AppendAndStripOfWhatExistsUndoEachOther, ())
 {
     makeMachine();
-    for (const json& listed : rowsOf(command::listDevices, {"list", "-O"})) {
-        const std::string path = listed["name"];
-        const json stripped = row(command::stripNumbers, {"strip", "--existing", "-O", path});
-        if (stripped["partnum"].is_null()) {
+    for (const Json& listed : rowsOf(command::listDevices, {"list", "-O"})) {
+        const std::string path = listed["name"].text();
+        const Json stripped = row(command::stripNumbers, {"strip", "--existing", "-O", path});
+        if (stripped["partnum"] == nullptr) {
             RC_ASSERT(stripped["disk"] == path);
             continue;
         }
         const std::string partnum = stripped["partnum"].dump();
-        const json appended =
-            row(command::appendNumber, {"append", "--existing", "-O", stripped["disk"], partnum});
+        const Json appended = row(command::appendNumber,
+                                  {"append", "--existing", "-O", stripped["disk"].text(), partnum});
         RC_ASSERT(appended["name"] == path);
     }
 }

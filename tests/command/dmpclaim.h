@@ -5,8 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
+#include "tests/support/json.h"
 #include "tests/support/process.h"
 
 /// The command with its arguments, ready to start.
@@ -17,6 +16,6 @@ Result run(const std::vector<std::string>& arguments, std::string_view input = {
            const Setting& setting = {});
 
 /// Runs the command with --json and parses what it prints.
-nlohmann::ordered_json runJson(std::vector<std::string> arguments, std::string_view input = {});
+Json runJson(std::vector<std::string> arguments, std::string_view input = {});
 
 #endif

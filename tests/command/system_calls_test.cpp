@@ -7,7 +7,6 @@
 #include <fstream>
 #include <iostream>
 
-#include <nlohmann/json.hpp>
 #include <sys/syscall.h>
 
 #include "doctor/replace_file.h"
@@ -15,6 +14,7 @@
 #include "partitions.h"
 #include "show.h"
 #include "tests/command/made_up_command.h"
+#include "tests/support/json.h"
 #include "tests/support/namespaces.h"
 #include "tests/support/system_call_faults.h"
 
@@ -80,9 +80,9 @@ private:
     /// The rows of the only list of a document.
     static std::size_t rowsOf(const std::string& text)
     {
-        const nlohmann::json document = nlohmann::json::parse(text);
+        const Json document = Json::parse(text);
         for (const auto& member : document) {
-            if (member.is_array())
+            if (member.isArray())
                 return member.size();
         }
         return 0;

@@ -5,7 +5,7 @@ namespace {
 
 using command::Interrupted;
 using command::StopReason;
-using Row = nlohmann::ordered_json;
+using Row = Json;
 
 TEST_F(ActiveLookupTest, AfterTheRequestToStopNoToolStarts)
 {

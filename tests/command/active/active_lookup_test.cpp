@@ -5,7 +5,7 @@
 namespace {
 
 using koze_pdk_4_4::CZeTraceCallbackSink;
-using Row = nlohmann::ordered_json;
+using Row = Json;
 
 TEST_F(ActiveLookupTest, TellsTheActivePathAndHowItWasFound)
 {

@@ -1,1 +1,0 @@
-// Only carries the precompiled headers of the test programs.
