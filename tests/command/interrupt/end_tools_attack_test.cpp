@@ -5,10 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <linux/sched.h>
 #include <sys/wait.h>
@@ -17,6 +20,7 @@
 #include "tests/command/interrupt/pidfd_kernel.h"
 #include "tests/command/interrupt/shell_tool.h"
 #include "tests/support/namespaces.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

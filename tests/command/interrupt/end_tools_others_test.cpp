@@ -1,5 +1,7 @@
 // Processes that are no tools: they run on.
 #include "ended_tools.h"
+#include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

@@ -1,7 +1,14 @@
 #include "ended_tools.h"
 
+#include <utility>
+
+#include <sys/stat.h>
+
 #include "interrupt/held_process.h"
 #include "interrupt/tool_processes.h"
+#include "pdk/include/czeexecpipe.h"
+#include "tests/support/descriptor.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 

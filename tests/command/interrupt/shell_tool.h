@@ -1,107 +1,38 @@
 #ifndef TESTS_COMMAND_INTERRUPT_SHELL_TOOL_H
 #define TESTS_COMMAND_INTERRUPT_SHELL_TOOL_H
 
-#include <gtest/gtest.h>
-
 #include <atomic>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <system_error>
 #include <thread>
-#include <vector>
 
-#include <poll.h>
-#include <sys/stat.h>
+#include <sys/types.h>
 
 #include "interrupt/stop_request.h"
-#include "pdk/include/czeexecpipe.h"
-#include "tests/support/process.h"
-#include "tests/support/temporary_folder.h"
 
 /// Whether no process of the session is left. Zombies do not count: their parents reap them.
-inline bool isSessionGone(pid_t wanted)
-{
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        std::ifstream file(entry.path() / "stat");
-        std::string id;
-        std::string name;
-        std::string state;
-        pid_t parent = 0;
-        pid_t group = 0;
-        pid_t session = 0;
-        if (file >> id >> name >> state >> parent >> group >> session && session == wanted &&
-            state != "Z")
-            return false;
-    }
-    return true;
-}
+bool isSessionGone(pid_t wanted);
 
 /// A shell that the runner runs in a thread, as the workers of the command run tools. Its script
 /// calls `ready`, which the constructor waits for.
 class ShellTool {
 public:
-    ShellTool(command::StopRequest& stop, const std::string& script)
-    {
-        const TemporaryFolder folder;
-        const std::string fifo = folder.file("ready");
-        if (mkfifo(fifo.c_str(), 0600) != 0)
-            throw std::system_error(errno, std::generic_category(), "mkfifo");
-        const Descriptor ready = openFile(fifo.c_str(), O_RDWR);
-        m_thread = std::thread(
-            [this, &stop, input = "ready() { echo $$ >" + fifo + "; }\n" + script + "\n"] {
-                const command::RunningTool running(stop);
-                std::vector<std::string> output;
-                koze_pdk_4_4::CZeExecPipePosix runner(1);
-                m_status = runner.Exec("/bin/sh", output, "", 60, "", "", input);
-            });
-        m_id = receiveId(ready);
-    }
+    ShellTool(command::StopRequest& stop, const std::string& script);
     ShellTool(const ShellTool&) = delete;
     ShellTool& operator=(const ShellTool&) = delete;
-    ~ShellTool()
-    {
-        if (!isReaped())
-            kill(-m_id, SIGKILL);
-        m_thread.join();
-    }
+    ~ShellTool();
 
     pid_t id() const { return m_id; }
     bool isReaped() const { return m_status != unknown; }
 
     /// Whether no process of the tool's session is left, after a second at most: the kernel takes a
     /// moment to end what was killed.
-    bool isSessionGone() const
-    {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
-        while (!::isSessionGone(m_id) && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        return ::isSessionGone(m_id);
-    }
+    bool isSessionGone() const;
 
     /// The runner's result once it has reaped the tool; -1 when that takes more than ten seconds.
-    int status() const
-    {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (!isReaped() && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        return m_status;
-    }
+    int status() const;
 
 private:
     static constexpr int unknown = -1;
-
-    static pid_t receiveId(const Descriptor& ready)
-    {
-        char line[32] = "";
-        pollfd event{ready.number(), POLLIN, 0};
-        if (poll(&event, 1, 10000) != 1 || read(ready.number(), line, sizeof line - 1) <= 0)
-            throw std::runtime_error("the tool does not start");
-        return std::stoi(line);
-    }
 
     pid_t m_id = -1;
     std::atomic<int> m_status{unknown};
@@ -110,20 +41,6 @@ private:
 
 /// Runs a tool that ends and leaves a sleeper running, which `starter` has started. Returns the
 /// sleeper once this process has inherited it, as a subreaper or first process of its namespace.
-inline pid_t inheritedSleeper(const std::string& starter)
-{
-    command::StopRequest stop;
-    const TemporaryFolder folder;
-    const std::string file = folder.file("id");
-    const ShellTool tool(stop, starter + " sh -c 'echo $$ >" + file +
-                                   "; exec sleep 100' >/dev/null & until [ -s " + file +
-                                   " ]; do sleep 0.01; done; ready");
-    EXPECT_EQ(tool.status(), 0);
-    const pid_t sleeper = std::stoi(textOf(file));
-    while (textOf("/proc/" + std::to_string(sleeper) + "/stat")
-               .find(" S " + std::to_string(getpid()) + ' ') == std::string::npos)
-        std::this_thread::yield();
-    return sleeper;
-}
+pid_t inheritedSleeper(const std::string& starter);
 
 #endif

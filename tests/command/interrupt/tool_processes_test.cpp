@@ -10,6 +10,7 @@
 
 #include "tests/command/interrupt/pidfd_kernel.h"
 #include "tests/command/interrupt/shell_tool.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
