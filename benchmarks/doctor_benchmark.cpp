@@ -43,6 +43,7 @@ void compareSizes(const std::string& name, Examine examine)
     compareMachines(name, [&](const ManyDisks& machine) {
         ExaminationOrder order;
         order.roots = machine.roots();
+        order.showProgress = [](const std::string&) {};
         const double begin = secondsOf(CLOCK_THREAD_CPUTIME_ID);
         examine(order, modules, output);
         if (secondsOf(CLOCK_THREAD_CPUTIME_ID) - begin > mostSeconds)

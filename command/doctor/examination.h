@@ -20,8 +20,7 @@ struct ExaminationOrder {
     std::vector<std::string> paths; // none: the whole machine
     DoctorOptions options;
     TraceOptions trace;
-    /// Called now and then with a text.
-    std::function<void(const std::string&)> showProgress = [](const std::string& /*text*/) {};
+    std::function<void(const std::string&)> showProgress; // called now and then; never empty
     KernelRoots roots = {};
     /// Takes each name as it is read. Empty when no report is made: then no trace, outputs of tools
     /// and maps are kept either.

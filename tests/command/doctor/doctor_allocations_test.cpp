@@ -42,6 +42,7 @@ protected:
     ExaminationOrder order() const
     {
         ExaminationOrder order;
+        order.showProgress = [](const std::string&) {};
         order.roots = m_made.roots();
         return order;
     }

@@ -25,6 +25,7 @@ protected:
         m_machine.addDisk("sdb", "8:16", "3:0:0:0");
         m_machine.addMap("dm-0", "254:0", "mpatha", "mpath-3600", {"sda", "sdb"});
         m_order.roots = m_machine.roots();
+        m_order.showProgress = [](const std::string&) {};
     }
 
     Report examine()

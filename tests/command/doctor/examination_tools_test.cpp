@@ -23,6 +23,7 @@ protected:
         m_order.roots = m_machine.roots();
         m_order.paths = {"/dev/sdc"};
         m_order.options.timeout = std::chrono::seconds(5);
+        m_order.showProgress = [](const std::string&) {};
     }
 
     static std::string question(const std::string& name)
