@@ -1,12 +1,13 @@
 // The monitoring files held against the command.
 #include <gmock/gmock.h>
 
-#include <regex>
 #include <set>
+#include <string>
 
 #include "doctor/doctor_options.h"
 #include "doctor/metrics.h"
 #include "tests/command/namespaced_tools.h"
+#include "tests/support/matches.h"
 
 namespace {
 
@@ -23,17 +24,6 @@ constexpr char serviceFile[] = MONITORING_BUILD "/dmpclaim-metrics.service";
 
 /// Where Debian's node exporter looks for files that end in ".prom".
 constexpr char collectorFolder[] = "/var/lib/prometheus/node-exporter/";
-
-/// All texts that match.
-std::set<std::string> matches(const std::string& text, const std::string& pattern)
-{
-    const std::regex expression(pattern);
-    std::set<std::string> found;
-    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end;
-         ++match)
-        found.insert(match->str());
-    return found;
-}
 
 std::set<std::string> offeredOptions()
 {

@@ -2,10 +2,11 @@
 // severities.
 #include <gmock/gmock.h>
 
-#include <regex>
 #include <set>
+#include <string>
 
 #include "doctor/metrics.h"
+#include "tests/support/matches.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -18,17 +19,6 @@ using Words = std::set<std::string>;
 
 constexpr char rulesFile[] = MONITORING "/dmpclaim.rules.yml";
 constexpr char page[] = MONITORING "/../docs/monitoring.md";
-
-/// What the first group of the pattern matches.
-Words matches(const std::string& text, const std::string& pattern)
-{
-    const std::regex expression(pattern);
-    Words found;
-    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end;
-         ++match)
-        found.insert((*match)[1]);
-    return found;
-}
 
 /// The metrics of a machine with a disk.
 std::string metrics()

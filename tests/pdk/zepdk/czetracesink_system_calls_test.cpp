@@ -1,8 +1,9 @@
 // Each system call of a sink that writes to a file fails once with each error.
 #include <filesystem>
 #include <iostream>
-#include <regex>
 #include <system_error>
+
+#include <gmock/gmock.h>
 
 #include <sys/syscall.h>
 
@@ -44,9 +45,10 @@ protected:
         if (!m_reason.empty())
             return m_reason.rfind(m_link, 0) == 0 ? "" : "does not name the file: " + m_reason;
         const std::vector<std::string> lines = linesOf(path);
-        const std::regex whole("[-0-9T:.+]+ \\[[0-9]+\\] 6 (one|two)");
+        const auto isWhole =
+            testing::Matches(testing::MatchesRegex("[-0-9T:.+]+ \\[[0-9]+\\] 6 (one|two)"));
         for (const std::string& line : lines) {
-            if (!std::regex_match(line, whole))
+            if (!isWhole(line))
                 return "stores a part of a line: " + line;
         }
         return lines.size() + m_dropped == 2 ? "" : "loses a line and does not count it";
