@@ -2,6 +2,7 @@
 #include <set>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <rapidcheck/gtest.h>
 
 #include "list.h"
@@ -9,9 +10,10 @@
 #include "providers/device/scsitool/dmp_claim_manager.h"
 #include "show.h"
 #include "tests/command/made_up_command.h"
-#include "tests/support/json.h"
 
 namespace {
+
+using json = nlohmann::ordered_json;
 
 /// A machine of a few disks and maps whose partitions have names of all the usual kinds.
 class Contradictions : public MadeUpCommand {
@@ -38,18 +40,18 @@ protected:
     }
 
     /// The only row that the subcommand prints.
-    Json row(const Subcommand& run, std::vector<std::string> arguments) const
+    json row(const Subcommand& run, std::vector<std::string> arguments) const
     {
-        const Json rows = rowsOf(run, std::move(arguments));
+        const json rows = rowsOf(run, std::move(arguments));
         RC_ASSERT(rows.size() == 1U);
         return rows[0];
     }
 
-    Json rowsOf(const Subcommand& run, std::vector<std::string> arguments) const
+    json rowsOf(const Subcommand& run, std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin() + 1, "-J");
-        for (const Json& member : Json::parse(answer(run, arguments).output)) {
-            if (member.isArray())
+        for (const json& member : json::parse(answer(run, arguments).output)) {
+            if (member.is_array())
                 return member;
         }
         return {};
@@ -95,11 +97,11 @@ private:
 };
 
 /// What rows of several subcommands say about a path by its name.
-Json byName(const Json& row)
+json byName(const json& row)
 {
-    Json named;
+    json named;
     for (const char* column : {"name", "owner", "claim", "partition", "disk", "partnum"})
-        named[column] = row[column];
+        named[column] = row.at(column);
     return named;
 }
 
@@ -107,12 +109,12 @@ RC_GTEST_FIXTURE_PROP(Contradictions, ShowExplainStripAndTheLibraryAgreeOnAPath,
 {
     makeMachine();
     const std::string path = anyPath();
-    const Json shown = row(command::showPaths, {"show", path});
+    const json shown = row(command::showPaths, {"show", path});
     CDmpClaimManager library;
     CDmpDeviceClaimBase* owner = nullptr;
     unsigned int partnum = 0;
     RC_ASSERT(shown["claim"] == library.getClaimModule(owner, path));
-    RC_ASSERT((shown["owner"] == nullptr) == (owner == nullptr));
+    RC_ASSERT(shown["owner"].is_null() == (owner == nullptr));
     RC_ASSERT(shown["partition"] == library.isPartition(path));
     if (owner != nullptr)
         RC_ASSERT(shown["disk"] == library.removePartitionSuffix(path, partnum));
@@ -123,8 +125,8 @@ RC_GTEST_FIXTURE_PROP(Contradictions, ShowExplainStripAndTheLibraryAgreeOnAPath,
 RC_GTEST_FIXTURE_PROP(Contradictions, ListAndShowAgreeOnEveryDevice, ())
 {
     makeMachine();
-    for (const Json& listed : rowsOf(command::listDevices, {"list", "-O"})) {
-        const std::string path = listed["name"].text();
+    for (const json& listed : rowsOf(command::listDevices, {"list", "-O"})) {
+        const std::string path = listed["name"];
         RC_ASSERT(row(command::showPaths, {"show", "-O", path}) == listed);
         RC_ASSERT(row(command::listDevices, {"list", "-O", path}) == listed);
     }
@@ -135,12 +137,12 @@ RC_GTEST_FIXTURE_PROP(Contradictions, AppendAndTheLibraryNameAPartitionAlike, ()
     makeMachine();
     const std::string disk = anyPath();
     const auto partnum = *rc::gen::arbitrary<unsigned int>();
-    const Json appended =
+    const json appended =
         row(command::appendNumber, {"append", "-O", disk, std::to_string(partnum)});
     CDmpClaimManager library;
     CDmpDeviceClaimBase* owner = nullptr;
     if (library.getClaimModule(owner, disk) == CLAIM_NONE)
-        RC_ASSERT(appended["name"] == nullptr);
+        RC_ASSERT(appended["name"].is_null());
     else
         RC_ASSERT(appended["name"] == library.appendPartitionSuffix(disk, partnum));
 }
@@ -148,16 +150,16 @@ RC_GTEST_FIXTURE_PROP(Contradictions, AppendAndTheLibraryNameAPartitionAlike, ()
 RC_GTEST_FIXTURE_PROP(Contradictions, AppendAndStripOfWhatExistsUndoEachOther, ())
 {
     makeMachine();
-    for (const Json& listed : rowsOf(command::listDevices, {"list", "-O"})) {
-        const std::string path = listed["name"].text();
-        const Json stripped = row(command::stripNumbers, {"strip", "--existing", "-O", path});
-        if (stripped["partnum"] == nullptr) {
+    for (const json& listed : rowsOf(command::listDevices, {"list", "-O"})) {
+        const std::string path = listed["name"];
+        const json stripped = row(command::stripNumbers, {"strip", "--existing", "-O", path});
+        if (stripped["partnum"].is_null()) {
             RC_ASSERT(stripped["disk"] == path);
             continue;
         }
         const std::string partnum = stripped["partnum"].dump();
-        const Json appended = row(command::appendNumber,
-                                  {"append", "--existing", "-O", stripped["disk"].text(), partnum});
+        const json appended =
+            row(command::appendNumber, {"append", "--existing", "-O", stripped["disk"], partnum});
         RC_ASSERT(appended["name"] == path);
     }
 }

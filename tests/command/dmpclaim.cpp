@@ -12,8 +12,8 @@ Result run(const std::vector<std::string>& arguments, std::string_view input,
     return Process(dmpclaim(arguments), setting).finish(input);
 }
 
-Json runJson(std::vector<std::string> arguments, std::string_view input)
+nlohmann::ordered_json runJson(std::vector<std::string> arguments, std::string_view input)
 {
     arguments.emplace_back("--json");
-    return Json::parse(run(arguments, input).output);
+    return nlohmann::ordered_json::parse(run(arguments, input).output);
 }

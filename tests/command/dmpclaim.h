@@ -5,7 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/support/json.h"
+#include <nlohmann/json.hpp>
+
 #include "tests/support/process.h"
 
 /// The command with its arguments, ready to start.
@@ -16,6 +17,6 @@ Result run(const std::vector<std::string>& arguments, std::string_view input = {
            const Setting& setting = {});
 
 /// Runs the command with --json and parses what it prints.
-Json runJson(std::vector<std::string> arguments, std::string_view input = {});
+nlohmann::ordered_json runJson(std::vector<std::string> arguments, std::string_view input = {});
 
 #endif

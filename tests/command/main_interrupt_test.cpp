@@ -5,6 +5,8 @@
 
 #include "tests/command/dmpclaim.h"
 
+using Json = nlohmann::ordered_json;
+
 namespace {
 
 class InterruptBy : public testing::TestWithParam<std::pair<int, int>> {};
@@ -19,8 +21,8 @@ TEST_P(InterruptBy, ClosesTheDocument)
         ASSERT_TRUE(process.endsWithin(10'000)); // while the input is open
         const Result result = process.finish();
         const Json document = Json::parse("{" + result.output);
-        EXPECT_EQ(document["interrupted"], true);
-        EXPECT_EQ(document.names().front(), "schema");
+        EXPECT_TRUE(document["interrupted"]);
+        EXPECT_EQ(document.items().begin().key(), "schema");
         EXPECT_THAT(result.output, testing::HasSubstr("/dev/sda"));
         EXPECT_EQ(result.status, GetParam().second);
     }
@@ -74,7 +76,7 @@ TEST(Interrupt, AnInputThatCannotBeReadClosesTheDocumentToo)
     Setting setting;
     setting.input = folder.number();
     const Result result = run({"show", "-J", "/dev/sda", "-"}, {}, setting);
-    EXPECT_EQ(Json::parse(result.output)["interrupted"], true);
+    EXPECT_TRUE(Json::parse(result.output)["interrupted"]);
     EXPECT_EQ(result.errors, "dmpclaim: cannot read standard input: Is a directory\n");
     EXPECT_EQ(result.status, 1);
 }

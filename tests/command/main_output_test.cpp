@@ -75,11 +75,11 @@ TEST(Output, JsonLinesAreTheRowsOfTheDocument)
         if (subcommand == std::string("explain"))
             arguments = {subcommand};
         arguments.insert(arguments.end(), paths.begin(), paths.end());
-        Json rows;
+        nlohmann::ordered_json rows;
         const auto document = runJson(arguments);
-        for (const Json& member : document) {
-            if (member.isArray())
-                rows = member;
+        for (const auto& [key, value] : document.items()) {
+            if (value.is_array())
+                rows = value;
         }
         ASSERT_EQ(rows.size(), 3U);
         arguments.emplace_back("--json-lines");

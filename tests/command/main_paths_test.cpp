@@ -98,7 +98,7 @@ TEST_F(PathsProcess, AnInterruptClosesADocumentThatIsWritten)
     Process process(onMachine({"paths", "-a", "-J"}));
     const std::string begin = process.receiveLine();
     const Json document = cutShort(process, begin);
-    EXPECT_EQ(document["interrupted"], true);
+    EXPECT_TRUE(document["interrupted"]);
     EXPECT_GT(document["paths"].size(), 2U);
     EXPECT_LT(document["paths"].size(), 602U);
 }
@@ -109,7 +109,7 @@ TEST_F(PathsProcess, AnInterruptClosesADocumentWhoseRowsAreNotKnownYet)
     Process process(onMachine({"paths", "-J"}));
     awaitQuestion(); // which the tool does not answer
     const Json document = cutShort(process, "");
-    EXPECT_EQ(document["interrupted"], true);
+    EXPECT_TRUE(document["interrupted"]);
     EXPECT_TRUE(document["paths"].empty());
 }
 

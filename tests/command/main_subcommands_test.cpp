@@ -134,7 +134,7 @@ TEST(Strip, PrintsJson)
 TEST(Prefixes, PrintsWhatTheDriversClaim)
 {
     std::string lines;
-    Json document{{"schema", 1}, {"prefixes", Json::array()}};
+    nlohmann::ordered_json document{{"schema", 1}, {"prefixes", nlohmann::ordered_json::array()}};
     for (const std::string& prefix : claimStrings()) {
         lines += prefix + '\n';
         document["prefixes"].push_back({{"prefix", prefix}});
@@ -174,9 +174,8 @@ TEST(Explain, ChangesNoAnswer)
     for (const char* path : {"/dev/mapper/mpathbp12", "/dev/mapper/mpath1", "/dev/sda007"}) {
         const auto explanation = runJson({"explain", path})["explanations"][0];
         const auto document = runJson({"show", path});
-        const Json& device = document["devices"][0];
-        for (const std::string& name : device.names())
-            EXPECT_EQ(explanation[name], device[name]) << path << ' ' << name;
+        for (const auto& [key, value] : document["devices"][0].items())
+            EXPECT_EQ(explanation[key], value) << path << ' ' << key;
     }
 }
 

@@ -3,10 +3,11 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
+
 #include <fstream>
 
 #include "tests/command/made_up_command.h"
-#include "tests/support/json.h"
 
 using testing::HasSubstr;
 using testing::Not;
@@ -216,7 +217,8 @@ TEST_F(ExplainOnMultipath, ResolvesAndWarnsLikeShow)
 
 TEST_F(ExplainOnMultipath, PrintsTheKernelsColumnsAndPartitionsAsJson)
 {
-    const auto answers = Json::parse(explain({"-J", "/dev/mapper/mpatha", "/dev/sdz"}).output);
+    const auto answers =
+        nlohmann::ordered_json::parse(explain({"-J", "/dev/mapper/mpatha", "/dev/sdz"}).output);
     const auto& map = answers["explanations"][0];
     EXPECT_EQ(map["kind"], "multipath");
     EXPECT_EQ(map["members"].dump(), R"(["/dev/sda"])");

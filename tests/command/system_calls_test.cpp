@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iostream>
 
+#include <nlohmann/json.hpp>
 #include <sys/syscall.h>
 
 #include "doctor/replace_file.h"
@@ -14,7 +15,6 @@
 #include "partitions.h"
 #include "show.h"
 #include "tests/command/made_up_command.h"
-#include "tests/support/json.h"
 #include "tests/support/namespaces.h"
 #include "tests/support/system_call_faults.h"
 
@@ -80,9 +80,9 @@ private:
     /// The rows of the only list of a document.
     static std::size_t rowsOf(const std::string& text)
     {
-        const Json document = Json::parse(text);
+        const nlohmann::ordered_json document = nlohmann::ordered_json::parse(text);
         for (const auto& member : document) {
-            if (member.isArray())
+            if (member.is_array())
                 return member.size();
         }
         return 0;

@@ -120,7 +120,7 @@ TEST_F(Replay, TheNameOfAFolderIsNoRecording)
 TEST_F(Replay, AStateWithoutAFolderInItsPathFindsItsRecording)
 {
     std::ofstream(folder() / "case.json")
-        << Json{{"commands", Json::array({record("kodisk scandisks", 4, {})})}};
+        << Json{{"commands", {record("kodisk scandisks", 4, {})}}};
     write(Json{{"replay", "case.json"}});
     const std::string script = "cd \"$1\" && KOVM_SIMULATOR_STATE=state.json exec \"$2\" scandisks";
     EXPECT_EQ(

@@ -26,7 +26,7 @@ TEST_F(Scenarios, EachOneIsReadable)
         useScenario(file.path().stem());
         EXPECT_THAT(kodisk({"other"}).errors, testing::Not(testing::HasSubstr("simulator:")))
             << file;
-        EXPECT_TRUE(state()["about"].isText()) << file;
+        EXPECT_TRUE(state()["about"].is_string()) << file;
     }
 }
 

@@ -74,7 +74,7 @@ TEST_F(Shaping, ColumnsCanBeSetApartByAnything)
 TEST_F(Shaping, ColumnsAreSetApartAtTheBeginningOfALineToo)
 {
     const Json record{{"command", "kodisk scandisks"}, {"status", 0}, {"output", {" a  b", ""}}};
-    write(Json{{"replay", Json::array({record})},
+    write(Json{{"replay", {record}},
                {"faults", {{{"subcommand", "scandisks"}, {"separator", "|"}}}}});
     EXPECT_THAT(kodisk({"scandisks"}), Succeeds("|a|b\n\n"));
 }

@@ -2,15 +2,17 @@
 #define SIMULATED_TOOLS_H
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "tests/support/json.h"
 #include "tests/support/namespaces.h"
 #include "tests/support/process.h"
 #include "tests/support/temporary_folder.h"
+
+using Json = nlohmann::ordered_json;
 
 /// The lines of a text, without their ends.
 std::vector<std::string> splitLines(const std::string& text);

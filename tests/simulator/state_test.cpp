@@ -1,5 +1,3 @@
-#include <sstream>
-
 #include "simulated_tools.h"
 
 namespace {
@@ -11,24 +9,6 @@ struct Mistake {
     Json value;
     const char* message;
 };
-
-/// The value at the place, which is added when it is missing.
-Json& at(Json& state, const std::string& place)
-{
-    Json* value = &state;
-    std::istringstream steps(place.substr(1));
-    for (std::string step; std::getline(steps, step, '/');) {
-        if (!value->isArray()) {
-            value = &(*value)[step];
-            continue;
-        }
-        const std::size_t position = std::stoul(step);
-        if (position == value->size())
-            value->push_back({});
-        value = &(*value)[position];
-    }
-    return *value;
-}
 
 TEST_F(State, AMistakeIsNamedWithItsPlace)
 {
@@ -60,7 +40,7 @@ TEST_F(State, AMistakeIsNamedWithItsPlace)
     };
     for (const Mistake& mistake : mistakes) {
         Json state = scenario("healthy");
-        at(state, mistake.place) = mistake.value;
+        state[Json::json_pointer(mistake.place)] = mistake.value;
         write(state);
         EXPECT_THAT(nodeOf("sdc"), Fails(78, mistake.message)) << state;
         EXPECT_EQ(textOf(statePath()), state.dump());

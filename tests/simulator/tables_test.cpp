@@ -20,7 +20,7 @@ TEST_F(Tables, EachColumnIsAsWideAsItsWidestCell)
     const std::string name(40, 'x');
     useNode({{"name", name},
              {"state", "PARTLY_DISABLED"},
-             {"paths", Json::array({path("sdb", "ENABLED", "PRIMARY")})}});
+             {"paths", {path("sdb", "ENABLED", "PRIMARY")}}});
     EXPECT_THAT(nodeOf("sdb"),
                 Succeeds("NAME" + std::string(40, ' ') + "STATE              GROUP    PATHS\n" +
                          std::string(77, '=') + "\n" + name +

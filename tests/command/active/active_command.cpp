@@ -6,7 +6,7 @@ namespace {
 
 std::string outlineOfCommand(const Json& step)
 {
-    std::istringstream words(step["command"].text());
+    std::istringstream words(step["command"].get<std::string>());
     std::string word;
     words >> word >> word;
     return word + " " + step["result"].dump();
@@ -81,7 +81,7 @@ std::vector<std::string> ActiveCommand::callsIn(const Json& timeline)
     std::vector<std::string> calls;
     for (const Json& step : timeline) {
         if (step.contains("command"))
-            calls.push_back(callOf(step["command"].text()));
+            calls.push_back(callOf(step["command"]));
     }
     return calls;
 }

@@ -17,7 +17,7 @@ TEST_P(ActiveFaults, GiveTheBestPathOrThePathItself)
     EXPECT_EQ(path["active"], GetParam().active);
     EXPECT_EQ(path["changed"], GetParam().active != std::string("/dev/sdc"));
     EXPECT_EQ(path["result"], GetParam().result);
-    EXPECT_THAT(path["reason"].text(), testing::HasSubstr(GetParam().reason));
+    EXPECT_THAT(path["reason"].get<std::string>(), testing::HasSubstr(GetParam().reason));
     EXPECT_EQ(path["disk"], "/dev/sdc");
     EXPECT_EQ(outline(path["timeline"]), GetParam().steps);
     const auto waits = std::count(GetParam().steps.begin(), GetParam().steps.end(), "wait");

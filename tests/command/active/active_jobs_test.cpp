@@ -20,7 +20,7 @@ TEST_F(ActiveJobs, ResultsStandInTheOrderOfTheArguments)
     useFault({{"subcommand", "getdmpnode"}, {"call", 1}, {"delay_ms", 300}});
     std::vector<std::string> names;
     for (const Json& path : paths({"-j3", "/dev/sdc", "/dev/mapper/a", "/dev/sdb", "x"}))
-        names.push_back(path["name"].text() + " " + path["active"].dump());
+        names.push_back(path["name"].get<std::string>() + " " + path["active"].dump());
     EXPECT_THAT(names, ElementsAre("/dev/sdc \"/dev/sdb\"", "/dev/mapper/a \"/dev/mapper/a\"",
                                    "/dev/sdb \"/dev/sdb\"", "x null"));
 }
@@ -37,7 +37,7 @@ TEST_F(ActiveJobs, JobsPauseAtTheSameTime)
     const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin;
     double took = 0;
     for (const Json& path : answers)
-        took += path["took"].number();
+        took += path["took"].get<double>();
     // If they ran one after the other, `took` would be no more than the time that passed.
     EXPECT_GT(took, 3 * passed.count());
     EXPECT_EQ(sleeps().size(), 32U);

@@ -5,7 +5,7 @@ namespace {
 
 using command::Interrupted;
 using command::StopReason;
-using Row = Json;
+using Row = nlohmann::ordered_json;
 
 TEST_F(ActiveLookupTest, AfterTheRequestToStopNoToolStarts)
 {

@@ -5,7 +5,7 @@
 namespace {
 
 using koze_pdk_4_4::CZeTraceCallbackSink;
-using Row = Json;
+using Row = nlohmann::ordered_json;
 
 TEST_F(ActiveLookupTest, TellsTheActivePathAndHowItWasFound)
 {

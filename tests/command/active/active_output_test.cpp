@@ -56,10 +56,10 @@ TEST_F(ActiveOutput, TheTimelineIsAColumnToo)
 TEST_F(ActiveOutput, JsonHasTheTimeAsANumberAndTheTimeline)
 {
     const Json path = answer({"/dev/sdc"});
-    EXPECT_TRUE(path["took"].isReal());
+    EXPECT_TRUE(path["took"].is_number_float());
     ASSERT_EQ(path["timeline"].size(), 2U);
     EXPECT_EQ(path["timeline"][0]["command"], "/usr/sbin/kodmpadm   getdmpnode  nodename=sdc");
-    EXPECT_TRUE(path["timeline"][0]["seconds"].isReal());
+    EXPECT_TRUE(path["timeline"][0]["seconds"].is_number_float());
     EXPECT_EQ(path["timeline"][0]["result"], 0);
 }
 

@@ -71,7 +71,7 @@ TEST_F(ActiveTimeLimit, EndsAToolThatHangs)
         EXPECT_EQ(path["active"], "/dev/sdc");
         EXPECT_EQ(path["changed"], false);
         EXPECT_THAT(outline(path["timeline"]), ElementsAre("getdmpnode 1015"));
-        EXPECT_GE(path["took"].number(), 0.2);
+        EXPECT_GE(path["took"].get<double>(), 0.2);
     }
 }
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-using Row = Json;
+using Row = nlohmann::ordered_json;
 using testing::ElementsAre;
 
 /// The script is empty, so that running any command fails the test.
@@ -40,7 +40,7 @@ private:
     {
         std::vector<std::string> values;
         for (const Row& row : rows(path, refresh))
-            values.push_back(row[name].text());
+            values.push_back(row[name]);
         return values;
     }
 
@@ -123,7 +123,7 @@ TEST_F(DryRun, WithoutTheToolsItSaysSo)
 {
     tools.installed = false;
     for (const Row& row : rows("/dev/sdc"))
-        EXPECT_THAT(row["when"].text(), testing::StartsWith("if the tools were "));
+        EXPECT_THAT(row["when"].get<std::string>(), testing::StartsWith("if the tools were "));
 }
 
 TEST_F(DryRun, ForOtherPathsNothingIsRun)

@@ -19,7 +19,7 @@ inline const std::vector<std::string> pathTable{"NAME STATE", "====", "sdf ENABL
 /// Lookups with scripted tools.
 class ActiveLookupTest : public testing::Test {
 protected:
-    Json lookUp(const std::string& path, bool refresh = false)
+    nlohmann::ordered_json lookUp(const std::string& path, bool refresh = false)
     {
         rules.refresh = refresh;
         return answerJson(command::ActiveLookup(rules, sink, stop, status).run(path),
@@ -35,13 +35,13 @@ protected:
     }
 
     /// Each step of a timeline with its result: "COMMAND: 0", "wait".
-    static std::vector<std::string> outline(const Json& row)
+    static std::vector<std::string> outline(const nlohmann::ordered_json& row)
     {
         std::vector<std::string> steps;
-        for (const Json& step : row["timeline"])
-            steps.push_back(step.contains("wait")
-                                ? "wait"
-                                : step["command"].text() + ": " + step["result"].dump());
+        for (const nlohmann::ordered_json& step : row["timeline"])
+            steps.push_back(step.contains("wait") ? "wait"
+                                                  : step["command"].get<std::string>() + ": " +
+                                                        step["result"].dump());
         return steps;
     }
 

@@ -41,12 +41,12 @@ TEST_F(Doctor, JsonHoldsWhatASupportEngineerNeeds)
     const Json found = report();
     EXPECT_EQ(found["schema"], 1);
     EXPECT_EQ(found["versions"]["dmpclaim"], DMPCLAIM_VERSION);
-    EXPECT_THAT(found["versions"]["kernel"].text(), StartsWith("Linux "));
+    EXPECT_THAT(found["versions"]["kernel"].get<std::string>(), StartsWith("Linux "));
     const std::string release = textOf("/etc/os-release");
     const Json& system = found["versions"]["system"];
-    EXPECT_EQ(system.isText(), release.find("PRETTY_NAME=\"") != std::string::npos);
-    if (system.isText()) {
-        EXPECT_THAT(release, HasSubstr("PRETTY_NAME=\"" + system.text() + "\"\n"));
+    EXPECT_EQ(system.is_string(), release.find("PRETTY_NAME=\"") != std::string::npos);
+    if (system.is_string()) {
+        EXPECT_THAT(release, HasSubstr("PRETTY_NAME=\"" + system.get<std::string>() + "\"\n"));
     }
     EXPECT_EQ(found["modules"].size(), command::drivers().size());
     EXPECT_EQ(found["modules"][0], Json({{"module", "native"}, {"prefixes", {"/dev/sd"}}}));
@@ -57,7 +57,7 @@ TEST_F(Doctor, JsonHoldsWhatASupportEngineerNeeds)
                                           {"text", "node arr0_17, active path /dev/sdb"},
                                           {"advice", nullptr},
                                           {"remedy", nullptr}}));
-    EXPECT_THAT(found["recorded"].text(),
+    EXPECT_THAT(found["recorded"].get<std::string>(),
                 testing::MatchesRegex("20[0-9-]+T[0-9]{2}:[0-9]{2}:[0-9]{2}[+-][0-9]{4}"));
     EXPECT_EQ(found["maps"], Json({{{"name", "mpatha"}, {"uuid", "mpath-1"}}}));
     ASSERT_EQ(found["names"].size(), 3U);
@@ -98,7 +98,7 @@ TEST_F(Doctor, JsonHoldsTheTraceOfTheToolsRuns)
         std::vector<std::string> lines;
         const Json document = Json::parse(run(arguments).output);
         for (const Json& line : document["trace"])
-            lines.push_back(line["level"].dump() + ' ' + line["text"].text());
+            lines.push_back(line["level"].dump() + ' ' + line["text"].get<std::string>());
         return lines;
     };
     const std::vector<std::string> tools = traceOf({"-J"});

@@ -177,7 +177,7 @@ TEST_F(Doctor, EachScenarioHasItsCodes)
         const Result ended = run({"-J", "-q", "--timeout", answer.active == nullptr ? "1" : "60"});
         const Json document = Json::parse(ended.output);
         for (const Json& finding : document["findings"])
-            found.push_back(finding["code"].text());
+            found.push_back(finding["code"]);
         EXPECT_EQ(found, answer.codes) << answer.scenario;
     }
 }

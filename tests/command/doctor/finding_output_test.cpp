@@ -10,7 +10,7 @@ namespace {
 using command::Code;
 using command::Finding;
 using command::Severity;
-using Row = Json;
+using Row = nlohmann::ordered_json;
 using command::summary;
 
 std::string shown(const Finding& finding, bool isColored = false)

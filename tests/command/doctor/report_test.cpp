@@ -2,8 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <nlohmann/json.hpp>
+
 #include "tests/command/output/captured_output.h"
-#include "tests/support/json.h"
 
 namespace {
 
@@ -13,6 +14,7 @@ using command::Report;
 using command::StopReason;
 using testing::HasSubstr;
 using testing::StartsWith;
+using Json = nlohmann::ordered_json;
 
 class ReportWriterTest : public testing::Test {
 protected:
@@ -60,7 +62,7 @@ TEST_F(ReportWriterTest, ADocumentWithoutNamesHasEveryPartToo)
     const Json document = Json::parse(m_output.text());
     EXPECT_EQ(document["interrupted"], true);
     for (const char* list : {"names", "maps", "disks", "commands", "findings", "trace"})
-        EXPECT_EQ(document[list], Json::array()) << list;
+        EXPECT_EQ(document.at(list), Json::array()) << list;
 }
 
 TEST_F(ReportWriterTest, NamesGoOutAsTheyCome)
@@ -82,7 +84,7 @@ TEST_F(ReportWriterTest, ADocumentThatIsCutShortIsWholeAndSaysSo)
     EXPECT_EQ(document["names"].size(), 2U);
     EXPECT_EQ(document["interrupted"], true);
     for (const char* list : {"maps", "disks", "commands", "findings", "trace"})
-        EXPECT_EQ(document[list], Json::array()) << list;
+        EXPECT_EQ(document.at(list), Json::array()) << list;
 }
 
 TEST_F(ReportWriterTest, BehindAWholeDocumentNothingIsAdded)

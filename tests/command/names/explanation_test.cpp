@@ -4,7 +4,7 @@
 
 #include "tests/command/answer_json.h"
 
-using Row = Json;
+using Row = nlohmann::ordered_json;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -21,7 +21,7 @@ std::vector<std::string> warningCodes(const Row& explanation)
 {
     std::vector<std::string> codes;
     for (const Row& warning : explanation["warnings"])
-        codes.push_back(warning["code"].text());
+        codes.push_back(warning["code"]);
     return codes;
 }
 
@@ -62,7 +62,7 @@ TEST(Explanation, WarnsOfEqualClaims)
     const Row row = explain("/dev/mapper/dev/emcpowera");
     EXPECT_EQ(row["owner"], "powerpath");
     EXPECT_THAT(warningCodes(row), ElementsAre("equal-claims", "prefix-not-at-start"));
-    EXPECT_THAT(row["warnings"][0]["text"].text(),
+    EXPECT_THAT(row["warnings"][0]["text"].get<std::string>(),
                 testing::StartsWith("powerpath and device-mapper claim this path equally "
                                     "strongly. powerpath gets it"));
 }

@@ -3,10 +3,11 @@
 
 #include <unistd.h>
 
+#include <nlohmann/json.hpp>
+
 #include <fstream>
 
 #include "tests/command/made_up_command.h"
-#include "tests/support/json.h"
 #include "tests/support/process.h"
 #include "tests/support/terminal.h"
 
@@ -142,9 +143,10 @@ TEST_F(Paths, HaveEveryColumnWhenAllAreWanted)
 
 TEST_F(Paths, AreRecordsInJson)
 {
-    const Json document = Json::parse(paths({"-J", "dm-0"}).output);
+    const nlohmann::ordered_json document =
+        nlohmann::ordered_json::parse(paths({"-J", "dm-0"}).output);
     ASSERT_EQ(document["paths"].size(), 2U);
-    const Json& first = document["paths"][0];
+    const nlohmann::ordered_json& first = document["paths"][0];
     EXPECT_EQ(first["device"], "/dev/mapper/mpatha");
     EXPECT_EQ(first["state"], "active");
     EXPECT_EQ(first["used"], true);

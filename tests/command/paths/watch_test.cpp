@@ -4,11 +4,11 @@
 #include <thread>
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include "cli/usage_error.h"
 #include "commands.h"
 #include "tests/command/output/captured_output.h"
-#include "tests/support/json.h"
 #include "tests/support/terminal.h"
 
 using namespace command;
@@ -190,13 +190,13 @@ TEST_F(OnAPipe, EachChangedPathIsALineOfJson)
     show(m_output, {path("/dev/sda", PathState::failed), path("/dev/sdb", PathState::standby)});
     const std::string line = m_captured.written(); // at once
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
-    const Json change = Json::parse(line);
+    const nlohmann::ordered_json change = nlohmann::ordered_json::parse(line);
     EXPECT_EQ(change["device"], "/dev/mapper/mpatha");
     EXPECT_EQ(change["path"], "/dev/sda");
     EXPECT_EQ(change["state"], "failed");
     EXPECT_EQ(change["change"], "changed");
     EXPECT_EQ(change["was"], "active used");
-    EXPECT_THAT(change["time"].text(), testing::MatchesRegex("....-..-..T..:..:..Z"));
+    EXPECT_THAT(change["time"], testing::MatchesRegex("....-..-..T..:..:..Z"));
 }
 
 TEST_F(OnAPipe, PathsThatComeAndGoAreChanges)
@@ -206,8 +206,9 @@ TEST_F(OnAPipe, PathsThatComeAndGoAreChanges)
     std::istringstream lines(m_captured.written());
     std::vector<std::string> changes;
     for (std::string line; std::getline(lines, line);) {
-        const Json change = Json::parse(line);
-        changes.push_back(change["path"].text() + ' ' + change["change"].text());
+        const nlohmann::ordered_json change = nlohmann::ordered_json::parse(line);
+        changes.push_back(change["path"].get<std::string>() + ' ' +
+                          change["change"].get<std::string>());
     }
     EXPECT_THAT(changes, testing::ElementsAre("/dev/sdb added", "/dev/sda removed"));
 }
