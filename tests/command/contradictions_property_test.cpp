@@ -62,13 +62,13 @@ private:
 
     unsigned int anyPartnum() const { return *rc::gen::element<unsigned int>(1, 2, 9, 10, 128); }
 
-    void addDisk(const std::string& name)
+    void addDisk(const std::string& disk)
     {
-        m_made.addDisk(name, nextNumber(), "2:0:0:" + std::to_string(m_number));
-        m_paths.push_back("/dev/" + name);
+        m_made.addDisk(disk, nextNumber(), "2:0:0:" + std::to_string(m_number));
+        m_paths.push_back("/dev/" + disk);
         if (*rc::gen::arbitrary<bool>()) {
-            const std::string partition = name + std::to_string(anyPartnum());
-            m_made.addPartition(name, partition, nextNumber());
+            const std::string partition = disk + std::to_string(anyPartnum());
+            m_made.addPartition(disk, partition, nextNumber());
             m_paths.push_back("/dev/" + partition);
         }
     }
@@ -85,11 +85,11 @@ private:
         }
     }
 
-    void addNamed(const std::string& kernelName, const std::string& name, const std::string& uuid,
-                  const std::vector<std::string>& members)
+    void addNamed(const std::string& kernelName, const std::string& mapName,
+                  const std::string& uuid, const std::vector<std::string>& members)
     {
-        m_made.addMap(kernelName, nextNumber(), name, uuid, members);
-        m_paths.push_back("/dev/mapper/" + name);
+        m_made.addMap(kernelName, nextNumber(), mapName, uuid, members);
+        m_paths.push_back("/dev/mapper/" + mapName);
     }
 
     int m_number = 0;
