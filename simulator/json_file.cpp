@@ -26,6 +26,8 @@ Json readJsonFile(const std::string& path, int flags, bool (*isWanted)(const std
         return Json::parse(RegularFile(path, O_RDONLY | flags).read(), keeps);
     } catch (const Json::parse_error& error) {
         throw Error(path + " is no JSON: " + error.what());
+    } catch (const Json::out_of_range& error) {
+        throw Error(path + " has a number that is too large: " + error.what());
     }
 }
 

@@ -35,6 +35,18 @@ TEST_F(JsonFile, AHundredLevelsAreRead)
     EXPECT_EQ(state()["replayed"], Json({{"kodisk scandisks", 1}}));
 }
 
+TEST_F(JsonFile, ANumberThatIsTooLargeIsRefused)
+{
+    const char* refusal =
+        " has a number that is too large: [json.exception.out_of_range.406] number "
+        "overflow parsing '1e999'\n";
+    std::ofstream(folder() / "case.json") << R"({"commands": [1e999]})";
+    write(Json{{"replay", "case.json"}});
+    EXPECT_THAT(kodisk({"scandisks"}), Fails(78, "/case.json" + std::string(refusal)));
+    write(std::string(R"({"about": 1e999})"));
+    EXPECT_THAT(kodisk({"scandisks"}), Fails(78, statePath() + refusal));
+}
+
 TEST_F(JsonFile, UnknownFieldsOfARecordingCostNoMoreThanTheirLength)
 {
     std::ofstream file(folder() / "case.json");
