@@ -82,8 +82,9 @@ std::optional<std::chrono::milliseconds> watchInterval(const Options& options)
     const char* end = text->data() + text->size();
     const auto result = std::from_chars(text->data(), end, seconds, std::chars_format::fixed);
     const bool isNumber = result.ec == std::errc() && result.ptr == end;
+    // Both comparisons are false for NaN.
     const bool isInterval = isNumber && seconds >= leastSeconds && seconds <= mostSeconds;
-    if (!isInterval) // nor is NaN, with which every comparison is false
+    if (!isInterval)
         throw UsageError(std::string(watchOption) +
                          " takes a number of seconds from 0.1 to 86400, not '" + *text + "'");
     return std::chrono::milliseconds(static_cast<long>(seconds * 1000));

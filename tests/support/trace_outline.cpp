@@ -46,7 +46,7 @@ std::vector<std::string> outermost(const std::vector<std::string>& lines)
         const bool enters = line.rfind("> ", 0) == 0;
         const bool exits = line.rfind("< ", 0) == 0;
         depth -= exits ? 1 : 0;
-        if (depth <= 1 && !(exits && depth == 1))
+        if (depth <= 1 && (!exits || depth != 1))
             shown.push_back(line);
         depth += enters ? 1 : 0;
     }

@@ -9,7 +9,6 @@
 #include <chrono>
 #include <functional>
 #include <new>
-#include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
